@@ -1,0 +1,100 @@
+// The case-insensitive sight of the disk: Windows paths are looked up by component, exact spelling
+// first, through bounded cached listings. Reads only; every write goes through FileActions.
+#pragma once
+
+#include "platform/DriveTable.h"
+#include "platform/Result.h"
+#include "platform/Text.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QHash>
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+namespace vt {
+
+/// One file or folder as it lies on the disk.
+struct FileInfo
+{
+    QString name; ///< as spelled on the disk
+    bool folder = false;
+    bool readOnly = false; ///< the owner may not write
+    qint64 size = 0;       ///< bytes; 0 for folders
+    qint64 modifiedNs = 0; ///< nanoseconds since 1970 UTC
+
+    [[nodiscard]] QDateTime modified() const; ///< local time, milliseconds
+};
+
+class Files
+{
+public:
+    /// \a drives must outlive this.
+    explicit Files(const DriveTable& drives);
+    Files(const Files&) = delete;
+    Files& operator=(const Files&) = delete;
+
+    [[nodiscard]] const DriveTable& drives() const { return m_drives; }
+
+    /// Nothing when the path does not exist (or has no known drive). Follows links.
+    [[nodiscard]] std::optional<FileInfo> info(QStringView path) const;
+    [[nodiscard]] bool exists(QStringView path) const;
+    [[nodiscard]] bool isFile(QStringView path) const;
+    [[nodiscard]] bool isFolder(QStringView path) const;
+
+    /// Entries of a folder, sorted by name without regard to case; empty when there is none.
+    [[nodiscard]] QList<FileInfo> list(QStringView folder) const;
+    /// Files below a folder, all levels, as paths relative to it, sorted; links to folders are not
+    /// entered. At most \a limit files.
+    [[nodiscard]] QStringList filesBelow(QStringView folder, qsizetype limit = 1'000'000) const;
+
+    /// The path with every existing component spelled as on the disk, the rest as given; keeps a
+    /// trailing "\".
+    [[nodiscard]] QString spelled(QStringView path) const;
+    /// Where the path lies on the host, or would lie: existing components by their own spelling.
+    /// Empty without a known drive.
+    [[nodiscard]] QByteArray hostPath(QStringView path) const;
+
+    /// The whole file. Fails when it is missing, unreadable or larger than \a limit bytes.
+    [[nodiscard]] ResultOf<QByteArray> read(QStringView path, qint64 limit) const;
+
+    /// Groups of names in one folder that differ only in case ("SimObjects" beside "simobjects").
+    [[nodiscard]] QList<QStringList> twins(QStringView folder) const;
+
+    /// To be called when an operation begins: listings are checked against the disk again, once.
+    void newOperation();
+    /// To be called by whoever created, renamed or deleted something at \a path.
+    void noteChanged(QStringView path);
+
+private:
+    struct Resolved
+    {
+        QByteArray host;
+        bool exists = false;
+        quint64 epoch = 0;
+    };
+
+    struct Listing
+    {
+        qint64 changedNs = -1; ///< the folder's own time when it was read
+        bool settled = false;  ///< that time lay far enough back to notice later changes
+        quint64 epoch = 0;
+        QHash<NoCase, QList<QByteArray>> names;
+    };
+
+    /// \a folder without its trailing "\".
+    const Resolved& resolveFolder(QStringView folder) const;
+    /// The entry's own spelling inside a host folder, empty when there is none.
+    QByteArray spellingIn(const QByteArray& hostFolder, QStringView name) const;
+    const Listing& listing(const QByteArray& hostFolder) const;
+
+    const DriveTable& m_drives;
+    quint64 m_epoch = 1;
+    mutable QHash<NoCase, Resolved> m_folders;
+    mutable QHash<QByteArray, Listing> m_listings;
+    mutable qsizetype m_cachedNames = 0;
+};
+
+} // namespace vt

@@ -1,0 +1,88 @@
+// Questions to the user as plain values, and the one interface that answers them. What can be asked
+// before an operation is asked by the front end and passed as an option; this is for the rest.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace vt {
+
+enum class Button
+{
+    Ok,
+    Yes,
+    YesToAll,
+    No,
+    NoToAll,
+    Cancel,
+};
+
+enum class Icon
+{
+    None,
+    Information,
+    Question,
+    Warning,
+    Critical,
+};
+
+/// One question or announcement. Comparable, so that tests can expect it.
+struct Prompt
+{
+    QString caption;
+    QString text;
+    Icon icon = Icon::Question;
+    QList<Button> buttons = {Button::Ok};
+    Button defaultButton = Button::Ok;
+    QStringList buttonTexts; ///< empty, or one sentence for each button, in the order of buttons
+
+    friend bool operator==(const Prompt&, const Prompt&) = default;
+};
+
+/// A request for one line of text.
+struct TextPrompt
+{
+    QString caption;
+    QString text;
+    QString proposal;
+
+    friend bool operator==(const TextPrompt&, const TextPrompt&) = default;
+};
+
+/// Answers questions: message boxes, a terminal, or a script in tests.
+class Prompts
+{
+public:
+    virtual ~Prompts() = default;
+    /// One of \a prompt's buttons.
+    virtual Button ask(const Prompt& prompt) = 0;
+    /// The text entered; empty optional or empty text when the user gave none.
+    virtual std::optional<QString> askText(const TextPrompt& prompt) = 0;
+};
+
+/// An announcement with an Ok button.
+[[nodiscard]] inline Prompt announcement(QString caption, QString text, Icon icon)
+{
+    return {std::move(caption), std::move(text), icon, {Button::Ok}, Button::Ok, {}};
+}
+
+[[nodiscard]] inline Prompt yesNo(QString caption,
+                                  QString text,
+                                  Button defaultButton,
+                                  Icon icon = Icon::Question)
+{
+    return {std::move(caption), std::move(text), icon, {Button::Yes, Button::No}, defaultButton, {}};
+}
+
+[[nodiscard]] inline Prompt yesNoCancel(QString caption,
+                                        QString text,
+                                        Button defaultButton,
+                                        Icon icon = Icon::Question)
+{
+    return {std::move(caption), std::move(text), icon,
+            {Button::Yes, Button::No, Button::Cancel}, defaultButton, {}};
+}
+
+} // namespace vt

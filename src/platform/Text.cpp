@@ -1,0 +1,102 @@
+#include "platform/Text.h"
+
+#include <QChar>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+inline char32_t folded(char16_t unit)
+{
+    if (unit < 0x80)
+        return unit >= u'A' && unit <= u'Z' ? char32_t(unit + 32) : char32_t(unit);
+    return QChar::toCaseFolded(char32_t(unit));
+}
+
+} // namespace
+
+QString foldCase(QStringView text)
+{
+    for (QChar c : text) {
+        if (folded(c.unicode()) == c.unicode())
+            continue;
+        QString out = text.toString();
+        for (QChar& unit : out)
+            unit = QChar(char16_t(folded(unit.unicode())));
+        return out;
+    }
+    return text.toString();
+}
+
+int compareNoCase(QStringView a, QStringView b)
+{
+    const qsizetype n = qMin(a.size(), b.size());
+    for (qsizetype i = 0; i < n; ++i) {
+        const char16_t x = a[i].unicode();
+        const char16_t y = b[i].unicode();
+        if (x == y)
+            continue;
+        const char32_t fx = folded(x);
+        const char32_t fy = folded(y);
+        if (fx != fy)
+            return fx < fy ? -1 : 1;
+    }
+    return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
+bool equalNoCase(QStringView a, QStringView b)
+{
+    return a.size() == b.size() && compareNoCase(a, b) == 0;
+}
+
+bool startsWithNoCase(QStringView text, QStringView beginning)
+{
+    return text.size() >= beginning.size() && equalNoCase(text.first(beginning.size()), beginning);
+}
+
+bool endsWithNoCase(QStringView text, QStringView end)
+{
+    return text.size() >= end.size() && equalNoCase(text.last(end.size()), end);
+}
+
+qsizetype indexOfNoCase(QStringView text, QStringView part, qsizetype from)
+{
+    for (qsizetype i = qMax<qsizetype>(from, 0); i + part.size() <= text.size(); ++i) {
+        if (equalNoCase(text.sliced(i, part.size()), part))
+            return i;
+    }
+    return -1;
+}
+
+bool containsNoCase(QStringView text, QStringView part)
+{
+    return indexOfNoCase(text, part) >= 0;
+}
+
+size_t hashNoCase(QStringView text, size_t seed)
+{
+    size_t h = seed ^ 0xcbf29ce484222325ULL;
+    for (QChar c : text) {
+        h ^= folded(c.unicode());
+        h *= 0x100000001b3ULL;
+    }
+    return h ^ (h >> 29);
+}
+
+QString sizeText(qint64 bytes)
+{
+    if (bytes < 1024)
+        return QString::number(bytes) + u" bytes"_s;
+    static const char16_t* const units[] = {u"KB", u"MB", u"GB", u"TB"};
+    double size = double(bytes);
+    int unit = -1;
+    while (size >= 1024.0 && unit < 3) {
+        size /= 1024.0;
+        ++unit;
+    }
+    return QString::number(size, 'f', size < 99.95 ? 1 : 0) + u' ' + QString(units[unit]);
+}
+
+} // namespace vt

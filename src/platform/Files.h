@@ -85,7 +85,7 @@ private:
     };
 
     /// \a folder without its trailing "\".
-    const Resolved& resolveFolder(QStringView folder) const;
+    Resolved resolveFolder(QStringView folder) const;
     /// The entry's own spelling inside a host folder, empty when there is none.
     QByteArray spellingIn(const QByteArray& hostFolder, QStringView name) const;
     const Listing& listing(const QByteArray& hostFolder) const;

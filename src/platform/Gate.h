@@ -11,6 +11,8 @@
 #include <QSet>
 #include <QString>
 
+#include <functional>
+
 namespace vt {
 
 /// Which folder a path is relative to. Stored in the journal: never renumber.
@@ -57,6 +59,15 @@ public:
     [[nodiscard]] ResultOf<QByteArray> hostPath(QStringView path) const;
 
     [[nodiscard]] Files& files() const { return m_files; }
+
+    /// Asked before each action that changes the disk ("place", "rename", "commit", ...): 0, or the
+    /// errno that the action is to fail with. Set by tests alone, which also end the process in it.
+    std::function<int(const char* action, const QByteArray& host)> faultHook;
+
+    [[nodiscard]] int fault(const char* action, const QByteArray& host) const
+    {
+        return faultHook ? faultHook(action, host) : 0;
+    }
 
 private:
     struct Root

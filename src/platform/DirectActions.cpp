@@ -1,0 +1,155 @@
+#include "platform/DirectActions.h"
+
+#include "platform/HostFile.h"
+#include "platform/WinPath.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+Result refused(const QString& path, const QString& doing, int error)
+{
+    return Result::failure(u"'"_s + path + u"' could not be "_s + doing + u": "_s +
+                           hostfile::errorText(error));
+}
+
+QByteArray hostParent(const QByteArray& host)
+{
+    return host.first(qMax<qsizetype>(host.lastIndexOf('/'), 1));
+}
+
+} // namespace
+
+ResultOf<QByteArray> DirectActions::read(const QString& path, qint64 limit)
+{
+    return m_gate.files().read(path, limit);
+}
+
+std::optional<FileInfo> DirectActions::info(const QString& path)
+{
+    return m_gate.files().info(path);
+}
+
+Result DirectActions::replace(const QString& path, const QByteArray& bytes)
+{
+    const ResultOf<Fingerprint> placed = place(path, Content::ofBytes(bytes));
+    return placed ? Result::success() : placed.error();
+}
+
+ResultOf<Fingerprint> DirectActions::place(const QString& path, const Content& content)
+{
+    if (Result made = makeFolder(winpath::parent(path)); !made)
+        return made;
+    const ResultOf<QByteArray> host = m_gate.hostPath(path);
+    if (!host)
+        return host.error();
+    if (const int error = m_gate.fault("place", *host))
+        return refused(path, u"written"_s, error);
+
+    struct stat st
+    {};
+
+    const bool exists = lstat(host->constData(), &st) == 0;
+    if (exists && S_ISDIR(st.st_mode))
+        return refused(path, u"written"_s, EISDIR);
+
+    const QByteArray folderHost = hostParent(*host);
+    const hostfile::Descriptor folder = hostfile::openFolder(folderHost);
+    if (!folder.valid())
+        return refused(path, u"written"_s, errno);
+    const QByteArray temporary =
+        "~vtd" + QByteArray::number(getpid()) + '-' + QByteArray::number(++m_counter) + ".tmp";
+    unlinkat(folder.get(), temporary.constData(), 0); // left by a dead process of the same number
+    ResultOf<Fingerprint> print =
+        hostfile::create(folder.get(),
+                         temporary,
+                         content,
+                         true,
+                         exists && S_ISREG(st.st_mode) ? st.st_mode & 07777 : 0644);
+    if (!print)
+        return Result::failure(u"'"_s + path + u"' could not be written. "_s + print.text,
+                               print.kind);
+    const QByteArray name = host->sliced(host->lastIndexOf('/') + 1);
+    if (renameat(folder.get(), temporary.constData(), folder.get(), name.constData()) != 0) {
+        const int error = errno;
+        unlinkat(folder.get(), temporary.constData(), 0);
+        return refused(path, u"written"_s, error);
+    }
+    fsync(folder.get());
+    m_gate.files().noteChanged(path);
+    return print;
+}
+
+Result DirectActions::keep(const QString& from, const QString& to)
+{
+    if (Result made = makeFolder(winpath::parent(to)); !made)
+        return made;
+    const QByteArray source = m_gate.files().hostPath(from);
+    const ResultOf<QByteArray> target = m_gate.hostPath(to);
+    if (!target)
+        return target.error();
+    if (const int error = m_gate.fault("keep", *target))
+        return refused(from, u"kept"_s, error);
+    Result kept = hostfile::linkOrCopy(source, *target);
+    m_gate.files().noteChanged(to);
+    return kept;
+}
+
+Result DirectActions::copy(const QString& from, const QString& to)
+{
+    const QByteArray source = m_gate.files().hostPath(from);
+    if (!m_gate.files().isFile(from))
+        return refused(from, u"copied"_s, ENOENT);
+    const ResultOf<Fingerprint> placed = place(to, hostfile::contentOf(source));
+    return placed ? Result::success() : placed.error();
+}
+
+Result DirectActions::remove(const QString& path)
+{
+    const ResultOf<QByteArray> host = m_gate.hostPath(path);
+    if (!host)
+        return host.error();
+    if (const int error = m_gate.fault("remove", *host))
+        return refused(path, u"deleted"_s, error);
+    if (unlink(host->constData()) != 0 && errno != ENOENT)
+        return refused(path, u"deleted"_s, errno);
+    m_gate.files().noteChanged(path);
+    return Result::success();
+}
+
+Result DirectActions::makeFolder(const QString& folder)
+{
+    if (m_gate.files().isFolder(folder))
+        return Result::success();
+    const ResultOf<QByteArray> host = m_gate.hostPath(folder);
+    if (!host)
+        return host.error();
+    if (const int error = m_gate.fault("folder", *host))
+        return refused(folder, u"made"_s, error);
+    if (Result made = hostfile::makeFolders(*host); !made)
+        return Result::failure(u"The folder '"_s + folder + u"' could not be made. "_s + made.text);
+    m_gate.files().noteChanged(folder);
+    return Result::success();
+}
+
+Result DirectActions::removeEmptyFolder(const QString& folder)
+{
+    const ResultOf<QByteArray> host = m_gate.hostPath(folder);
+    if (!host)
+        return host.error();
+    if (const int error = m_gate.fault("remove folder", *host))
+        return refused(folder, u"deleted"_s, error);
+    if (rmdir(host->constData()) != 0 && errno != ENOENT && errno != ENOTEMPTY && errno != EEXIST)
+        return refused(folder, u"deleted"_s, errno);
+    m_gate.files().noteChanged(folder);
+    return Result::success();
+}
+
+} // namespace vt

@@ -1,0 +1,358 @@
+#include "platform/HostFile.h"
+
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <xxhash.h>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+Content Content::ofBytes(QByteArray bytes)
+{
+    Content content;
+    content.size = bytes.size();
+    content.transfer = [bytes = std::move(bytes)](const Sink& sink) {
+        // A writer that refuses a piece reports its own reason.
+        if (!bytes.isEmpty())
+            (void)sink(bytes);
+        return Result::success();
+    };
+    return content;
+}
+
+} // namespace vt
+
+namespace vt::hostfile {
+
+namespace {
+
+/// Larger single writes were slower on ext4.
+constexpr qsizetype writePiece = 64 * 1024;
+constexpr qsizetype readPiece = 256 * 1024;
+
+Result failed(const char* doing, const QByteArray& name, int error)
+{
+    return Result::failure(u"'"_s + QString::fromUtf8(name) + u"' could not be "_s +
+                           QString::fromLatin1(doing) + u": "_s + errorText(error));
+}
+
+bool writeAll(int fd, QByteArrayView bytes, int& error)
+{
+    while (!bytes.isEmpty()) {
+        const ssize_t n = write(fd, bytes.data(), size_t(qMin(bytes.size(), writePiece)));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0) {
+            error = errno;
+            return false;
+        }
+        bytes = bytes.sliced(n);
+    }
+    return true;
+}
+
+QByteArray canonicalHash(XXH128_hash_t hash)
+{
+    XXH128_canonical_t canonical;
+    XXH128_canonicalFromHash(&canonical, hash);
+    return QByteArray(reinterpret_cast<const char*>(canonical.digest), sizeof canonical.digest);
+}
+
+/// Hashes what passes by; content that comes in one piece needs no state.
+class PassingHash
+{
+public:
+    explicit PassingHash(qint64 expected) : m_expected(expected) {}
+
+    ~PassingHash() { XXH3_freeState(m_state); }
+
+    PassingHash(const PassingHash&) = delete;
+    PassingHash& operator=(const PassingHash&) = delete;
+
+    void add(QByteArrayView piece)
+    {
+        if (!m_state && m_total == 0 && piece.size() == m_expected) {
+            m_whole = canonicalHash(XXH3_128bits(piece.data(), size_t(piece.size())));
+        } else {
+            if (!m_state) {
+                m_state = XXH3_createState();
+                XXH3_128bits_reset(m_state);
+            }
+            XXH3_128bits_update(m_state, piece.data(), size_t(piece.size()));
+        }
+        m_total += piece.size();
+    }
+
+    [[nodiscard]] qint64 total() const { return m_total; }
+
+    [[nodiscard]] QByteArray result() const
+    {
+        if (m_state)
+            return canonicalHash(XXH3_128bits_digest(m_state));
+        return m_total > 0 ? m_whole : canonicalHash(XXH3_128bits(nullptr, 0));
+    }
+
+private:
+    qint64 m_expected;
+    qint64 m_total = 0;
+    QByteArray m_whole;
+    XXH3_state_t* m_state = nullptr;
+};
+
+timespec timeOf(qint64 ns)
+{
+    return {time_t(ns / 1'000'000'000), long(ns % 1'000'000'000)};
+}
+
+/// Writes the content into the open file and names the failure, if any.
+ResultOf<Fingerprint> fill(int fd, const QByteArray& name, const Content& content, bool sync)
+{
+    PassingHash hash(content.size);
+    int error = 0;
+    bool tooMuch = false;
+    const Content::Sink sink = [&](QByteArrayView piece) {
+        if (content.size >= 0 && hash.total() + piece.size() > content.size) {
+            tooMuch = true;
+            return false;
+        }
+        hash.add(piece);
+        return writeAll(fd, piece, error);
+    };
+    const Result given = content.transfer(sink);
+    if (error != 0)
+        return failed("written", name, error);
+    if (!given)
+        return given;
+    if (tooMuch || (content.size >= 0 && hash.total() != content.size))
+        return Result::failure(u"'"_s + QString::fromUtf8(name) +
+                               u"' has not the size that was announced: "_s +
+                               QString::number(content.size) + u" bytes."_s);
+    Fingerprint print;
+    print.size = hash.total();
+    print.xxh3 = hash.result();
+    if (content.modifiedNs >= 0) {
+        const timespec times[2] = {timeOf(content.modifiedNs), timeOf(content.modifiedNs)};
+        if (futimens(fd, times) != 0)
+            return failed("dated", name, errno);
+        print.modifiedNs = content.modifiedNs;
+    } else {
+        struct stat st
+        {};
+
+        if (fstat(fd, &st) != 0)
+            return failed("looked at", name, errno);
+        print.modifiedNs = qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec;
+    }
+    if (sync && fsync(fd) != 0)
+        return failed("written", name, errno);
+    return print;
+}
+
+Result removeTreeAt(int above, const char* name)
+{
+    const int fd = openat(above, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (fd < 0) {
+        if (errno == ENOENT)
+            return Result::success();
+        if ((errno == ENOTDIR || errno == ELOOP) && unlinkat(above, name, 0) == 0)
+            return Result::success();
+        return failed("deleted", name, errno);
+    }
+    DIR* dir = fdopendir(fd);
+    if (!dir) {
+        close(fd);
+        return failed("deleted", name, ENOMEM);
+    }
+    Result result = Result::success();
+    while (const dirent* entry = readdir(dir)) {
+        if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0)
+            continue;
+        if (entry->d_type != DT_DIR && entry->d_type != DT_UNKNOWN) {
+            if (unlinkat(fd, entry->d_name, 0) != 0 && errno != ENOENT)
+                result = failed("deleted", entry->d_name, errno);
+        } else if (Result inner = removeTreeAt(fd, entry->d_name); !inner) {
+            result = inner;
+        }
+    }
+    closedir(dir);
+    if (result && unlinkat(above, name, AT_REMOVEDIR) != 0 && errno != ENOENT)
+        result = failed("deleted", name, errno);
+    return result;
+}
+
+} // namespace
+
+Descriptor::~Descriptor()
+{
+    reset();
+}
+
+Descriptor::Descriptor(Descriptor&& other) noexcept : m_fd(std::exchange(other.m_fd, -1)) {}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept
+{
+    if (this != &other) {
+        reset();
+        m_fd = std::exchange(other.m_fd, -1);
+    }
+    return *this;
+}
+
+void Descriptor::reset()
+{
+    if (m_fd >= 0)
+        close(m_fd);
+    m_fd = -1;
+}
+
+QString errorText(int error)
+{
+    switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+        return u"the disk is full."_s;
+    case EACCES:
+    case EPERM:
+        return u"access is denied."_s;
+    case EROFS:
+        return u"the disk is read-only."_s;
+    case ENOENT:
+        return u"it does not exist."_s;
+    case EFBIG:
+        return u"the file would be larger than allowed."_s;
+    default:
+        return QString::fromLocal8Bit(std::strerror(error)) + u'.';
+    }
+}
+
+Descriptor openFolder(const QByteArray& host)
+{
+    return Descriptor(open(host.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+ResultOf<Fingerprint>
+create(int folder, const QByteArray& name, const Content& content, bool sync, unsigned mode)
+{
+    const Descriptor fd(openat(
+        folder, name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+    if (!fd.valid())
+        return failed("created", name, errno);
+    ResultOf<Fingerprint> print = fill(fd.get(), name, content, sync);
+    if (!print)
+        unlinkat(folder, name.constData(), 0);
+    return print;
+}
+
+Result makeFolders(const QByteArray& host, const std::function<void(const QByteArray&)>& made)
+{
+    if (host.isEmpty() || mkdir(host.constData(), 0755) == 0) {
+        if (!host.isEmpty() && made)
+            made(host);
+        return Result::success();
+    }
+    if (errno == EEXIST) {
+        struct stat st
+        {};
+
+        if (stat(host.constData(), &st) == 0 && S_ISDIR(st.st_mode))
+            return Result::success();
+        return failed("made into a folder", host, ENOTDIR);
+    }
+    if (errno != ENOENT)
+        return failed("made", host, errno);
+    if (Result above = makeFolders(host.first(qMax<qsizetype>(host.lastIndexOf('/'), 0)), made);
+        !above)
+        return above;
+    if (mkdir(host.constData(), 0755) != 0 && errno != EEXIST)
+        return failed("made", host, errno);
+    if (made)
+        made(host);
+    return Result::success();
+}
+
+Content contentOf(const QByteArray& host)
+{
+    Content content;
+
+    struct stat st
+    {};
+
+    if (stat(host.constData(), &st) == 0) {
+        content.size = st.st_size;
+        content.modifiedNs = qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec;
+    }
+    content.transfer = [host](const Content::Sink& sink) {
+        const Descriptor fd(open(host.constData(), O_RDONLY | O_CLOEXEC));
+        if (!fd.valid())
+            return failed("read", host, errno);
+        QByteArray buffer(readPiece, Qt::Uninitialized);
+        for (;;) {
+            const ssize_t n = read(fd.get(), buffer.data(), size_t(buffer.size()));
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n < 0)
+                return failed("read", host, errno);
+            if (n == 0)
+                return Result::success();
+            if (!sink(QByteArrayView(buffer.constData(), n)))
+                return Result::success(); // the writer knows why
+        }
+    };
+    return content;
+}
+
+Result copyFile(const QByteArray& from, const QByteArray& to, bool sync)
+{
+    struct stat st
+    {};
+
+    if (stat(from.constData(), &st) != 0)
+        return failed("copied", from, errno);
+    const qsizetype cut = to.lastIndexOf('/');
+    const Descriptor folder = openFolder(to.first(qMax<qsizetype>(cut, 1)));
+    if (!folder.valid())
+        return failed("copied", from, errno);
+    const ResultOf<Fingerprint> copied =
+        create(folder.get(), to.sliced(cut + 1), contentOf(from), sync, st.st_mode & 07777);
+    return copied ? Result::success() : copied.error();
+}
+
+Result linkOrCopy(const QByteArray& from, const QByteArray& to)
+{
+    if (link(from.constData(), to.constData()) == 0)
+        return Result::success();
+    if (errno == EEXIST || errno == ENOENT || errno == ENOSPC || errno == EROFS)
+        return failed("kept", from, errno);
+    return copyFile(from, to, true);
+}
+
+Result removeTree(const QByteArray& host)
+{
+    const qsizetype cut = host.lastIndexOf('/');
+    const Descriptor above = openFolder(host.first(qMax<qsizetype>(cut, 1)));
+    if (!above.valid())
+        return errno == ENOENT ? Result::success() : failed("deleted", host, errno);
+    return removeTreeAt(above.get(), host.sliced(cut + 1).constData());
+}
+
+void syncFolder(const QByteArray& host)
+{
+    const Descriptor fd = openFolder(host);
+    if (fd.valid())
+        fsync(fd.get());
+}
+
+Result syncFileSystem(const QByteArray& host)
+{
+    const Descriptor fd = openFolder(host);
+    if (!fd.valid() || syncfs(fd.get()) != 0)
+        return failed("written to the disk", host, errno);
+    return Result::success();
+}
+
+} // namespace vt::hostfile

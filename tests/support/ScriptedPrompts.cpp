@@ -17,14 +17,16 @@ Button ScriptedPrompts::ask(const Prompt& prompt)
         if (!defaultsBeyondQueue)
             QTest::qFail(qPrintable(QStringLiteral("unexpected question: ") + prompt.caption +
                                     QStringLiteral(": ") + prompt.text),
-                         __FILE__, __LINE__);
+                         __FILE__,
+                         __LINE__);
         return prompt.defaultButton;
     }
     const auto [part, answer] = m_expected.takeFirst();
     if (!prompt.caption.contains(part) && !prompt.text.contains(part))
         QTest::qFail(qPrintable(QStringLiteral("expected '") + part + QStringLiteral("', asked: ") +
                                 prompt.caption + QStringLiteral(": ") + prompt.text),
-                     __FILE__, __LINE__);
+                     __FILE__,
+                     __LINE__);
     if (!prompt.buttons.contains(answer))
         QTest::qFail("the answer is not among the buttons", __FILE__, __LINE__);
     return answer;
@@ -33,13 +35,15 @@ Button ScriptedPrompts::ask(const Prompt& prompt)
 std::optional<QString> ScriptedPrompts::askText(const TextPrompt& prompt)
 {
     if (m_expectedTexts.isEmpty()) {
-        QTest::qFail(qPrintable(QStringLiteral("unexpected question: ") + prompt.caption), __FILE__,
+        QTest::qFail(qPrintable(QStringLiteral("unexpected question: ") + prompt.caption),
+                     __FILE__,
                      __LINE__);
         return std::nullopt;
     }
     auto [part, answer] = m_expectedTexts.takeFirst();
     if (!prompt.caption.contains(part) && !prompt.text.contains(part))
-        QTest::qFail(qPrintable(QStringLiteral("expected '") + part + QStringLiteral("'")), __FILE__,
+        QTest::qFail(qPrintable(QStringLiteral("expected '") + part + QStringLiteral("'")),
+                     __FILE__,
                      __LINE__);
     return answer;
 }

@@ -1,13 +1,13 @@
 #include "platform/HostFile.h"
 
+#include "platform/Hash.h"
+
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <xxhash.h>
-
 using namespace Qt::StringLiterals;
 
 namespace vt {
@@ -56,34 +56,20 @@ bool writeAll(int fd, QByteArrayView bytes, int& error)
     return true;
 }
 
-QByteArray canonicalHash(XXH128_hash_t hash)
-{
-    XXH128_canonical_t canonical;
-    XXH128_canonicalFromHash(&canonical, hash);
-    return QByteArray(reinterpret_cast<const char*>(canonical.digest), sizeof canonical.digest);
-}
-
 /// Hashes what passes by; content that comes in one piece needs no state.
 class PassingHash
 {
 public:
     explicit PassingHash(qint64 expected) : m_expected(expected) {}
 
-    ~PassingHash() { XXH3_freeState(m_state); }
-
-    PassingHash(const PassingHash&) = delete;
-    PassingHash& operator=(const PassingHash&) = delete;
-
     void add(QByteArrayView piece)
     {
         if (!m_state && m_total == 0 && piece.size() == m_expected) {
-            m_whole = canonicalHash(XXH3_128bits(piece.data(), size_t(piece.size())));
+            m_whole = xxh3(piece);
         } else {
-            if (!m_state) {
-                m_state = XXH3_createState();
-                XXH3_128bits_reset(m_state);
-            }
-            XXH3_128bits_update(m_state, piece.data(), size_t(piece.size()));
+            if (!m_state)
+                m_state.emplace();
+            m_state->add(piece);
         }
         m_total += piece.size();
     }
@@ -93,15 +79,15 @@ public:
     [[nodiscard]] QByteArray result() const
     {
         if (m_state)
-            return canonicalHash(XXH3_128bits_digest(m_state));
-        return m_total > 0 ? m_whole : canonicalHash(XXH3_128bits(nullptr, 0));
+            return m_state->result();
+        return m_total > 0 ? m_whole : xxh3({});
     }
 
 private:
     qint64 m_expected;
     qint64 m_total = 0;
     QByteArray m_whole;
-    XXH3_state_t* m_state = nullptr;
+    std::optional<Xxh3> m_state;
 };
 
 timespec timeOf(qint64 ns)
@@ -353,6 +339,25 @@ Result syncFileSystem(const QByteArray& host)
     if (!fd.valid() || syncfs(fd.get()) != 0)
         return failed("written to the disk", host, errno);
     return Result::success();
+}
+
+ResultOf<Fingerprint> fingerprint(const QByteArray& host)
+{
+    const Content content = contentOf(host);
+    Fingerprint print;
+    Xxh3 hash;
+    qint64 total = 0;
+    const Result read = content.transfer([&](QByteArrayView piece) {
+        hash.add(piece);
+        total += piece.size();
+        return true;
+    });
+    if (!read)
+        return read;
+    print.size = total;
+    print.modifiedNs = content.modifiedNs;
+    print.xxh3 = hash.result();
+    return print;
 }
 
 } // namespace vt::hostfile

@@ -66,4 +66,7 @@ void syncFolder(const QByteArray& host);
 /// Bytes of an open or named file as content; the file is opened when the transfer begins.
 [[nodiscard]] Content contentOf(const QByteArray& host);
 
+/// Size, time and hash of a file, read in pieces.
+[[nodiscard]] ResultOf<Fingerprint> fingerprint(const QByteArray& host);
+
 } // namespace vt::hostfile

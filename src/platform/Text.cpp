@@ -89,14 +89,14 @@ QString sizeText(qint64 bytes)
 {
     if (bytes < 1024)
         return QString::number(bytes) + u" bytes"_s;
-    static const char16_t* const units[] = {u"KB", u"MB", u"GB", u"TB"};
+    static constexpr QStringView units[] = {u"KB", u"MB", u"GB", u"TB"};
     double size = double(bytes);
     int unit = -1;
     while (size >= 1024.0 && unit < 3) {
         size /= 1024.0;
         ++unit;
     }
-    return QString::number(size, 'f', size < 99.95 ? 1 : 0) + u' ' + QString(units[unit]);
+    return QString::number(size, 'f', size < 99.95 ? 1 : 0) + u' ' + units[unit].toString();
 }
 
 } // namespace vt

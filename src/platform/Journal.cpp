@@ -1,0 +1,158 @@
+// Stored form of journal steps, and the recovery of unfinished operations.
+#include "platform/Journal.h"
+
+#include "platform/StepRunner.h"
+
+#include <QDataStream>
+#include <QIODevice>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+constexpr quint8 stepFormat = 1;
+
+void writePlace(QDataStream& out, const Place& place)
+{
+    out << quint8(place.root) << place.relative.toUtf8();
+}
+
+Place readPlace(QDataStream& in)
+{
+    quint8 root = 0;
+    QByteArray relative;
+    in >> root >> relative;
+    return {RootId(root), QString::fromUtf8(relative)};
+}
+
+void writePrint(QDataStream& out, const Fingerprint& print)
+{
+    out << print.size;
+    if (print.size >= 0)
+        out << print.modifiedNs << print.xxh3;
+}
+
+Fingerprint readPrint(QDataStream& in)
+{
+    Fingerprint print;
+    in >> print.size;
+    if (print.size >= 0)
+        in >> print.modifiedNs >> print.xxh3;
+    return print;
+}
+
+Recovery recoverOne(Journal& journal, Gate& gate, const JournalOperation& operation)
+{
+    Recovery out{operation, u"failed"_s, {}};
+    const ResultOf<QList<JournalStep>> steps = journal.steps(operation.id);
+    if (!steps) {
+        out.texts.push_back(steps.text);
+        return out;
+    }
+    for (const JournalStep& step : *steps) {
+        if (gate.rootFolder(step.target.root).isEmpty()) {
+            out.texts.push_back(u"The folder that '"_s + step.target.relative +
+                                u"' belongs to is not known at present; the work waits for it."_s);
+            return out;
+        }
+    }
+    StepRunner runner(gate, operation.id);
+    Result ended = Result::success();
+    if (operation.state == OperationState::Staging) {
+        out.texts = runner.undo(*steps);
+        if (!out.texts.isEmpty())
+            return out; // tried again next time
+        if (const int error = gate.fault("commit", "forget"))
+            return out.texts.push_back(QString::number(error)), out;
+        ended = journal.forget(operation.id);
+        out.outcome = u"undone"_s;
+    } else {
+        const QList<StepFailure> failures = runner.carryOut(*steps);
+        runner.syncFolders();
+        QList<Place> failed;
+        for (const StepFailure& failure : failures) {
+            out.texts.push_back(u"'"_s + failure.path + u"': "_s + failure.text);
+            if (const ResultOf<Place> place = gate.place(failure.path))
+                failed.push_back(*place);
+        }
+        // What single files staged is gone by now; a folder that could not be placed may remain.
+        out.texts += runner.undo(*steps);
+        if (const int error = gate.fault("commit", "end"))
+            return out.texts.push_back(QString::number(error)), out;
+        ended = journal.end(operation.id, failed);
+        out.outcome = u"completed"_s;
+    }
+    if (!ended) {
+        out.outcome = u"failed"_s;
+        out.texts.push_back(ended.text);
+    }
+    return out;
+}
+
+} // namespace
+
+QByteArray packSteps(const QList<JournalStep>& steps, qsizetype from, qsizetype count)
+{
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out.setVersion(QDataStream::Qt_6_4);
+    const qsizetype end = qMin(from + count, steps.size());
+    out << stepFormat << qint32(end - from);
+    for (qsizetype i = from; i < end; ++i) {
+        const JournalStep& step = steps[i];
+        out << quint8(step.kind);
+        writePlace(out, step.target);
+        if (step.kind == StepKind::Move)
+            writePlace(out, step.source);
+        out << step.stagedName.toUtf8();
+        writePrint(out, step.before);
+        writePrint(out, step.after);
+    }
+    return bytes;
+}
+
+bool unpackSteps(const QByteArray& bytes, QList<JournalStep>& steps)
+{
+    QDataStream in(bytes);
+    in.setVersion(QDataStream::Qt_6_4);
+    quint8 format = 0;
+    qint32 count = 0;
+    in >> format >> count;
+    if (format != stepFormat || count < 0)
+        return false;
+    for (qint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
+        JournalStep step;
+        quint8 kind = 0;
+        QByteArray staged;
+        in >> kind;
+        step.kind = StepKind(kind);
+        step.target = readPlace(in);
+        if (step.kind == StepKind::Move)
+            step.source = readPlace(in);
+        in >> staged;
+        step.stagedName = QString::fromUtf8(staged);
+        step.before = readPrint(in);
+        step.after = readPrint(in);
+        if (kind < quint8(StepKind::StagingFolder) || kind > quint8(StepKind::RemoveFolder))
+            return false;
+        steps.push_back(step);
+    }
+    return in.status() == QDataStream::Ok;
+}
+
+ResultOf<QList<Recovery>> recover(Journal& journal, Gate& gate)
+{
+    const ResultOf<QList<JournalOperation>> operations = journal.unfinished();
+    if (!operations)
+        return operations.error();
+    QList<Recovery> out;
+    for (const JournalOperation& operation : *operations)
+        out.push_back(recoverOne(journal, gate, operation));
+    if (!out.isEmpty())
+        gate.files().newOperation();
+    return out;
+}
+
+} // namespace vt

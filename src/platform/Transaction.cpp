@@ -1,0 +1,563 @@
+#include "platform/Transaction.h"
+
+#include "platform/StepRunner.h"
+#include "platform/WinPath.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+/// From this many files on, one syncfs is cheaper than a sync for each.
+constexpr qsizetype manyFiles = 200;
+
+QString withoutTrailing(const QString& folder)
+{
+    return winpath::withoutTrailing(folder);
+}
+
+Fingerprint absent()
+{
+    return {};
+}
+
+Result refused(const QString& path, const char* doing, int error)
+{
+    return Result::failure(u"'"_s + path + u"' could not be "_s + QString::fromLatin1(doing) +
+                           u": "_s + hostfile::errorText(error));
+}
+
+} // namespace
+
+Transaction::Transaction(Gate& gate, Journal& journal) : m_gate(gate), m_journal(journal) {}
+
+Transaction::~Transaction()
+{
+    abandon();
+}
+
+Result Transaction::begin(OperationKind kind, const QString& label)
+{
+    Q_ASSERT(m_operation == 0);
+    if (const int error = m_gate.fault("commit", "begin"))
+        return Result::failure(hostfile::errorText(error));
+    const ResultOf<qint64> begun = m_journal.begin(kind, label);
+    if (!begun)
+        return begun.error();
+    m_operation = *begun;
+    return Result::success();
+}
+
+Result Transaction::announce(const QStringList& targetFolders, qsizetype expectedFiles)
+{
+    m_syncEach = expectedFiles <= manyFiles;
+    QList<JournalStep> steps;
+    for (const QString& folder : targetFolders) {
+        QString existing = withoutTrailing(folder);
+        while (!existing.isEmpty() && !m_gate.files().isFolder(existing))
+            existing = withoutTrailing(winpath::parent(existing));
+        const ResultOf<Place> place = m_gate.place(existing);
+        if (!place || m_told.contains(NoCase{existing}))
+            continue; // what is refused here is refused again, with its text, when it is staged
+        m_told.insert(NoCase{existing});
+        JournalStep step;
+        step.kind = StepKind::StagingFolder;
+        step.target = *place;
+        steps.push_back(step);
+    }
+    if (steps.isEmpty())
+        return Result::success();
+    if (const int error = m_gate.fault("commit", "extend"))
+        return Result::failure(hostfile::errorText(error));
+    if (Result told = m_journal.extend(m_operation, steps); !told)
+        return told;
+    m_undo += steps;
+    return Result::success();
+}
+
+Result Transaction::announceKept(const QString& folder)
+{
+    const ResultOf<Place> place = m_gate.place(folder);
+    if (!place)
+        return place.error();
+    JournalStep step;
+    step.kind = StepKind::KeptFolder;
+    step.target = *place;
+    if (const int error = m_gate.fault("commit", "extend"))
+        return Result::failure(hostfile::errorText(error));
+    if (Result told = m_journal.extend(m_operation, {step}); !told)
+        return told;
+    m_undo.push_back(step);
+    m_keptFolders.push_back(withoutTrailing(folder));
+    return Result::success();
+}
+
+Result Transaction::tellStagingFolder(const QString& folder)
+{
+    if (m_told.contains(NoCase{folder}))
+        return Result::success();
+    const ResultOf<Place> place = m_gate.place(folder);
+    if (!place)
+        return place.error();
+    JournalStep step;
+    step.kind = StepKind::StagingFolder;
+    step.target = *place;
+    if (const int error = m_gate.fault("commit", "extend"))
+        return Result::failure(hostfile::errorText(error));
+    if (Result told = m_journal.extend(m_operation, {step}); !told)
+        return told;
+    m_told.insert(NoCase{folder});
+    m_undo.push_back(step);
+    return Result::success();
+}
+
+QString Transaction::nextStagedName(const char* ending)
+{
+    return QString::fromLatin1(stagedPrefix(m_operation) + QByteArray::number(++m_counter) +
+                               ending);
+}
+
+ResultOf<Transaction::Folder> Transaction::folderFor(const QString& folder)
+{
+    if (const auto it = m_folders.constFind(NoCase{folder}); it != m_folders.cend())
+        return *it;
+    Q_ASSERT(m_operation != 0);
+    const ResultOf<QByteArray> host = m_gate.hostPath(folder);
+    if (!host)
+        return host.error();
+
+    QString firstMissing;
+    QString existing = folder;
+    while (!existing.isEmpty() && !m_gate.files().isFolder(existing) &&
+           !m_folders.contains(NoCase{existing})) {
+        if (m_gate.files().exists(existing))
+            return refused(folder, "made", ENOTDIR);
+        firstMissing = existing;
+        existing = withoutTrailing(winpath::parent(existing));
+    }
+    const auto above = m_folders.constFind(NoCase{existing});
+    if (!firstMissing.isEmpty() && above != m_folders.cend() && above->staged)
+        return stagedFolder(folder, firstMissing);
+    if (Result told = tellStagingFolder(existing); !told)
+        return told;
+    if (!firstMissing.isEmpty())
+        return stagedFolder(folder, firstMissing);
+    Folder entry;
+    entry.host = *host;
+    entry.fd = std::make_shared<hostfile::Descriptor>(hostfile::openFolder(*host));
+    if (!entry.fd->valid())
+        return refused(folder, "opened", errno);
+    m_folders.insert(NoCase{folder}, entry);
+    return entry;
+}
+
+ResultOf<Transaction::Folder> Transaction::stagedFolder(const QString& folder,
+                                                        const QString& firstMissing)
+{
+    const QString above = withoutTrailing(winpath::parent(firstMissing));
+    const ResultOf<Folder> parent = folderFor(above);
+    if (!parent)
+        return parent.error();
+    QString name = winpath::name(firstMissing);
+    if (!parent->staged) {
+        const QString stagedName = nextStagedName(".dir");
+        m_stagedRoots.insert(NoCase{firstMissing}, StagedRoot{firstMissing, stagedName});
+        name = stagedName;
+    }
+    Folder entry;
+    entry.staged = true;
+    entry.host = parent->host + '/' + name.toUtf8();
+    if (const int error = m_gate.fault("stage folder", entry.host))
+        return refused(firstMissing, "made", error);
+    if (mkdirat(parent->fd->get(), name.toUtf8().constData(), 0755) != 0 && errno != EEXIST)
+        return refused(firstMissing, "made", errno);
+    entry.fd = std::make_shared<hostfile::Descriptor>(hostfile::openFolder(entry.host));
+    if (!entry.fd->valid())
+        return refused(firstMissing, "made", errno);
+    m_folders.insert(NoCase{firstMissing}, entry);
+    m_stagedAny = true;
+    if (firstMissing.size() == folder.size())
+        return entry;
+    const qsizetype next = folder.indexOf(u'\\', firstMissing.size() + 1);
+    return stagedFolder(folder, next < 0 ? folder : folder.first(next));
+}
+
+QByteArray Transaction::hostOf(const QString& path, const Pending& pending) const
+{
+    const auto folder = m_folders.constFind(NoCase{withoutTrailing(winpath::parent(path))});
+    Q_ASSERT(folder != m_folders.cend());
+    const QString name = pending.step >= 0 ? m_steps[pending.step].stagedName : pending.info.name;
+    return folder->host + '/' + name.toUtf8();
+}
+
+ResultOf<QByteArray> Transaction::read(const QString& path, qint64 limit)
+{
+    const auto it = m_pending.constFind(NoCase{path});
+    if (it == m_pending.cend())
+        return m_gate.files().read(path, limit);
+    if (it->fate == Fate::Removed)
+        return refused(path, "read", ENOENT);
+    if (it->info.size > limit)
+        return refused(path, "read", EFBIG);
+    QByteArray bytes;
+    const Result read = hostfile::contentOf(hostOf(path, *it)).transfer([&](QByteArrayView piece) {
+        bytes += piece;
+        return true;
+    });
+    if (!read)
+        return read;
+    return bytes;
+}
+
+std::optional<FileInfo> Transaction::info(const QString& path)
+{
+    const auto it = m_pending.constFind(NoCase{path});
+    if (it != m_pending.cend())
+        return it->fate == Fate::Removed ? std::nullopt : std::optional(it->info);
+    if (const auto folder = m_folders.constFind(NoCase{withoutTrailing(path)});
+        folder != m_folders.cend() && folder->staged) {
+        FileInfo info;
+        info.name = winpath::name(path);
+        info.folder = true;
+        return info;
+    }
+    return m_gate.files().info(path);
+}
+
+Result Transaction::replace(const QString& path, const QByteArray& bytes)
+{
+    const ResultOf<Fingerprint> placed = place(path, Content::ofBytes(bytes));
+    return placed ? Result::success() : placed.error();
+}
+
+ResultOf<Fingerprint> Transaction::place(const QString& path, const Content& content)
+{
+    Fingerprint before = absent();
+    if (const auto now = m_gate.files().info(path)) {
+        if (now->folder)
+            return refused(path, "written", EISDIR);
+        before.size = now->size;
+        before.modifiedNs = now->modifiedNs;
+    }
+    return placeOver(path, content, before);
+}
+
+ResultOf<Fingerprint>
+Transaction::placeOver(const QString& path, const Content& content, const Fingerprint& before)
+{
+    const qsizetype cut = path.lastIndexOf(u'\\');
+    QString name = path.sliced(cut + 1);
+    if (Result checked = winpath::checkComponent(name); !checked)
+        return Result::failure(u"'"_s + path + u"' was refused. "_s + checked.text);
+    const ResultOf<Folder> folder = folderFor(path.first(cut));
+    if (!folder)
+        return folder.error();
+    if (const int error = m_gate.fault("stage", folder->host))
+        return refused(path, "written", error);
+
+    unsigned mode = 0644;
+    QString stagedName = name;
+    const auto earlier = m_pending.constFind(NoCase{path});
+    qsizetype step = earlier == m_pending.cend() ? -1 : earlier->step;
+    if (earlier != m_pending.cend() && earlier->fate == Fate::Staged)
+        unlink(hostOf(path, *earlier).constData());
+    if (!folder->staged) {
+        stagedName = nextStagedName(".tmp");
+
+        struct stat st
+        {};
+
+        if (before.size >= 0) {
+            if (const auto now = m_gate.files().info(path)) {
+                name = now->name;
+                if (fstatat(folder->fd->get(), name.toUtf8().constData(), &st, 0) == 0)
+                    mode = st.st_mode & 07777;
+            }
+        }
+        if (step < 0) {
+            JournalStep planned;
+            planned.kind = StepKind::PlaceFile;
+            planned.before = before;
+            const ResultOf<Place> target = m_gate.place(path);
+            if (!target)
+                return target.error();
+            planned.target = *target;
+            step = m_steps.size();
+            m_steps.push_back(planned);
+        }
+        m_steps[step].kind = StepKind::PlaceFile;
+        m_steps[step].stagedName = stagedName;
+    }
+    const ResultOf<Fingerprint> print =
+        hostfile::create(folder->fd->get(), stagedName.toUtf8(), content, m_syncEach, mode | 0200);
+    if (!print) {
+        if (step >= 0)
+            m_steps[step].target.root = RootId::None;
+        m_pending.remove(NoCase{path});
+        return Result::failure(u"'"_s + path + u"' could not be written. "_s + print.text,
+                               print.kind);
+    }
+    m_stagedAny = true;
+    if (step >= 0)
+        m_steps[step].after = *print;
+    Pending pending;
+    pending.step = step;
+    pending.info.name = name;
+    pending.info.size = print->size;
+    pending.info.modifiedNs = print->modifiedNs;
+    m_pending.insert(NoCase{path}, pending);
+    return print;
+}
+
+Result Transaction::keep(const QString& from, const QString& to)
+{
+    const QString folder = withoutTrailing(winpath::parent(to));
+    const bool announced =
+        std::any_of(m_keptFolders.cbegin(), m_keptFolders.cend(), [&](const QString& kept) {
+            return winpath::isBelow(to, kept);
+        });
+    Q_ASSERT(announced);
+    if (!announced)
+        return refused(from, "kept", EPERM);
+    const ResultOf<QByteArray> target = m_gate.hostPath(to);
+    if (!target)
+        return target.error();
+    if (const int error = m_gate.fault("keep", *target))
+        return refused(from, "kept", error);
+    const QByteArray targetFolder = target->first(target->lastIndexOf('/'));
+    auto known = m_folders.constFind(NoCase{folder});
+    if (known == m_folders.cend()) {
+        if (Result made = hostfile::makeFolders(targetFolder); !made)
+            return made;
+        m_gate.files().noteChanged(folder);
+        Folder entry;
+        entry.host = targetFolder;
+        entry.fd = std::make_shared<hostfile::Descriptor>(hostfile::openFolder(targetFolder));
+        m_folders.insert(NoCase{folder}, entry);
+    }
+    m_stagedAny = true;
+    return hostfile::linkOrCopy(m_gate.files().hostPath(from), *target);
+}
+
+Result Transaction::copy(const QString& from, const QString& to)
+{
+    const auto it = m_pending.constFind(NoCase{from});
+    if (it != m_pending.cend() && it->fate == Fate::Removed)
+        return refused(from, "copied", ENOENT);
+    const bool staged = it != m_pending.cend();
+    if (!staged && !m_gate.files().isFile(from))
+        return refused(from, "copied", ENOENT);
+    const ResultOf<Fingerprint> placed =
+        place(to, hostfile::contentOf(staged ? hostOf(from, *it) : m_gate.files().hostPath(from)));
+    return placed ? Result::success() : placed.error();
+}
+
+Result Transaction::remove(const QString& path)
+{
+    const auto now = m_gate.files().info(path);
+    if (!now)
+        return removeKnown(path, absent());
+    if (now->folder)
+        return refused(path, "deleted", EISDIR);
+    Fingerprint before;
+    before.size = now->size;
+    before.modifiedNs = now->modifiedNs;
+    return removeKnown(path, before);
+}
+
+Result Transaction::removeKnown(const QString& path, const Fingerprint& before)
+{
+    const auto earlier = m_pending.find(NoCase{path});
+    if (earlier != m_pending.end()) {
+        if (earlier->fate == Fate::Staged)
+            unlink(hostOf(path, *earlier).constData());
+        if (earlier->step < 0) { // inside a folder that is new anyway
+            m_pending.erase(earlier);
+            return Result::success();
+        }
+        JournalStep& step = m_steps[earlier->step];
+        if (step.before.size < 0) { // nothing was there before, nothing is to be
+            step.target.root = RootId::None;
+            m_pending.erase(earlier);
+            return Result::success();
+        }
+        step.kind = StepKind::RemoveFile;
+        step.stagedName.clear();
+        step.after = absent();
+        earlier->fate = Fate::Removed;
+        return Result::success();
+    }
+    const ResultOf<Place> target = m_gate.place(path);
+    if (!target)
+        return target.error();
+    JournalStep step;
+    step.kind = StepKind::RemoveFile;
+    step.target = *target;
+    step.before = before;
+    Pending pending;
+    pending.fate = Fate::Removed;
+    pending.step = m_steps.size();
+    m_steps.push_back(step);
+    m_pending.insert(NoCase{path}, pending);
+    return Result::success();
+}
+
+Result Transaction::makeFolder(const QString& folder)
+{
+    const ResultOf<Folder> made = folderFor(withoutTrailing(folder));
+    return made ? Result::success() : made.error();
+}
+
+Result Transaction::removeEmptyFolder(const QString& folder)
+{
+    const ResultOf<Place> target = m_gate.place(folder);
+    if (!target)
+        return target.error();
+    JournalStep step;
+    step.kind = StepKind::RemoveFolder;
+    step.target = *target;
+    m_lastSteps.push_back(step);
+    return Result::success();
+}
+
+Result Transaction::move(const QString& from, const QString& to, const Fingerprint& before)
+{
+    const auto source = m_gate.files().info(from);
+    if (!source || source->folder)
+        return refused(from, "moved", ENOENT);
+    const QString folder = withoutTrailing(winpath::parent(to));
+    Fingerprint moved;
+    moved.size = source->size;
+    moved.modifiedNs = source->modifiedNs;
+
+    struct stat a
+    {};
+
+    struct stat b
+    {};
+
+    const bool renames = m_gate.files().isFolder(folder) &&
+                         stat(m_gate.files().hostPath(from).constData(), &a) == 0 &&
+                         stat(m_gate.files().hostPath(folder).constData(), &b) == 0 &&
+                         a.st_dev == b.st_dev;
+    if (!renames) {
+        const ResultOf<Fingerprint> placed =
+            placeOver(to, hostfile::contentOf(m_gate.files().hostPath(from)), before);
+        return placed ? removeKnown(from, moved) : placed.error();
+    }
+    const ResultOf<Place> sourcePlace = m_gate.place(from);
+    const ResultOf<Place> target = m_gate.place(to);
+    if (!sourcePlace)
+        return sourcePlace.error();
+    if (!target)
+        return target.error();
+    JournalStep step;
+    step.kind = StepKind::Move;
+    step.target = *target;
+    step.source = *sourcePlace;
+    step.before = before;
+    step.after = moved;
+    m_steps.push_back(step);
+    return Result::success();
+}
+
+ResultOf<QList<StepFailure>> Transaction::apply(const QByteArray& closing,
+                                                const std::function<Result()>& records)
+{
+    Q_ASSERT(m_operation != 0);
+    QList<JournalStep> steps;
+    steps.reserve(m_steps.size() + m_stagedRoots.size() + m_lastSteps.size() + m_undo.size());
+    for (const StagedRoot& root : std::as_const(m_stagedRoots)) {
+        const ResultOf<Place> target = m_gate.place(root.path);
+        if (!target)
+            return target.error();
+        JournalStep step;
+        step.kind = StepKind::PlaceFolder;
+        step.target = *target;
+        step.stagedName = root.stagedName;
+        steps.push_back(step);
+    }
+    for (const JournalStep& step : std::as_const(m_steps)) {
+        if (step.target.root != RootId::None)
+            steps.push_back(step);
+    }
+    steps += m_lastSteps;
+    for (const JournalStep& step : std::as_const(m_undo)) {
+        if (step.kind == StepKind::StagingFolder)
+            steps.push_back(step);
+    }
+    for (auto it = m_folders.cbegin(); it != m_folders.cend(); ++it) {
+        if (it->staged)
+            m_madeFolders.push_back(it.key().text + u'\\');
+    }
+    std::sort(m_madeFolders.begin(), m_madeFolders.end(), [](const QString& a, const QString& b) {
+        return a.size() != b.size() ? a.size() < b.size() : a < b;
+    });
+
+    if (m_stagedAny) {
+        QSet<dev_t> synced;
+        for (const Folder& folder : std::as_const(m_folders)) {
+            struct stat st
+            {};
+
+            if (m_syncEach) {
+                fsync(folder.fd->get());
+            } else if (fstat(folder.fd->get(), &st) == 0 && !synced.contains(st.st_dev)) {
+                synced.insert(st.st_dev);
+                if (syncfs(folder.fd->get()) != 0)
+                    return Result::failure(u"The new files could not be written to the disk: "_s +
+                                           hostfile::errorText(errno));
+            }
+        }
+    }
+    if (const int error = m_gate.fault("commit", "apply"))
+        return Result::failure(hostfile::errorText(error));
+    if (Result applied = m_journal.apply(m_operation, steps, closing, records); !applied)
+        return applied;
+
+    // From here on the operation is completed, now or by recover().
+    const qint64 operation = std::exchange(m_operation, 0);
+    m_folders.clear();
+    m_pending.clear();
+    StepRunner runner(m_gate, operation);
+    QList<StepFailure> failures = runner.carryOut(steps);
+    runner.syncFolders();
+    m_gate.files().newOperation();
+    QList<Place> failed;
+    for (const StepFailure& failure : std::as_const(failures)) {
+        if (const ResultOf<Place> place = m_gate.place(failure.path))
+            failed.push_back(*place);
+    }
+    if (!failed.isEmpty())
+        (void)runner.undo(steps);
+    if (const int error = m_gate.fault("commit", "end"))
+        return Result::failure(hostfile::errorText(error));
+    if (Result ended = m_journal.end(operation, failed); !ended)
+        return Result::failure(
+            u"The files were changed, but their records could not be closed: "_s + ended.text +
+            u" They are closed at the next start."_s);
+    return failures;
+}
+
+void Transaction::abandon()
+{
+    if (m_operation == 0)
+        return;
+    m_folders.clear();
+    m_pending.clear();
+    StepRunner runner(m_gate, m_operation);
+    const QStringList texts = runner.undo(m_undo);
+    m_gate.files().newOperation();
+    if (texts.isEmpty())
+        (void)m_journal.forget(m_operation); // else the next start tries again
+    m_operation = 0;
+}
+
+} // namespace vt

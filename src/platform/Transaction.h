@@ -1,0 +1,130 @@
+// File actions that happen together or not at all. They are staged beside their targets, under
+// names that no simulator file bears; apply() syncs them, commits the records with the journal and
+// only then renames. Until apply() the simulator sees nothing, and an end of the process leaves
+// only what recover() takes away.
+#pragma once
+
+#include "platform/FileActions.h"
+#include "platform/Gate.h"
+#include "platform/HostFile.h"
+#include "platform/Journal.h"
+
+#include <QHash>
+#include <QSet>
+
+#include <memory>
+
+namespace vt {
+
+/// A target that apply() could not bring about; what was there before stands.
+struct StepFailure
+{
+    QString path;
+    QString text;
+};
+
+class Transaction final : public FileActions
+{
+public:
+    /// Both must outlive this. Nothing is written before begin().
+    Transaction(Gate& gate, Journal& journal);
+    /// Undoes what was staged and not applied.
+    ~Transaction() override;
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    Result begin(OperationKind kind, const QString& label);
+
+    [[nodiscard]] qint64 operation() const { return m_operation; }
+
+    /// Tells the journal in one commit where files will be staged. Not required, but a commit for
+    /// each folder is saved. \a expectedFiles decides between one sync for all and one for each.
+    Result announce(const QStringList& targetFolders, qsizetype expectedFiles);
+    /// A folder below the program folder, made for this operation alone, into which keep() may put
+    /// files before apply().
+    Result announceKept(const QString& folder);
+
+    [[nodiscard]] ResultOf<QByteArray> read(const QString& path, qint64 limit) override;
+    [[nodiscard]] std::optional<FileInfo> info(const QString& path) override;
+    Result replace(const QString& path, const QByteArray& bytes) override;
+    ResultOf<Fingerprint> place(const QString& path, const Content& content) override;
+    /// As place(), when the caller has looked at the target already: \a before is what lies there
+    /// (size -1: nothing).
+    ResultOf<Fingerprint>
+    placeOver(const QString& path, const Content& content, const Fingerprint& before);
+    /// Carried out at once: a kept copy harms nobody. \a to must lie in an announced kept folder.
+    Result keep(const QString& from, const QString& to) override;
+    Result copy(const QString& from, const QString& to) override;
+    Result remove(const QString& path) override;
+    /// As remove(), when the caller knows what the file is to be; another one is left alone.
+    Result removeKnown(const QString& path, const Fingerprint& before);
+    Result makeFolder(const QString& folder) override;
+    Result removeEmptyFolder(const QString& folder) override;
+    /// \a from becomes \a to, which may exist (\a before: what lies there). By a rename on one file
+    /// system, by a staged copy otherwise.
+    Result move(const QString& from, const QString& to, const Fingerprint& before);
+
+    /// Syncs, commits (\a records inside the commit), carries out, ends the journal's operation.
+    /// The failures are those of single files; a failed result means that nothing has changed.
+    ResultOf<QList<StepFailure>> apply(const QByteArray& closing,
+                                       const std::function<Result()>& records);
+    /// Takes everything back; also done by the destructor.
+    void abandon();
+
+    /// Folders that came to exist through this transaction, outermost first; set by apply().
+    [[nodiscard]] QStringList madeFolders() const { return m_madeFolders; }
+
+private:
+    /// A folder that receives files, existing or staged.
+    struct Folder
+    {
+        std::shared_ptr<hostfile::Descriptor> fd;
+        QByteArray host;
+        bool staged = false;
+    };
+
+    /// A folder that will be new as a whole.
+    struct StagedRoot
+    {
+        QString path; ///< final path, no trailing "\"
+        QString stagedName;
+    };
+
+    enum class Fate : quint8
+    {
+        Staged,
+        Removed,
+    };
+
+    struct Pending
+    {
+        Fate fate = Fate::Staged;
+        qsizetype step = -1; ///< index into m_steps, -1 inside a staged folder
+        FileInfo info;
+    };
+
+    ResultOf<Folder> folderFor(const QString& folder);
+    ResultOf<Folder> stagedFolder(const QString& folder, const QString& firstMissing);
+    Result tellStagingFolder(const QString& folder);
+    ResultOf<Fingerprint> fingerprintNow(const QString& path);
+    QString nextStagedName(const char* ending);
+    QByteArray hostOf(const QString& path, const Pending& pending) const;
+
+    Gate& m_gate;
+    Journal& m_journal;
+    qint64 m_operation = 0;
+    quint64 m_counter = 0;
+    bool m_syncEach = true;
+    bool m_stagedAny = false;
+    QList<JournalStep> m_steps;
+    QList<JournalStep> m_lastSteps; ///< emptied folders, carried out at the end
+    QList<JournalStep> m_undo;      ///< staging and kept folders
+    QHash<NoCase, Folder> m_folders;
+    QHash<NoCase, StagedRoot> m_stagedRoots;
+    QHash<NoCase, Pending> m_pending;
+    QSet<NoCase> m_told;
+    QStringList m_keptFolders;
+    QStringList m_madeFolders;
+};
+
+} // namespace vt

@@ -69,9 +69,11 @@ private:
     };
 
     qsizetype find(Hive hive, QStringView key) const;
-    Key& make(Hive hive, const QString& key);
+    qsizetype make(Hive hive, const QString& key);
+    QStringList ownSubKeys(Hive hive, const QString& key) const;
     void reindex();
-    void readText(const QString& text);
+    void readBytes(QByteArrayView bytes);
+    qsizetype readKey(QByteArrayView line);
 
     const WineRegistry* m_wine;
     QString m_file;

@@ -23,6 +23,9 @@ enum class Hive : quint8
     LocalMachine,
 };
 
+/// Without "\" at either end.
+[[nodiscard]] QString registryKeyPath(QStringView key);
+
 /// One registry file in Wine's text form.
 class WineRegistryFile
 {

@@ -1,6 +1,7 @@
 // The only way in which the system writes. Every path is a Windows text and must lie below one of
 // the gate's roots (platform/Gate.h). Two forms: DirectActions writes at once, each file whole or
-// not at all; JournalledActions stages, and carries everything out together (platform/Transaction.h).
+// not at all; FileTransaction stages, and carries everything out together
+// (platform/FileTransaction.h).
 #pragma once
 
 #include "platform/Files.h"

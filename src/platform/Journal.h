@@ -1,4 +1,4 @@
-// The journal of operations that change many files together, as seen by Transaction. Kept by the
+// The journal of operations that change many files together, as seen by FileTransaction. Kept by the
 // add-on database, so that records and journal end in one commit (addondb/JournalTable).
 #pragma once
 

@@ -4,7 +4,7 @@
 
 #include "platform/Gate.h"
 #include "platform/Journal.h"
-#include "platform/Transaction.h"
+#include "platform/FileTransaction.h"
 
 #include <QByteArray>
 #include <QList>

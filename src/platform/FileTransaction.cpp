@@ -1,4 +1,4 @@
-#include "platform/Transaction.h"
+#include "platform/FileTransaction.h"
 
 #include "platform/StepRunner.h"
 #include "platform/WinPath.h"
@@ -36,14 +36,14 @@ Result refused(const QString& path, const char* doing, int error)
 
 } // namespace
 
-Transaction::Transaction(Gate& gate, Journal& journal) : m_gate(gate), m_journal(journal) {}
+FileTransaction::FileTransaction(Gate& gate, Journal& journal) : m_gate(gate), m_journal(journal) {}
 
-Transaction::~Transaction()
+FileTransaction::~FileTransaction()
 {
     abandon();
 }
 
-Result Transaction::begin(OperationKind kind, const QString& label)
+Result FileTransaction::begin(OperationKind kind, const QString& label)
 {
     Q_ASSERT(m_operation == 0);
     if (const int error = m_gate.fault("commit", "begin"))
@@ -55,7 +55,7 @@ Result Transaction::begin(OperationKind kind, const QString& label)
     return Result::success();
 }
 
-Result Transaction::announce(const QStringList& targetFolders, qsizetype expectedFiles)
+Result FileTransaction::announce(const QStringList& targetFolders, qsizetype expectedFiles)
 {
     m_syncEach = expectedFiles <= manyFiles;
     QList<JournalStep> steps;
@@ -82,7 +82,7 @@ Result Transaction::announce(const QStringList& targetFolders, qsizetype expecte
     return Result::success();
 }
 
-Result Transaction::announceKept(const QString& folder)
+Result FileTransaction::announceKept(const QString& folder)
 {
     const ResultOf<Place> place = m_gate.place(folder);
     if (!place)
@@ -99,7 +99,7 @@ Result Transaction::announceKept(const QString& folder)
     return Result::success();
 }
 
-Result Transaction::tellStagingFolder(const QString& folder)
+Result FileTransaction::tellStagingFolder(const QString& folder)
 {
     if (m_told.contains(NoCase{folder}))
         return Result::success();
@@ -118,13 +118,13 @@ Result Transaction::tellStagingFolder(const QString& folder)
     return Result::success();
 }
 
-QString Transaction::nextStagedName(const char* ending)
+QString FileTransaction::nextStagedName(const char* ending)
 {
     return QString::fromLatin1(stagedPrefix(m_operation) + QByteArray::number(++m_counter) +
                                ending);
 }
 
-ResultOf<Transaction::Folder> Transaction::folderFor(const QString& folder)
+ResultOf<FileTransaction::Folder> FileTransaction::folderFor(const QString& folder)
 {
     if (const auto it = m_folders.constFind(NoCase{folder}); it != m_folders.cend())
         return *it;
@@ -158,7 +158,7 @@ ResultOf<Transaction::Folder> Transaction::folderFor(const QString& folder)
     return entry;
 }
 
-ResultOf<Transaction::Folder> Transaction::stagedFolder(const QString& folder,
+ResultOf<FileTransaction::Folder> FileTransaction::stagedFolder(const QString& folder,
                                                         const QString& firstMissing)
 {
     const QString above = withoutTrailing(winpath::parent(firstMissing));
@@ -189,7 +189,7 @@ ResultOf<Transaction::Folder> Transaction::stagedFolder(const QString& folder,
     return stagedFolder(folder, next < 0 ? folder : folder.first(next));
 }
 
-QByteArray Transaction::hostOf(const QString& path, const Pending& pending) const
+QByteArray FileTransaction::hostOf(const QString& path, const Pending& pending) const
 {
     const auto folder = m_folders.constFind(NoCase{withoutTrailing(winpath::parent(path))});
     Q_ASSERT(folder != m_folders.cend());
@@ -197,7 +197,7 @@ QByteArray Transaction::hostOf(const QString& path, const Pending& pending) cons
     return folder->host + '/' + name.toUtf8();
 }
 
-ResultOf<QByteArray> Transaction::read(const QString& path, qint64 limit)
+ResultOf<QByteArray> FileTransaction::read(const QString& path, qint64 limit)
 {
     const auto it = m_pending.constFind(NoCase{path});
     if (it == m_pending.cend())
@@ -216,7 +216,7 @@ ResultOf<QByteArray> Transaction::read(const QString& path, qint64 limit)
     return bytes;
 }
 
-std::optional<FileInfo> Transaction::info(const QString& path)
+std::optional<FileInfo> FileTransaction::info(const QString& path)
 {
     const auto it = m_pending.constFind(NoCase{path});
     if (it != m_pending.cend())
@@ -231,13 +231,13 @@ std::optional<FileInfo> Transaction::info(const QString& path)
     return m_gate.files().info(path);
 }
 
-Result Transaction::replace(const QString& path, const QByteArray& bytes)
+Result FileTransaction::replace(const QString& path, const QByteArray& bytes)
 {
     const ResultOf<Fingerprint> placed = place(path, Content::ofBytes(bytes));
     return placed ? Result::success() : placed.error();
 }
 
-ResultOf<Fingerprint> Transaction::place(const QString& path, const Content& content)
+ResultOf<Fingerprint> FileTransaction::place(const QString& path, const Content& content)
 {
     Fingerprint before = absent();
     if (const auto now = m_gate.files().info(path)) {
@@ -250,7 +250,7 @@ ResultOf<Fingerprint> Transaction::place(const QString& path, const Content& con
 }
 
 ResultOf<Fingerprint>
-Transaction::placeOver(const QString& path, const Content& content, const Fingerprint& before)
+FileTransaction::placeOver(const QString& path, const Content& content, const Fingerprint& before)
 {
     const qsizetype cut = path.lastIndexOf(u'\\');
     QString name = path.sliced(cut + 1);
@@ -316,7 +316,7 @@ Transaction::placeOver(const QString& path, const Content& content, const Finger
     return print;
 }
 
-Result Transaction::keep(const QString& from, const QString& to)
+Result FileTransaction::keep(const QString& from, const QString& to)
 {
     const QString folder = withoutTrailing(winpath::parent(to));
     const bool announced =
@@ -346,7 +346,7 @@ Result Transaction::keep(const QString& from, const QString& to)
     return hostfile::linkOrCopy(m_gate.files().hostPath(from), *target);
 }
 
-Result Transaction::copy(const QString& from, const QString& to)
+Result FileTransaction::copy(const QString& from, const QString& to)
 {
     const auto it = m_pending.constFind(NoCase{from});
     if (it != m_pending.cend() && it->fate == Fate::Removed)
@@ -359,7 +359,7 @@ Result Transaction::copy(const QString& from, const QString& to)
     return placed ? Result::success() : placed.error();
 }
 
-Result Transaction::remove(const QString& path)
+Result FileTransaction::remove(const QString& path)
 {
     const auto now = m_gate.files().info(path);
     if (!now)
@@ -372,7 +372,7 @@ Result Transaction::remove(const QString& path)
     return removeKnown(path, before);
 }
 
-Result Transaction::removeKnown(const QString& path, const Fingerprint& before)
+Result FileTransaction::removeKnown(const QString& path, const Fingerprint& before)
 {
     const auto earlier = m_pending.find(NoCase{path});
     if (earlier != m_pending.end()) {
@@ -409,13 +409,13 @@ Result Transaction::removeKnown(const QString& path, const Fingerprint& before)
     return Result::success();
 }
 
-Result Transaction::makeFolder(const QString& folder)
+Result FileTransaction::makeFolder(const QString& folder)
 {
     const ResultOf<Folder> made = folderFor(withoutTrailing(folder));
     return made ? Result::success() : made.error();
 }
 
-Result Transaction::removeEmptyFolder(const QString& folder)
+Result FileTransaction::removeEmptyFolder(const QString& folder)
 {
     const ResultOf<Place> target = m_gate.place(folder);
     if (!target)
@@ -427,7 +427,7 @@ Result Transaction::removeEmptyFolder(const QString& folder)
     return Result::success();
 }
 
-Result Transaction::move(const QString& from, const QString& to, const Fingerprint& before)
+Result FileTransaction::move(const QString& from, const QString& to, const Fingerprint& before)
 {
     const auto source = m_gate.files().info(from);
     if (!source || source->folder)
@@ -468,7 +468,7 @@ Result Transaction::move(const QString& from, const QString& to, const Fingerpri
     return Result::success();
 }
 
-ResultOf<QList<StepFailure>> Transaction::apply(const QByteArray& closing,
+ResultOf<QList<StepFailure>> FileTransaction::apply(const QByteArray& closing,
                                                 const std::function<Result()>& records)
 {
     Q_ASSERT(m_operation != 0);
@@ -546,7 +546,7 @@ ResultOf<QList<StepFailure>> Transaction::apply(const QByteArray& closing,
     return failures;
 }
 
-void Transaction::abandon()
+void FileTransaction::abandon()
 {
     if (m_operation == 0)
         return;

@@ -23,15 +23,15 @@ struct StepFailure
     QString text;
 };
 
-class Transaction final : public FileActions
+class FileTransaction final : public FileActions
 {
 public:
     /// Both must outlive this. Nothing is written before begin().
-    Transaction(Gate& gate, Journal& journal);
+    FileTransaction(Gate& gate, Journal& journal);
     /// Undoes what was staged and not applied.
-    ~Transaction() override;
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
+    ~FileTransaction() override;
+    FileTransaction(const FileTransaction&) = delete;
+    FileTransaction& operator=(const FileTransaction&) = delete;
 
     Result begin(OperationKind kind, const QString& label);
 

@@ -279,8 +279,7 @@ ResultOf<DemoSimulator> writeDemoSimulator(const QString& hostFolder)
     if (existed && !prefix.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden))
         return Result::failure(
             u"The folder '"_s + places.prefixHost +
-            u"' is not empty, so no demonstration simulator was written there; "_s
-            u"name a new folder."_s);
+            u"' is not empty, so no demonstration simulator was written there; name a new folder."_s);
     FreshTree tree(places.prefixHost);
     writePrefix(tree, places);
     writeSimulator(tree, prefix.relativeFilePath(places.simulatorHost));

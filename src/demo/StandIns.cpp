@@ -1,29 +1,17 @@
 #include "demo/StandIns.h"
 
+#include "demo/Bytes.h"
+
 #include <QtEndian>
 
-#include <array>
+#include <cstring>
 
 namespace vt::standins {
 
+using demobytes::appendLe;
+using demobytes::nextNumber;
+
 namespace {
-
-/// SplitMix64: short, fast and the same everywhere (the library's engines are not all specified).
-quint64 nextNumber(quint64& state)
-{
-    state += 0x9E3779B97F4A7C15ULL;
-    quint64 z = state;
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ULL;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBULL;
-    return z ^ (z >> 31);
-}
-
-template <typename T> void appendLe(QByteArray& out, T value)
-{
-    std::array<char, sizeof(T)> raw;
-    qToLittleEndian(value, raw.data());
-    out.append(raw.data(), raw.size());
-}
 
 void fillNoise(char* out, qsizetype size, quint64& state)
 {

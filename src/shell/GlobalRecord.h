@@ -18,30 +18,35 @@ enum Generation
 /// Names used in messages, by generation.
 struct DisplayNames
 {
-    QString productTitle;    ///< "Vantrel for FS X"
-    QString productName;     ///< "Vantrel"
-    QString simShort;        ///< "FS X"
-    QString simLong;         ///< "Flight Simulator X"
-    QString simGeneric;      ///< "FS"
-    QString simGenericLong;  ///< "Flight Simulator"
-    QString simFullTitle;    ///< "Microsoft Flight Simulator X"
+    QString productTitle;   ///< "Vantrel for FS X"
+    QString productName;    ///< "Vantrel"
+    QString simShort;       ///< "FS X"
+    QString simLong;        ///< "Flight Simulator X"
+    QString simGeneric;     ///< "FS"
+    QString simGenericLong; ///< "Flight Simulator"
+    QString simFullTitle;   ///< "Microsoft Flight Simulator X"
 };
 
 [[nodiscard]] DisplayNames displayNames(int generation);
+/// "Fs2002.exe", "fs9.exe" or "fsx.exe".
+[[nodiscard]] QString simulatorExecutable(int generation);
 
 struct GlobalRecord
 {
+    GlobalRecord();
+
     int generation = FSX;
     DisplayNames names;
 
     // The simulator. Empty where the generation has no such folder.
     QString simulatorFolder;
     QString simulatorExecutable; ///< file name, "fsx.exe"
-    QString airportConverter;    ///< "Aafconv.exe"
+    QString airportConverter = QStringLiteral("Aafconv.exe");
     QString simObjectsFolder;
     QString aircraftFolder;
-    QStringList aircraftTypeFolders; ///< folders that hold aircraft ("...\Airplanes\", "...\Rotorcraft\")
-    QString sceneryAddonFolder;      ///< "...\Addon Scenery\"
+    QStringList
+        aircraftTypeFolders; ///< folders that hold aircraft ("...\Airplanes\", "...\Rotorcraft\")
+    QString sceneryAddonFolder; ///< "...\Addon Scenery\"
     QString adventuresFolder;
     QString adventureSoundsFolder;
     QString effectsFolder;
@@ -74,10 +79,20 @@ struct GlobalRecord
     QString fileToInstall;
     QString currentProcedure; ///< the stage or routine now running, named by error reports
 
+    /// Sets the generation with its names and executable; folders are set again afterwards.
+    void setGeneration(int code);
     /// Sets every member of the program's own folders.
     void setProgramFolder(const QString& folder);
     /// Sets every member that lies below the simulator's folder, by generation.
     void setSimulatorFolder(const QString& folder);
+    /// Sets what lies in the shell's folders (all-users data, user data, documents), by generation.
+    /// \a editionFolder: "FSX" or "FSX-SE", generation 5 only.
+    void setConfigFolders(const QString& allUsersData,
+                          const QString& userData,
+                          const QString& documents,
+                          const QString& editionFolder);
+    /// A file directly in the program folder: "ERROR.LOG", "SimPath.txt".
+    [[nodiscard]] QString programFile(const QString& name) const;
 };
 
 } // namespace vt

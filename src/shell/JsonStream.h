@@ -1,0 +1,106 @@
+// Writes one JSON document piece by piece, so that tens of thousands of entries never stand in
+// memory together. Checks its own nesting by assertions; knows nothing of what it carries.
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QJsonValue>
+#include <QString>
+#include <QStringList>
+#include <QStringView>
+
+#include <concepts>
+#include <functional>
+#include <vector>
+
+namespace vt {
+
+class JsonStream
+{
+public:
+    /// Takes the next piece of UTF-8.
+    using Sink = std::function<void(QByteArrayView)>;
+
+    explicit JsonStream(Sink sink);
+    ~JsonStream();
+    JsonStream(const JsonStream&) = delete;
+    JsonStream& operator=(const JsonStream&) = delete;
+
+    void beginObject();
+    void endObject();
+    void beginArray();
+    void endArray();
+    /// The name of the next value; only directly inside an object.
+    void key(QStringView name);
+
+    void value(QStringView text);
+
+    void value(const QString& text) { value(QStringView(text)); }
+
+    void value(const QStringList& texts);
+    void value(const QJsonValue& tree);
+    void value(const char*) = delete;
+
+    template <std::same_as<bool> B> void value(B flag) { raw(flag ? "true" : "false"); }
+
+    template <std::integral I>
+
+    requires(!std::same_as<I, bool>) void value(I number) { integer(static_cast<qint64>(number)); }
+
+    void value(double number);
+    void null();
+
+    /// key() and value().
+    template <typename T> void field(QStringView name, const T& content)
+    {
+        key(name);
+        value(content);
+    }
+
+    void beginObject(QStringView name)
+    {
+        key(name);
+        beginObject();
+    }
+
+    void beginArray(QStringView name)
+    {
+        key(name);
+        beginArray();
+    }
+
+    /// Whether anything was written.
+    [[nodiscard]] bool begun() const { return m_begun; }
+
+    /// Whether the outermost value is complete.
+    [[nodiscard]] bool complete() const { return m_begun && m_levels.empty(); }
+
+    /// Closes what is open. When the outermost value is an object and \a errorText is not empty, it
+    /// gets a last member {"error": {"text", "kind"}} first; true when it was written.
+    bool close(const QString& errorText = {}, const QString& errorKind = {});
+
+    /// Hands everything to the sink.
+    void flush();
+
+private:
+    struct Level
+    {
+        bool object;
+        bool empty = true;
+    };
+
+    void before();
+    void raw(QByteArrayView bytes);
+    void integer(qint64 number);
+    void quoted(QStringView text);
+    void end(bool object, char closing);
+    void tree(const QJsonValue& value);
+
+    Sink m_sink;
+    QByteArray m_buffer;
+    std::vector<Level> m_levels;
+    bool m_begun = false;
+    bool m_afterKey = false;
+};
+
+} // namespace vt

@@ -14,6 +14,8 @@
 
 #include <functional>
 
+class QProcess;
+
 namespace vt {
 
 /// One program to be started.
@@ -67,8 +69,8 @@ public:
     /// Starts the program and leaves it alone; it outlives this process. Output is thrown away.
     [[nodiscard]] Result startDetached(const ProcessCall& call) const;
 
-    /// Whether the file is started through the launcher: named ".exe", ".com" or ".bat", or begun
-    /// by the letters "MZ".
+    /// Whether the file is started through the launcher: it begins with "MZ", or is named as a
+    /// Windows program and is neither a script ("#!") nor a program of this host (ELF).
     [[nodiscard]] bool isWindowsProgram(const QString& program) const;
 
 private:
@@ -81,6 +83,7 @@ private:
     };
 
     ResultOf<Prepared> prepare(const ProcessCall& call) const;
+    void wait(QProcess& process, const ProcessCall& call, ProcessEnd& end) const;
 
     const Files& m_files;
     Setup m_setup;

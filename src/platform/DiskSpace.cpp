@@ -1,0 +1,61 @@
+#include "platform/DiskSpace.h"
+
+#include "platform/Files.h"
+#include "platform/HostFile.h"
+#include "platform/WinPath.h"
+
+#include <cerrno>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+/// The path on the host, or that of its nearest existing parent; empty without a known drive.
+QByteArray nearestExisting(const Files& files, QStringView path)
+{
+    QString at = winpath::normalised(path);
+    while (!at.isEmpty()) {
+        const QByteArray host = files.hostPath(at);
+        struct stat status = {};
+        if (!host.isEmpty() && stat(host.constData(), &status) == 0)
+            return host;
+        const QString above = winpath::parent(at);
+        if (above == at)
+            break;
+        at = above;
+    }
+    return {};
+}
+
+} // namespace
+
+ResultOf<qint64> freeBytes(const Files& files, QStringView path)
+{
+    const auto fail = [&](const QString& why) {
+        return Result::failure(u"The free space at '"_s + path.toString() + u"' is not known: "_s +
+                               why);
+    };
+    const QByteArray host = nearestExisting(files, path);
+    if (host.isEmpty())
+        return fail(u"no such drive or folder."_s);
+    struct statvfs status = {};
+    if (statvfs(host.constData(), &status) != 0)
+        return fail(hostfile::errorText(errno));
+    return qint64(status.f_bavail) * qint64(status.f_frsize);
+}
+
+bool sameFileSystem(const Files& files, QStringView a, QStringView b)
+{
+    const QByteArray hostA = nearestExisting(files, a);
+    const QByteArray hostB = nearestExisting(files, b);
+    struct stat statusA = {};
+    struct stat statusB = {};
+    return !hostA.isEmpty() && !hostB.isEmpty() && stat(hostA.constData(), &statusA) == 0 &&
+           stat(hostB.constData(), &statusB) == 0 && statusA.st_dev == statusB.st_dev;
+}
+
+} // namespace vt

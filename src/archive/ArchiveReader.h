@@ -11,10 +11,10 @@ class ArchiveReader
 public:
     virtual ~ArchiveReader() = default;
 
-    /// Hands the entry's bytes to \a sink in order: up to 32 MiB in one piece after the check sum was
-    /// compared, larger ones in pieces. Success means that exactly the declared number of bytes came
-    /// with the right check sum; a failure names archive, entry and cause. A sink that refuses a
-    /// piece ends the reading, which is then no failure of the archive: the sink knows why.
+    /// Hands the entry's bytes to \a sink in order: up to 32 MiB in one piece after the check sum
+    /// was compared, larger ones in pieces. Success means that exactly the declared number of bytes
+    /// came with the right check sum; a failure names archive, entry and cause. A sink that refuses
+    /// a piece ends the reading, which is then no failure of the archive: the sink knows why.
     virtual Result read(int key, const Content::Sink& sink) = 0;
 
     /// Code of the last failure, as the library behind the format numbers them; 0 for none.

@@ -8,7 +8,6 @@
 #include "platform/Result.h"
 #include "platform/Services.h"
 
-#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -77,27 +76,37 @@ public:
     /// resultText() with its kind; Surroundings when the archive itself cannot be read.
     [[nodiscard]] const Result& result() const { return m_result; }
 
-    /// What the last listing passed over: inner archives that could not be read.
+    /// What the last operation passed over, one sentence each: inner archives that could not be
+    /// read, entries that were not extracted.
     [[nodiscard]] const QStringList& remarks() const { return m_remarks; }
 
 private:
-    struct Listing;
+    struct Budget;
     struct Wanted;
+    struct Tally;
 
-    bool finish(Result result, const QString& caption = {});
-    bool cancelled() const;
+    bool finish(const Result& result, const QString& caption = {});
+    [[nodiscard]] bool cancelled() const;
     void status(const QString& text) const;
     void progress(qint64 done, qint64 total) const;
 
+    // CZIP_Listing.cpp
     Result list();
-    Result listArchive(std::shared_ptr<ByteSource> source, CZIPFile& file, int& code);
-    Result listInner(int parent, int depth, Listing& listing);
-    Result openInner(int parent, int key, CZIPFile& inner, std::shared_ptr<ByteSource>& source);
-    Result unpackInner(int parent, const CZIPFileItem& item, CZIPFile& inner);
+    Result listArchive(const std::shared_ptr<ByteSource>& source, CZIPFile& file, Budget& budget);
+    Result listInner(int parent, int depth, Budget& budget);
+    Result openInner(int parent, int key, CZIPFile& inner, Budget& budget, bool& damaged);
+    ResultOf<std::shared_ptr<ByteSource>>
+    unpackInner(const EntryRef& ref, CZIPFile& inner, Budget& budget, bool& damaged);
+    Result test();
+    Result testEntries(const CZIPFile& file);
 
-    QList<Wanted> wanted(Result& problem);
-    Result extractOne(const Wanted& wanted, bool& toAll, bool& overwrite, bool& aborted);
-    Result place(const EntryRef& ref, const QString& target, FileActions& actions);
+    // CZIP_Extract.cpp
+    Result extract();
+    [[nodiscard]] QList<Wanted> findWanted(Tally& tally) const;
+    Result checkSpace(const QList<Wanted>& wanted) const;
+    Result extractOne(const Wanted& wanted, Tally& tally);
+    Result
+    place(const EntryRef& ref, const QString& target, FileActions& actions, bool& unreadable);
 
     Services& m_services;
     std::shared_ptr<ZipScratch> m_scratch;

@@ -1,8 +1,6 @@
 // What names an archive's entry to everything above: not an item, only where the entry lies.
 #pragma once
 
-#include <QtTypes>
-
 namespace vt {
 
 struct EntryRef

@@ -1,0 +1,101 @@
+#include "archive/CZIP.h"
+
+#include "archive/ZipReader.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+CZIP::CZIP(Services& services) : m_services(services), m_scratch(std::make_shared<ZipScratch>()) {}
+
+CZIP::~CZIP() = default;
+
+bool CZIP::GetItems()
+{
+    return finish(list());
+}
+
+bool CZIP::Test()
+{
+    return finish(test());
+}
+
+bool CZIP::Extract()
+{
+    return finish(extract());
+}
+
+bool CZIP::finish(const Result& result, const QString& caption)
+{
+    m_result = result;
+    if (!result.ok && result.kind != ErrorKind::Declined && boolErrorMessages_Show)
+        m_services.prompts.ask(announcement(
+            caption.isEmpty() ? u"Zip Error"_s : caption, result.text, Icon::Critical));
+    return result.ok;
+}
+
+void CZIP::Error_Show()
+{
+    m_services.prompts.ask(announcement(
+        u"Zip Error"_s, m_result.text, m_result.ok ? Icon::Information : Icon::Critical));
+}
+
+bool CZIP::cancelled() const
+{
+    return varStatusBar && varStatusBar->cancelled();
+}
+
+void CZIP::status(const QString& text) const
+{
+    if (varStatusBar)
+        varStatusBar->text(u"Primary"_s, text);
+}
+
+void CZIP::progress(qint64 done, qint64 total) const
+{
+    if (CProgressBarEx)
+        CProgressBarEx->progress(done, total);
+}
+
+const CZIPFileItem* CZIP::entry(const EntryRef& ref) const
+{
+    return ref.archive >= 0 && size_t(ref.archive) < colZIPContents.size()
+               ? colZIPContents[size_t(ref.archive)].item(ref.key)
+               : nullptr;
+}
+
+ResultOf<Content> CZIP::entryContent(const EntryRef& ref)
+{
+    const CZIPFileItem* item = entry(ref);
+    if (!item)
+        return Result::failure(u"The archive '"_s + sZIPFile + u"' has no such entry."_s);
+    Content content;
+    content.size = item->lngSize_Uncompressed;
+    content.modifiedNs = item->modifiedNs();
+    content.transfer = [reader = colZIPContents[size_t(ref.archive)].reader, key = ref.key](
+                           const Content::Sink& sink) { return reader->read(key, sink); };
+    return content;
+}
+
+ResultOf<QByteArray> CZIP::entryBytes(const EntryRef& ref, qint64 limit)
+{
+    const CZIPFileItem* item = entry(ref);
+    if (!item)
+        return Result::failure(u"The archive '"_s + sZIPFile + u"' has no such entry."_s);
+    if (item->lngSize_Uncompressed > limit)
+        return Result::failure(u"The entry '"_s + item->fullName() + u"' of the archive '"_s +
+                               colZIPContents[size_t(ref.archive)].fullName() +
+                               u"' is larger than "_s + sizeText(limit) + u'.');
+    QByteArray bytes;
+    bytes.reserve(item->lngSize_Uncompressed);
+    const Result read =
+        colZIPContents[size_t(ref.archive)].reader->read(ref.key, [&](QByteArrayView piece) {
+            bytes.append(piece);
+            return true;
+        });
+    if (!read)
+        return read;
+    return bytes;
+}
+
+} // namespace vt

@@ -1,0 +1,287 @@
+// Listing and testing: opening the source and the archives inside it, depth first.
+#include "archive/ByteSource.h"
+#include "archive/CZIP.h"
+#include "archive/ZipNames.h"
+#include "archive/ZipReader.h"
+#include "platform/TempFolder.h"
+#include "platform/WinPath.h"
+
+#include <zip.h>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+/// What one listing may still take, over all of its archives.
+struct CZIP::Budget
+{
+    qint64 sourceBytes = 0;
+    qint64 entries = 0;
+    qint64 unpackedBytes = 0;
+    qint64 memoryBytes = 64LL << 20; ///< for inner archives held in memory
+};
+
+namespace {
+
+constexpr quint32 attributeReadOnly = 0x01;
+constexpr quint32 attributeHidden = 0x02;
+constexpr quint32 attributeSystem = 0x04;
+constexpr quint32 attributeVolumeLabel = 0x08;
+constexpr quint32 attributeArchive = 0x20;
+
+bool isInnerArchive(const CZIPFileItem& item)
+{
+    return item.kind == EntryKind::File && endsWithNoCase(item.sFilename, u".zip");
+}
+
+CZIPFileItem itemOf(const ZipEntry& entry, int key)
+{
+    CZIPFileItem item;
+    item.lngKey = key;
+    item.sFilename = entry.name;
+    item.sPath = entry.folder;
+    zipnames::stampOf(entry.stamp, item.dteDate, item.dteTime);
+    item.lngSize_Uncompressed = entry.size;
+    item.lngSize_Compressed = entry.packed;
+    if (entry.packed < entry.size)
+        item.intRatio = qint16(100 - (entry.packed / double(entry.size)) * 100 + 0.5);
+    item.boolMethodStore = entry.method == 0;
+    item.boolEncrypted = entry.encrypted();
+    item.boolAttribute_Archive = (entry.attributes & attributeArchive) != 0;
+    item.boolAttribute_Directory = entry.kind == EntryKind::Folder;
+    item.boolAttribute_Hidden = (entry.attributes & attributeHidden) != 0;
+    item.boolAttribute_ReadOnly = (entry.attributes & attributeReadOnly) != 0;
+    item.boolAttribute_System = (entry.attributes & attributeSystem) != 0;
+    item.boolAttribute_VolumeLabel = (entry.attributes & attributeVolumeLabel) != 0;
+    item.kind = entry.kind;
+    item.crc32 = entry.crc;
+    return item;
+}
+
+/// The one place that tells formats apart. RAR archives are recognised by their signature, whatever
+/// their name.
+Result checkFormat(const ByteSource& source)
+{
+    char head[6];
+    if (source.size() < qint64(sizeof head))
+        return Result::success();
+    if (Result r = source.read(0, head, sizeof head); !r)
+        return r;
+    if (QByteArrayView(head, sizeof head) == QByteArrayView("Rar!\x1a\x07", 6))
+        return Result::failure(
+            u"'"_s + source.name() +
+                u"' is a RAR archive, which cannot be read yet: unpack it and take the folder, or pack it as ZIP."_s,
+            ErrorKind::Surroundings);
+    return Result::success();
+}
+
+} // namespace
+
+Result CZIP::list()
+{
+    colZIPContents.clear();
+    m_remarks.clear();
+    m_count = 0;
+    m_code = ZIP_ER_OK;
+    if (sZIPFile.isEmpty())
+        return Result::failure(u"Nothing specified for extraction."_s);
+    const auto failed = [](const Result& why) {
+        return Result::failure(
+            u"An error occurred while reading zip file contents."_s + u' ' + why.text, why.kind);
+    };
+    const ResultOf<std::shared_ptr<ByteSource>> source = openFileSource(m_services.files, sZIPFile);
+    if (!source) {
+        m_code = ZIP_ER_OPEN;
+        return failed(source.error());
+    }
+    if (Result r = checkFormat(**source); !r) {
+        m_code = ZIP_ER_NOZIP;
+        return r;
+    }
+    Budget budget;
+    budget.sourceBytes = (*source)->size();
+    CZIPFile outer;
+    outer.sFilename = winpath::name(sZIPFile);
+    outer.sFolder = winpath::parent(sZIPFile);
+    if (Result r = listArchive(*source, outer, budget); !r)
+        return failed(r);
+    const bool inner = outer.boolHasImbeddedZIPs && boolImbeddedZIPs_Process;
+    colZIPContents.push_back(std::move(outer));
+    if (!inner)
+        return Result::success();
+    if (!sImbeddedZIPs_ExtractionFolder.isEmpty() &&
+        !m_services.files.isFolder(sImbeddedZIPs_ExtractionFolder))
+        return Result::failure(
+            u"Invalid extraction folder specified for extracting imbedded zip files."_s);
+    return listInner(0, 1, budget);
+}
+
+Result CZIP::listArchive(const std::shared_ptr<ByteSource>& source, CZIPFile& file, Budget& budget)
+{
+    const auto directory = ZipDirectory::open(source, m_code);
+    if (!directory)
+        return directory.error();
+    const std::vector<ZipEntry>& entries = (*directory)->entries();
+    file.bytes = source->size();
+    file.varZIPItems.reserve(qsizetype(entries.size()));
+    for (const ZipEntry& entry : entries) {
+        const CZIPFileItem& item =
+            file.varZIPItems.emplace_back(itemOf(entry, int(file.varZIPItems.size()) + 1));
+        file.lngTotal_SizeCompressed += entry.packed;
+        file.lngTotal_SizeUncompressed +=
+            qMin(entry.size, (qint64(1) << 62) - file.lngTotal_SizeUncompressed);
+        file.boolHasImbeddedZIPs = file.boolHasImbeddedZIPs || isInnerArchive(item);
+    }
+    file.lngTotal_Items = qint64(entries.size());
+    file.reader = std::make_shared<ZipReader>(*directory, m_scratch);
+
+    budget.entries += file.lngTotal_Items;
+    budget.unpackedBytes +=
+        qMin(file.lngTotal_SizeUncompressed, (qint64(1) << 62) - budget.unpackedBytes);
+    m_count = int(budget.entries);
+    if (budget.entries > ziplimits::entries)
+        return Result::failure(
+            u"The archive '"_s + sZIPFile +
+            u"' is refused: with the archives inside it it holds more entries than the limit of 200,000."_s);
+    if (budget.unpackedBytes > ziplimits::ratioFreeBytes &&
+        budget.unpackedBytes / ziplimits::ratio > budget.sourceBytes)
+        return Result::failure(
+            u"The archive '"_s + sZIPFile +
+            u"' is refused: with the archives inside it it would unpack to more than 200 times its size."_s);
+    return Result::success();
+}
+
+Result CZIP::listInner(int parent, int depth, Budget& budget)
+{
+    // Looked up anew each time: the collection grows while inner archives are listed.
+    const qsizetype items = colZIPContents[size_t(parent)].varZIPItems.size();
+    for (int key = 1; key <= items; ++key) {
+        const CZIPFile& outer = colZIPContents[size_t(parent)];
+        const CZIPFileItem item = *outer.item(key);
+        if (!isInnerArchive(item))
+            continue;
+        if (cancelled())
+            return Result::failure(u"Extraction aborted."_s, ErrorKind::Declined);
+        if (depth > ziplimits::nesting)
+            return Result::failure(
+                u"The archive '"_s + sZIPFile +
+                u"' is refused: it holds archives inside archives deeper than the limit of 8."_s);
+        status(u"Processing '"_s + item.sFilename + u"'..."_s);
+        CZIPFile inner;
+        bool damaged = false;
+        if (Result r = openInner(parent, key, inner, budget, damaged); !r) {
+            if (!damaged)
+                return r;
+            m_remarks += u"The inner archive '"_s + item.fullName() + u"' of '"_s +
+                         colZIPContents[size_t(parent)].fullName() +
+                         u"' stays an ordinary file. "_s + r.text;
+            continue;
+        }
+        const int index = int(colZIPContents.size());
+        const bool deeper = inner.boolHasImbeddedZIPs;
+        colZIPContents.push_back(std::move(inner));
+        if (!deeper)
+            continue;
+        if (Result r = listInner(index, depth + 1, budget); !r)
+            return r;
+    }
+    return Result::success();
+}
+
+/// \a damaged: the fault lies in the inner archive alone.
+Result CZIP::openInner(int parent, int key, CZIPFile& inner, Budget& budget, bool& damaged)
+{
+    const CZIPFile& outer = colZIPContents[size_t(parent)];
+    const CZIPFileItem& item = *outer.item(key);
+    inner.sFilename = item.sFilename;
+    inner.sFilename_Parent = outer.sFilename;
+    inner.sFolder_Parent = outer.sFolder;
+    inner.inParent = {parent, key};
+    inner.nestedPath = outer.nestedPath + item.fullName() + u'\\';
+    const ResultOf<std::shared_ptr<ByteSource>> source =
+        unpackInner(inner.inParent, inner, budget, damaged);
+    if (!source)
+        return source.error();
+    Result listed = checkFormat(**source);
+    if (listed)
+        listed = listArchive(*source, inner, budget);
+    damaged = !listed && listed.kind == ErrorKind::Surroundings;
+    return listed;
+}
+
+ResultOf<std::shared_ptr<ByteSource>>
+CZIP::unpackInner(const EntryRef& ref, CZIPFile& inner, Budget& budget, bool& damaged)
+{
+    const CZIPFile& outer = colZIPContents[size_t(ref.archive)];
+    const CZIPFileItem& item = *outer.item(ref.key);
+    if (sImbeddedZIPs_ExtractionFolder.isEmpty()) {
+        inner.sFolder = outer.fullName() + u'\\' + item.sPath;
+        SourceBuilder builder(inner.fullName(), budget.memoryBytes);
+        const Result read = outer.reader->read(
+            ref.key, [&](QByteArrayView piece) { return builder.append(piece); });
+        ResultOf<std::shared_ptr<ByteSource>> source = builder.finish();
+        if (source && builder.inMemory())
+            budget.memoryBytes -= (*source)->size();
+        damaged = source && !read;
+        return damaged ? ResultOf<std::shared_ptr<ByteSource>>(read) : source;
+    }
+    if (Result name = winpath::checkComponent(item.sFilename); !name) {
+        damaged = true;
+        return name;
+    }
+    const QString base = winpath::asFolder(sImbeddedZIPs_ExtractionFolder);
+    const ResultOf<QString> folder = TempFolder(m_services.gate, base).makeUnique(base, u"IMB"_s);
+    if (!folder)
+        return folder.error();
+    inner.sFolder = *folder;
+    if (Result placed = place(ref, inner.fullName(), m_services.actions, damaged); !placed) {
+        (void)m_services.actions.removeEmptyFolder(*folder);
+        return placed;
+    }
+    return openFileSource(m_services.files, inner.fullName());
+}
+
+Result CZIP::test()
+{
+    if (sZIPFile.isEmpty())
+        return Result::failure(u"Nothing specified for testing."_s);
+    if (Result listed = list(); !listed) {
+        const QString code = u"  Zip error code: "_s + QString::number(m_code);
+        if (m_code == ZIP_ER_OPEN || m_code == ZIP_ER_READ || m_code == ZIP_ER_OK)
+            return Result::failure(u"Zip file could not be tested."_s + u' ' + listed.text + code,
+                                   listed.kind);
+        return Result::failure(u"Zip file is NOT OK. "_s + listed.text + code, listed.kind);
+    }
+    m_count = 0;
+    QString first;
+    qint64 bad = m_remarks.size();
+    if (bad > 0)
+        first = m_remarks.first() + u"  Zip warning code: "_s + QString::number(ZIP_ER_INCONS);
+    for (const CZIPFile& file : colZIPContents) {
+        for (const CZIPFileItem& item : file.varZIPItems) {
+            if (item.kind == EntryKind::Folder || item.kind == EntryKind::Link ||
+                item.kind == EntryKind::Device)
+                continue;
+            if (cancelled())
+                return Result::failure(u"Zip file could not be tested."_s, ErrorKind::Declined);
+            status(u"Testing '"_s + item.sFilename + u"'..."_s);
+            ++m_count;
+            const Result read = file.reader->read(item.lngKey, [](QByteArrayView) { return true; });
+            if (read)
+                continue;
+            const int code = file.reader->lastCode();
+            const bool warning = code == ZIP_ER_ENCRNOTSUPP || code == ZIP_ER_COMPNOTSUPP;
+            if (bad++ == 0)
+                first = read.text +
+                        (warning ? u"  Zip warning code: "_s : u"  Zip error code: "_s) +
+                        QString::number(code);
+        }
+    }
+    if (bad == 0)
+        return Result::success(u"Zip file is OK."_s);
+    if (bad > 1)
+        first += u" ("_s + QString::number(bad - 1) + u" more of its entries cannot be read.)"_s;
+    return Result::failure(u"Zip file is NOT OK. "_s + first);
+}
+
+} // namespace vt

@@ -1,0 +1,83 @@
+// The central directory of one ZIP archive, read by ourselves: a library cannot tell a stamp that
+// is no date, a local header that contradicts, or a prefix, and takes five times as long.
+// Trusts nothing: every length and offset is checked, every limit holds before memory is taken.
+#pragma once
+
+#include "archive/ByteSource.h"
+#include "archive/CZIPFileItem.h"
+#include "platform/Result.h"
+
+#include <QByteArrayView>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace vt {
+
+namespace ziplimits {
+
+constexpr qint64 entries = 200'000;            ///< in one source, inner archives included
+constexpr qint64 directoryBytes = 128LL << 20; ///< of one archive
+constexpr int ratio = 200;                     ///< unpacked to packed size of a whole source, ...
+constexpr qint64 ratioFreeBytes = 1LL << 30;   ///< ... looked at from this unpacked size on
+constexpr int nesting = 8;                     ///< archives inside archives
+constexpr qint64 wholeEntryBytes = 32LL << 20; ///< up to here entries are read whole
+
+} // namespace ziplimits
+
+struct ZipEntry
+{
+    qint64 headerOffset = 0; ///< of the local header in the source, prefix included
+    qint64 size = 0;
+    qint64 packed = 0;
+    quint32 crc = 0;
+    quint32 stamp = 0;      ///< DOS date << 16 | time
+    quint32 attributes = 0; ///< external: DOS in the low byte, Unix mode in the high half
+    quint32 nameAt = 0;     ///< of the stored name in the directory's bytes
+    quint16 nameBytes = 0;
+    quint16 method = 0; ///< 0 stored, 8 deflated, ...
+    quint16 flags = 0;
+    EntryKind kind = EntryKind::File;
+    QString folder; ///< "a\b\", shared between entries
+    QString name;
+
+    [[nodiscard]] bool encrypted() const { return (flags & 0x2001) != 0; }
+};
+
+class ZipDirectory
+{
+public:
+    /// Reads the directory. \a code: the number of the failure in libzip's numbering. Not an
+    /// archive, truncated, split or damaged: kind Surroundings; over a limit: kind Failed.
+    [[nodiscard]] static ResultOf<std::shared_ptr<const ZipDirectory>>
+    open(std::shared_ptr<ByteSource> source, int& code);
+
+    [[nodiscard]] const std::vector<ZipEntry>& entries() const { return m_entries; }
+
+    [[nodiscard]] const ByteSource& source() const { return *m_source; }
+
+    /// The name as stored; local headers must hold the same bytes.
+    [[nodiscard]] QByteArrayView storedName(const ZipEntry& entry) const
+    {
+        return QByteArrayView(m_bytes).sliced(entry.nameAt, entry.nameBytes);
+    }
+
+    /// Where the entries' data must end.
+    [[nodiscard]] qint64 dataEnd() const { return m_directoryOffset; }
+
+    /// Bytes before the first header that belong to no entry: 0, or a self-extractor's program.
+    [[nodiscard]] qint64 prefixBytes() const { return m_prefix; }
+
+private:
+    struct EndRecord;
+    class Parser;
+
+    std::shared_ptr<ByteSource> m_source;
+    QByteArray m_bytes; ///< the central directory as it lies in the archive
+    std::vector<ZipEntry> m_entries;
+    qint64 m_directoryOffset = 0;
+    qint64 m_prefix = 0;
+};
+
+} // namespace vt

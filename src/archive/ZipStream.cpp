@@ -1,0 +1,240 @@
+#include "archive/ZipStream.h"
+
+#include <QtEndian>
+
+#include <cstring>
+#include <memory>
+#include <zip.h>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+constexpr qint64 streamPiece = 256 * 1024;
+
+template <typename T> void put(QByteArray& to, T value)
+{
+    char bytes[sizeof(T)];
+    qToLittleEndian(value, bytes);
+    to.append(bytes, sizeof(T));
+}
+
+/// An archive of one entry, always in ZIP64 form: header + the packed bytes where they lie +
+/// directory.
+class MadeUpArchive
+{
+public:
+    MadeUpArchive(const ByteSource& source, const ZipEntry& entry, qint64 dataOffset)
+        : m_source(source), m_dataOffset(dataOffset), m_packed(entry.packed)
+    {
+        putCommon(m_head, entry, false);
+        putCommon(m_tail, entry, true);
+        const quint64 directoryBytes = quint64(m_tail.size());
+        const quint64 directoryOffset = quint64(m_head.size() + m_packed);
+        put<quint32>(m_tail, 0x06064B50);
+        put<quint64>(m_tail, 44);
+        put<quint16>(m_tail, 63);
+        put<quint16>(m_tail, 63);
+        put<quint64>(m_tail, 0); // both disks
+        put<quint64>(m_tail, 1);
+        put<quint64>(m_tail, 1);
+        put<quint64>(m_tail, directoryBytes);
+        put<quint64>(m_tail, directoryOffset);
+        put<quint32>(m_tail, 0x07064B50);
+        put<quint32>(m_tail, 0);
+        put<quint64>(m_tail, directoryOffset + directoryBytes);
+        put<quint32>(m_tail, 1);
+        put<quint32>(m_tail, 0x06054B50);
+        put<quint32>(m_tail, 0); // both disks
+        put<quint16>(m_tail, 0xFFFF);
+        put<quint16>(m_tail, 0xFFFF);
+        put<quint32>(m_tail, 0xFFFFFFFF);
+        put<quint32>(m_tail, 0xFFFFFFFF);
+        put<quint16>(m_tail, 0);
+        zip_error_init(&m_error);
+    }
+
+    ~MadeUpArchive() { zip_error_fini(&m_error); }
+
+    MadeUpArchive(const MadeUpArchive&) = delete;
+    MadeUpArchive& operator=(const MadeUpArchive&) = delete;
+
+    static zip_int64_t answer(void* self, void* data, zip_uint64_t length, zip_source_cmd_t command)
+    {
+        return static_cast<MadeUpArchive*>(self)->answer(data, length, command);
+    }
+
+private:
+    [[nodiscard]] qint64 size() const { return m_head.size() + m_packed + m_tail.size(); }
+
+    static void putCommon(QByteArray& to, const ZipEntry& entry, bool central)
+    {
+        put<quint32>(to, central ? 0x02014B50 : 0x04034B50);
+        if (central)
+            put<quint16>(to, 63);
+        put<quint16>(to, 63);
+        put<quint16>(to, quint16(entry.flags & 0x0006)); // how the method was used
+        put<quint16>(to, entry.method);
+        put<quint32>(to, 0x0021'0000);
+        put<quint32>(to, entry.crc);
+        put<quint32>(to, 0xFFFFFFFF);
+        put<quint32>(to, 0xFFFFFFFF);
+        put<quint16>(to, 1);
+        put<quint16>(to, 20);
+        if (central) {
+            put<quint16>(to, 0);
+            put<quint32>(to, 0);
+            put<quint32>(to, 0);
+            put<quint32>(to, 0);
+        }
+        to.append('e');
+        put<quint16>(to, 1);
+        put<quint16>(to, 16);
+        put<quint64>(to, quint64(entry.size));
+        put<quint64>(to, quint64(entry.packed));
+    }
+
+    zip_int64_t answer(void* data, zip_uint64_t length, zip_source_cmd_t command)
+    {
+        switch (command) {
+        case ZIP_SOURCE_OPEN:
+            m_at = 0;
+            return 0;
+        case ZIP_SOURCE_READ:
+            return read(static_cast<char*>(data), qint64(length));
+        case ZIP_SOURCE_SEEK: {
+            const zip_int64_t to = zip_source_seek_compute_offset(
+                zip_uint64_t(m_at), zip_uint64_t(size()), data, length, &m_error);
+            if (to < 0)
+                return -1;
+            m_at = to;
+            return 0;
+        }
+        case ZIP_SOURCE_TELL:
+            return m_at;
+        case ZIP_SOURCE_STAT: {
+            auto* stat = static_cast<zip_stat_t*>(data);
+            zip_stat_init(stat);
+            stat->valid |= ZIP_STAT_SIZE;
+            stat->size = zip_uint64_t(size());
+            return sizeof(zip_stat_t);
+        }
+        case ZIP_SOURCE_ERROR:
+            return zip_error_to_data(&m_error, data, length);
+        case ZIP_SOURCE_SUPPORTS:
+            return zip_source_make_command_bitmap(ZIP_SOURCE_OPEN,
+                                                  ZIP_SOURCE_READ,
+                                                  ZIP_SOURCE_CLOSE,
+                                                  ZIP_SOURCE_STAT,
+                                                  ZIP_SOURCE_ERROR,
+                                                  ZIP_SOURCE_FREE,
+                                                  ZIP_SOURCE_SEEK,
+                                                  ZIP_SOURCE_TELL,
+                                                  ZIP_SOURCE_SUPPORTS,
+                                                  -1);
+        case ZIP_SOURCE_CLOSE:
+        case ZIP_SOURCE_FREE:
+            return 0;
+        default:
+            zip_error_set(&m_error, ZIP_ER_OPNOTSUPP, 0);
+            return -1;
+        }
+    }
+
+    zip_int64_t read(char* to, qint64 length)
+    {
+        length = qMin(length, size() - m_at);
+        qint64 left = length;
+        const auto fromMemory = [&](const QByteArray& part, qint64 begin) {
+            const qint64 n = qMin(left, begin + part.size() - m_at);
+            if (m_at < begin || n <= 0)
+                return;
+            std::memcpy(to, part.constData() + (m_at - begin), size_t(n));
+            to += n;
+            m_at += n;
+            left -= n;
+        };
+        fromMemory(m_head, 0);
+        const qint64 n = qMin(left, m_head.size() + m_packed - m_at);
+        if (n > 0) {
+            if (!m_source.read(m_dataOffset + m_at - m_head.size(), to, n)) {
+                zip_error_set(&m_error, ZIP_ER_READ, 0);
+                return -1;
+            }
+            to += n;
+            m_at += n;
+            left -= n;
+        }
+        fromMemory(m_tail, m_head.size() + m_packed);
+        return length;
+    }
+
+    const ByteSource& m_source;
+    qint64 m_dataOffset;
+    qint64 m_packed;
+    QByteArray m_head;
+    QByteArray m_tail;
+    qint64 m_at = 0;
+    zip_error_t m_error;
+};
+
+StreamEnd endOf(zip_error_t* error)
+{
+    return {zip_error_code_zip(error), QString::fromUtf8(zip_error_strerror(error)), false};
+}
+
+StreamEnd pump(zip_file_t* file, const ZipEntry& entry, const Content::Sink& sink)
+{
+    const auto buffer = std::make_unique_for_overwrite<char[]>(streamPiece);
+    qint64 total = 0;
+    for (;;) {
+        const zip_int64_t n = zip_fread(file, buffer.get(), streamPiece);
+        if (n < 0)
+            return endOf(zip_file_get_error(file));
+        total += n;
+        if (total > entry.size || (n == 0 && total < entry.size))
+            return {ZIP_ER_INCONS, u"it has not the size that it announces"_s, false};
+        if (n == 0)
+            return {};
+        if (!sink(QByteArrayView(buffer.get(), n)))
+            return {ZIP_ER_CANCELLED, {}, true};
+    }
+}
+
+} // namespace
+
+bool canStreamMethod(int method)
+{
+    return zip_compression_method_supported(method, 0) != 0;
+}
+
+StreamEnd streamEntry(const ByteSource& source,
+                      const ZipEntry& entry,
+                      qint64 dataOffset,
+                      const Content::Sink& sink)
+{
+    MadeUpArchive archive(source, entry, dataOffset);
+    zip_error_t error;
+    zip_error_init(&error);
+    StreamEnd end;
+    zip_source_t* zipSource = zip_source_function_create(&MadeUpArchive::answer, &archive, &error);
+    zip_t* zip = zipSource ? zip_open_from_source(zipSource, ZIP_RDONLY, &error) : nullptr;
+    if (!zip) {
+        end = endOf(&error);
+        if (zipSource)
+            zip_source_free(zipSource);
+    } else if (zip_file_t* file = zip_fopen_index(zip, 0, 0)) {
+        end = pump(file, entry, sink);
+        zip_fclose(file);
+        zip_discard(zip);
+    } else {
+        end = endOf(zip_get_error(zip));
+        zip_discard(zip);
+    }
+    zip_error_fini(&error);
+    return end;
+}
+
+} // namespace vt

@@ -78,11 +78,13 @@ QByteArray benchmarkBytes(qint64 size, quint64 seed)
 {
     static const std::array<char, 256> table = letters();
     constexpr qsizetype window = 8192;
+    // A small file has less to repeat from and its own code tables, so it repeats more often.
+    const quint64 repeatOneOf = size < 8192 ? 3 : 6;
     QByteArray out(size, Qt::Uninitialized);
     char* data = out.data();
     for (qsizetype at = 0; at < size;) {
         const quint64 choice = nextNumber(seed);
-        if (at > 64 && choice % 6 == 0) { // a stretch seen before
+        if (at > 64 && choice % repeatOneOf == 0) { // a stretch seen before
             const qsizetype length = qMin<qsizetype>(6 + (choice >> 2) % 26, size - at);
             const qsizetype reach = qMin(at, window);
             const qsizetype back = qMin(

@@ -1,0 +1,503 @@
+#include "addondb/Connection.h"
+
+#include "addondb/Collation.h"
+#include "addondb/Schema.h"
+#include "platform/Files.h"
+#include "platform/Gate.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QtEndian>
+
+#include <memory>
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+constexpr int waitMs = 5000;
+
+QString hostText(const QByteArray& host)
+{
+    return QFile::decodeName(host);
+}
+
+/// What the first bytes of a file say about it, before the engine looks at it.
+struct FileHeader
+{
+    DatabaseFault fault = DatabaseFault::None;
+    QString text;
+    bool writeAhead = false; ///< was left in the mode in which a log stands beside it
+};
+
+FileHeader readFileHeader(const QByteArray& host)
+{
+    QFile file(hostText(host));
+    if (!file.open(QIODevice::ReadOnly))
+        return {DatabaseFault::Unreadable, file.errorString()};
+    const QByteArray bytes = file.read(100);
+    if (bytes.isEmpty())
+        return {DatabaseFault::Damaged, u"the file is empty"_s};
+    if (bytes.startsWith(QByteArrayView("\0\1\0\0Standard ", 13)))
+        return {DatabaseFault::Foreign, u"the file belongs to another database program"_s};
+    if (bytes.size() < 100 || !bytes.startsWith(QByteArrayView("SQLite format 3\0", 16)))
+        return {DatabaseFault::Damaged, u"the file is not a database"_s};
+    // Format of the header: sqlite.org/fileformat.html, "The Database Header".
+    if (qFromBigEndian<qint32>(bytes.constData() + 68) != schema::applicationId)
+        return {DatabaseFault::Foreign, u"the file holds something else"_s};
+    return {DatabaseFault::None, {}, bytes[18] == 2 || bytes[19] == 2};
+}
+
+QString columnText(sqlite3_stmt* row, int column)
+{
+    return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(row, column)));
+}
+
+DatabaseFault faultOf(int code)
+{
+    switch (code & 0xff) {
+    case SQLITE_OK:
+        return DatabaseFault::None;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return DatabaseFault::Busy;
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+    case SQLITE_READONLY:
+    case SQLITE_FULL:
+    case SQLITE_NOMEM:
+        return DatabaseFault::Unreadable;
+    case SQLITE_IOERR:
+        return code == SQLITE_IOERR_SHORT_READ ? DatabaseFault::Damaged : DatabaseFault::Unreadable;
+    default:
+        return DatabaseFault::Damaged;
+    }
+}
+
+QString databaseSentence(DatabaseFault fault, const QString& path, const QString& cause)
+{
+    const QString database = u"The add-on database '"_s + path;
+    switch (fault) {
+    case DatabaseFault::None:
+        return {};
+    case DatabaseFault::Missing:
+        return database + u"' does not exist."_s;
+    case DatabaseFault::Unreadable:
+        return database + u"' could not be opened: "_s + cause + u"."_s;
+    case DatabaseFault::Busy:
+        return database + u"' is in use by another program; try again when that has ended."_s;
+    case DatabaseFault::Foreign:
+        return database + u"' was not made by this program: "_s + cause +
+               u". Move it away to begin a new one."_s;
+    case DatabaseFault::Newer:
+        return database +
+               u"' was made by a later version of this program, which is needed to open it."_s;
+    case DatabaseFault::Damaged:
+        return database + u"' is damaged: "_s + cause + u"."_s;
+    }
+    return {};
+}
+
+OpenedDatabase refusedOpening(DatabaseFault fault,
+                              const QString& path,
+                              const QString& cause,
+                              int number = SQLITE_CANTOPEN)
+{
+    OpenedDatabase opened;
+    opened.fault = fault;
+    opened.error = {number, cause};
+    opened.result = Result::failure(databaseSentence(fault, path, cause), ErrorKind::Surroundings);
+    return opened;
+}
+
+/// A folder of one's own with copies of the file and of the log and journal that belong to it, so
+/// that unfinished work of a dead process can be read without touching anything beside the file.
+QByteArray copyAside(const QByteArray& host)
+{
+    QByteArray folder = QFile::encodeName(QDir::tempPath()) + "/vantrel-XXXXXX";
+    if (mkdtemp(folder.data()) == nullptr)
+        return {};
+    for (const char* suffix : {"", "-wal", "-journal"}) {
+        const QString from = hostText(host + suffix);
+        const bool needed = *suffix == 0;
+        if (!needed && !QFile::exists(from))
+            continue;
+        if (!QFile::copy(from, hostText(folder + "/database" + suffix))) {
+            QDir(hostText(folder)).removeRecursively();
+            return {};
+        }
+        // The engine brings the copies in order, so they must be its own to write.
+        QFile::setPermissions(hostText(folder + "/database" + suffix),
+                              QFile::ReadOwner | QFile::WriteOwner);
+    }
+    return folder;
+}
+
+QByteArray immutableName(const QByteArray& host)
+{
+    return "file:" + host.toPercentEncoding("/") + "?immutable=1";
+}
+
+} // namespace
+
+// --- statements ---
+
+Statement::Statement(Connection* owner, QByteArray sql, sqlite3_stmt* statement)
+    : m_owner(owner), m_sql(std::move(sql)), m_statement(statement)
+{}
+
+Statement::~Statement()
+{
+    giveBack();
+}
+
+Statement::Statement(Statement&& other) noexcept
+    : m_owner(other.m_owner), m_sql(std::move(other.m_sql)), m_statement(other.m_statement)
+{
+    other.m_statement = nullptr;
+}
+
+Statement& Statement::operator=(Statement&& other) noexcept
+{
+    if (this != &other) {
+        giveBack();
+        m_owner = other.m_owner;
+        m_sql = std::move(other.m_sql);
+        m_statement = other.m_statement;
+        other.m_statement = nullptr;
+    }
+    return *this;
+}
+
+void Statement::giveBack()
+{
+    if (m_statement == nullptr)
+        return;
+    sqlite3_reset(m_statement);
+    sqlite3_clear_bindings(m_statement);
+    m_owner->m_idle[m_sql].push_back(m_statement);
+    m_statement = nullptr;
+}
+
+Statement Connection::statement(const QByteArray& sql)
+{
+    QList<sqlite3_stmt*>& idle = m_idle[sql];
+    if (!idle.isEmpty())
+        return {this, sql, idle.takeLast()};
+    sqlite3_stmt* made = nullptr;
+    const int code = sqlite3_prepare_v3(
+        m_handle, sql.constData(), int(sql.size()) + 1, SQLITE_PREPARE_PERSISTENT, &made, nullptr);
+    if (code != SQLITE_OK) {
+        noteError(code);
+        return {};
+    }
+    return {this, sql, made};
+}
+
+const DatabaseError& Connection::noteError(int code)
+{
+    m_lastError.number = code;
+    m_lastError.text = m_handle != nullptr ? QString::fromUtf8(sqlite3_errmsg(m_handle))
+                                           : QString::fromUtf8(sqlite3_errstr(code));
+    return m_lastError;
+}
+
+// --- opening ---
+
+Connection::Connection(QString path, bool readOnly) : m_path(std::move(path)), m_readOnly(readOnly)
+{}
+
+OpenedDatabase Connection::open(const Files& files, const QString& path, OpenMode mode)
+{
+    const std::optional<FileInfo> found = files.info(path);
+    if (!found)
+        return refusedOpening(DatabaseFault::Missing, path, u"the file does not exist"_s);
+    if (found->folder)
+        return refusedOpening(DatabaseFault::Unreadable, path, u"a folder has that name"_s);
+    const QByteArray host = files.hostPath(path);
+    const FileHeader header = readFileHeader(host);
+    if (header.fault != DatabaseFault::None) {
+        return refusedOpening(header.fault,
+                              path,
+                              header.text,
+                              header.fault == DatabaseFault::Unreadable ? SQLITE_CANTOPEN
+                                                                        : SQLITE_NOTADB);
+    }
+
+    std::unique_ptr<Connection> made(new Connection(path, mode == OpenMode::ReadOnly));
+    Connection& connection = *made;
+    OpenedDatabase opened;
+    if (mode == OpenMode::ReadWrite) {
+        opened = connection.openFile(host, SQLITE_OPEN_READWRITE);
+    } else {
+        const bool log = QFileInfo(hostText(host + "-wal")).size() > 0;
+        const bool shared = QFile::exists(hostText(host + "-shm"));
+        if (header.writeAhead && !log && !shared)
+            opened =
+                connection.openFile(immutableName(host), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+        else if (!log || shared)
+            opened = connection.openFile(host, SQLITE_OPEN_READONLY);
+        const bool needsWriting = !connection.m_handle || opened.fault == DatabaseFault::Unreadable;
+        if (needsWriting) {
+            connection.m_privateCopy = copyAside(host);
+            if (connection.m_privateCopy.isEmpty()) {
+                return refusedOpening(
+                    DatabaseFault::Unreadable,
+                    path,
+                    u"it holds unfinished work and no copy could be made to read it"_s);
+            }
+            opened =
+                connection.openFile(connection.m_privateCopy + "/database", SQLITE_OPEN_READWRITE);
+        }
+    }
+    if (opened.fault == DatabaseFault::None)
+        opened.connection = std::move(made);
+    return opened;
+}
+
+OpenedDatabase Connection::create(const Gate& gate, const QString& path)
+{
+    if (gate.files().exists(path)) {
+        return refusedOpening(
+            DatabaseFault::Unreadable, path, u"a new one was to be made, but the file exists"_s);
+    }
+    const ResultOf<QByteArray> host = gate.hostPath(path);
+    if (!host)
+        return refusedOpening(DatabaseFault::Unreadable, path, host.text);
+    // Made whole under another name: a run that dies meanwhile leaves no half database.
+    const QByteArray making = *host + ".new";
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+        QFile::remove(hostText(making + suffix));
+    Result made;
+    {
+        Connection connection(path, false);
+        made = connection.makeFile(making);
+    }
+    gate.files().noteChanged(path);
+    if (made.ok && !QFile::rename(hostText(making), hostText(*host)))
+        made = Result::failure(u"it could not be given its name"_s);
+    if (!made.ok) {
+        for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+            QFile::remove(hostText(making + suffix));
+        return refusedOpening(DatabaseFault::Unreadable, path, made.text);
+    }
+    gate.files().noteChanged(path);
+    return open(gate.files(), path, OpenMode::ReadWrite);
+}
+
+Result Connection::makeFile(const QByteArray& hostFile)
+{
+    const int code = sqlite3_open_v2(
+        hostFile.constData(), &m_handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    if (code != SQLITE_OK || collation::registerOn(m_handle) != SQLITE_OK)
+        return Result::failure(noteError(code).text);
+    sqlite3_exec(m_handle, "PRAGMA synchronous=EXTRA", nullptr, nullptr, nullptr);
+    QByteArrayList statements{"PRAGMA page_size=" + QByteArray::number(schema::pageSize),
+                              "BEGIN IMMEDIATE",
+                              "PRAGMA application_id=" + QByteArray::number(schema::applicationId),
+                              "PRAGMA user_version=" +
+                                  QByteArray::number(schema::structureVersion)};
+    statements += schema::creation();
+    statements.push_back("COMMIT");
+    for (const QByteArray& sql : std::as_const(statements)) {
+        if (Result done = execute(sql.constData()); !done.ok)
+            return done;
+    }
+    return Result::success();
+}
+
+OpenedDatabase Connection::openFile(const QByteArray& hostFile, int flags)
+{
+    sqlite3_close(m_handle);
+    m_handle = nullptr;
+    int code = sqlite3_open_v2(hostFile.constData(), &m_handle, flags, nullptr);
+    if (code == SQLITE_OK) {
+        sqlite3_extended_result_codes(m_handle, 1);
+        sqlite3_busy_timeout(m_handle, waitMs);
+        code = collation::registerOn(m_handle);
+    }
+    if (code == SQLITE_OK)
+        code = firstOf("PRAGMA user_version",
+                       [this](sqlite3_stmt* row) { m_structure = sqlite3_column_int(row, 0); });
+    // The schema is read here, and with it the pages that every later call depends on.
+    if (code == SQLITE_OK)
+        code = sqlite3_exec(
+            m_handle, "SELECT 1 FROM sqlite_master LIMIT 1", nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK)
+        return refusedByEngine(code);
+    if (m_structure > schema::structureVersion)
+        return refusedOpening(
+            DatabaseFault::Newer, m_path, u"its structure is unknown"_s, SQLITE_SCHEMA);
+    sqlite3_exec(m_handle, "PRAGMA cache_size=-16384", nullptr, nullptr, nullptr);
+    sqlite3_exec(m_handle, "PRAGMA temp_store=MEMORY", nullptr, nullptr, nullptr);
+    if (!m_readOnly)
+        return becomeWriter();
+    sqlite3_exec(m_handle, "PRAGMA query_only=1", nullptr, nullptr, nullptr);
+    return {};
+}
+
+OpenedDatabase Connection::becomeWriter()
+{
+    if (sqlite3_db_readonly(m_handle, "main") == 1) {
+        return refusedOpening(
+            DatabaseFault::Unreadable, m_path, u"the file may not be written"_s, SQLITE_READONLY);
+    }
+    // A change of mode is a transaction of its own, whose journal must be gone for good before the
+    // log takes over.
+    sqlite3_exec(m_handle, "PRAGMA synchronous=EXTRA", nullptr, nullptr, nullptr);
+    QString mode;
+    const int code = firstOf("PRAGMA journal_mode=WAL",
+                             [&mode](sqlite3_stmt* row) { mode = columnText(row, 0); });
+    if (code != SQLITE_OK)
+        return refusedByEngine(code);
+    if (mode != u"wal"_s)
+        return refusedOpening(DatabaseFault::Busy, m_path, u"database is locked"_s, SQLITE_BUSY);
+    sqlite3_exec(m_handle, "PRAGMA synchronous=FULL", nullptr, nullptr, nullptr);
+    m_writer = true;
+    return {};
+}
+
+OpenedDatabase Connection::refusedByEngine(int code)
+{
+    const DatabaseError error = noteError(code);
+    return refusedOpening(faultOf(code), m_path, error.text, code & 0xff);
+}
+
+int Connection::firstOf(const char* sql, const std::function<void(sqlite3_stmt*)>& take)
+{
+    sqlite3_stmt* statement = nullptr;
+    int code = sqlite3_prepare_v2(m_handle, sql, -1, &statement, nullptr);
+    if (code == SQLITE_OK) {
+        code = sqlite3_step(statement);
+        if (code == SQLITE_ROW) {
+            take(statement);
+            code = SQLITE_OK;
+        }
+    }
+    if (code != SQLITE_OK)
+        noteError(code);
+    sqlite3_finalize(statement);
+    return code;
+}
+
+// --- closing ---
+
+Connection::~Connection()
+{
+    // Whoever wants to know asks close() himself.
+    (void)close();
+}
+
+Result Connection::close()
+{
+    if (m_handle == nullptr)
+        return Result::success();
+    if (m_inTransaction)
+        rollback();
+    for (const QList<sqlite3_stmt*>& statements : std::as_const(m_idle)) {
+        for (sqlite3_stmt* statement : statements)
+            sqlite3_finalize(statement);
+    }
+    m_idle.clear();
+    Result done;
+    if (m_writer)
+        done = leaveOneFile();
+    const int code = sqlite3_close(m_handle);
+    Q_ASSERT_X(code == SQLITE_OK, "Connection::close", "a recordset is still open");
+    Q_UNUSED(code)
+    m_handle = nullptr;
+    m_writer = false;
+    if (!m_privateCopy.isEmpty())
+        QDir(hostText(m_privateCopy)).removeRecursively();
+    m_privateCopy.clear();
+    return done;
+}
+
+Result Connection::leaveOneFile()
+{
+    // While a reader is busy, the log stays beside the file and the next writer brings it in.
+    sqlite3_busy_timeout(m_handle, 0);
+    sqlite3_exec(m_handle, "PRAGMA synchronous=EXTRA", nullptr, nullptr, nullptr);
+    const int code =
+        sqlite3_exec(m_handle, "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr);
+    if (code == SQLITE_OK || faultOf(code) == DatabaseFault::Busy)
+        return Result::success();
+    return failed(code);
+}
+
+// --- transactions ---
+
+Result Connection::execute(const char* sql)
+{
+    const int code = sqlite3_exec(m_handle, sql, nullptr, nullptr, nullptr);
+    return code == SQLITE_OK ? Result::success() : failed(code);
+}
+
+Result Connection::failed(int code)
+{
+    const DatabaseError& error = noteError(code);
+    return Result::failure(databaseSentence(faultOf(code), m_path, error.text),
+                           ErrorKind::Surroundings);
+}
+
+Result Connection::begin()
+{
+    Q_ASSERT(!m_inTransaction);
+    Result begun = execute("BEGIN IMMEDIATE");
+    m_inTransaction = begun.ok;
+    return begun;
+}
+
+Result Connection::commit()
+{
+    Q_ASSERT(m_inTransaction);
+    Result done = execute("COMMIT");
+    if (done.ok)
+        m_inTransaction = false;
+    else
+        rollback();
+    return done;
+}
+
+void Connection::rollback()
+{
+    Q_ASSERT(m_inTransaction);
+    m_inTransaction = false;
+    // The engine may have rolled back by itself after a failure; then there is nothing left to do.
+    if (sqlite3_get_autocommit(m_handle) == 0)
+        sqlite3_exec(m_handle, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+Result Connection::together(const std::function<Result()>& work)
+{
+    if (m_inTransaction)
+        return work();
+    if (Result begun = begin(); !begun.ok)
+        return begun;
+    Result done = work();
+    if (!done.ok) {
+        rollback();
+        return done;
+    }
+    return commit();
+}
+
+Result Connection::check(bool thorough)
+{
+    QString found;
+    const int code = firstOf(thorough ? "PRAGMA integrity_check(1)" : "PRAGMA quick_check(1)",
+                             [&found](sqlite3_stmt* row) { found = columnText(row, 0); });
+    if (code == SQLITE_OK && found == u"ok"_s)
+        return Result::success();
+    if (code == SQLITE_OK)
+        m_lastError = {SQLITE_CORRUPT, found.simplified()};
+    return Result::failure(databaseSentence(DatabaseFault::Damaged, m_path, m_lastError.text),
+                           ErrorKind::Surroundings);
+}
+
+} // namespace vt

@@ -1,0 +1,195 @@
+// One open database file ("Vantrel.mdb"). SQL text stands in Connection.cpp and Recordset.cpp
+// alone. A writing connection keeps a write-ahead log while it is open and leaves a single file
+// when it is closed; a reading one creates nothing beside the file.
+#pragma once
+
+#include "addondb/Tables.h"
+#include "platform/Result.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace vt {
+
+class Connection;
+class Files;
+class Gate;
+
+enum class OpenMode
+{
+    ReadOnly,
+    ReadWrite,
+};
+
+/// Why a database could not be opened.
+enum class DatabaseFault
+{
+    None,
+    Missing,    ///< there is no such file
+    Unreadable, ///< the file or its folder may not be read or written
+    Busy,       ///< another program is writing to it
+    Foreign,    ///< a sound file, but not one of this program's
+    Newer,      ///< written by a later version of this program
+    Damaged,    ///< not a database, cut short, or inconsistent
+};
+
+/// The engine's error number and text; number 0 for none.
+struct DatabaseError
+{
+    int number = 0;
+    QString text;
+};
+
+struct OpenedDatabase
+{
+    std::unique_ptr<Connection> connection; ///< null exactly when fault is not None
+    DatabaseFault fault = DatabaseFault::None;
+    DatabaseError error;
+    Result result; ///< on failure one sentence for people, kind Surroundings
+};
+
+/// A prepared statement on loan from its connection; goes back, reset, when it dies.
+class Statement
+{
+public:
+    Statement() = default;
+    ~Statement();
+    Statement(Statement&& other) noexcept;
+    Statement& operator=(Statement&& other) noexcept;
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    [[nodiscard]] sqlite3_stmt* get() const { return m_statement; }
+
+    explicit operator bool() const { return m_statement != nullptr; }
+
+private:
+    friend class Connection;
+    Statement(Connection* owner, QByteArray sql, sqlite3_stmt* statement);
+    void giveBack();
+
+    Connection* m_owner = nullptr;
+    QByteArray m_sql;
+    sqlite3_stmt* m_statement = nullptr;
+};
+
+class Connection
+{
+public:
+    /// \a path is a Windows text. Never creates the file. A reading connection works beside a
+    /// writing one and sees what was last committed, also by a process that died.
+    [[nodiscard]] static OpenedDatabase
+    open(const Files& files, const QString& path, OpenMode mode);
+    /// A new, empty database, open for writing. Fails when the file exists; leaves nothing on
+    /// failure.
+    [[nodiscard]] static OpenedDatabase create(const Gate& gate, const QString& path);
+
+    /// As close().
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    /// Rolls an open transaction back, brings everything into the one file and lets go of it.
+    /// Every Recordset must be gone. After a failure the data are whole, in the file and the log
+    /// beside it. A second call does nothing.
+    Result close();
+
+    [[nodiscard]] const QString& path() const { return m_path; }
+
+    [[nodiscard]] bool readOnly() const { return m_readOnly; }
+
+    /// Version of the tables' structure, 1 for now.
+    [[nodiscard]] int structure() const { return m_structure; }
+
+    /// Transactions do not nest: beginning a second one is a programming error.
+    Result begin();
+    /// On failure the transaction is rolled back and the file is as before begin().
+    Result commit();
+    void rollback();
+
+    [[nodiscard]] bool inTransaction() const { return m_inTransaction; }
+
+    /// Runs \a work inside the transaction that is open, or else in one of its own, which is
+    /// committed when the work succeeds and rolled back when it fails.
+    Result together(const std::function<Result()>& work);
+
+    /// Looks through the whole file, page by page and row by row; \a thorough compares the indexes
+    /// with the rows as well. Failure: the first problem found.
+    Result check(bool thorough = false);
+
+    /// What the engine said last, for the error log; the stated texts do not carry it.
+    [[nodiscard]] const DatabaseError& lastError() const { return m_lastError; }
+
+    // For Recordset.
+    [[nodiscard]] Statement statement(const QByteArray& sql);
+    /// Stores and returns the engine's present error; for use right after a failed call.
+    const DatabaseError& noteError(int code);
+
+    [[nodiscard]] sqlite3* handle() const { return m_handle; }
+
+private:
+    friend class Statement;
+    Connection(QString path, bool readOnly);
+
+    OpenedDatabase openFile(const QByteArray& hostFile, int flags);
+    OpenedDatabase becomeWriter();
+    OpenedDatabase refusedByEngine(int code);
+    Result makeFile(const QByteArray& hostFile);
+    Result leaveOneFile();
+    Result execute(const char* sql);
+    Result failed(int code);
+    /// Hands the first row of an answer to \a take; the engine's code.
+    int firstOf(const char* sql, const std::function<void(sqlite3_stmt*)>& take);
+
+    sqlite3* m_handle = nullptr;
+    QString m_path;
+    QByteArray m_privateCopy; ///< host folder of a private copy that is being read, or empty
+    bool m_readOnly = false;
+    bool m_writer = false; ///< open with a log, to be left as one file
+    bool m_inTransaction = false;
+    int m_structure = 0;
+    DatabaseError m_lastError;
+    QHash<QByteArray, QList<sqlite3_stmt*>> m_idle;
+};
+
+/// Rolled back on leaving its scope unless it was committed.
+class Transaction
+{
+public:
+    explicit Transaction(Connection& connection) : m_connection(connection) {}
+
+    ~Transaction()
+    {
+        if (m_open)
+            m_connection.rollback();
+    }
+
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    Result begin()
+    {
+        Result begun = m_connection.begin();
+        m_open = begun.ok;
+        return begun;
+    }
+
+    Result commit()
+    {
+        m_open = false;
+        return m_connection.commit();
+    }
+
+private:
+    Connection& m_connection;
+    bool m_open = false;
+};
+
+} // namespace vt

@@ -1,0 +1,420 @@
+#include "addondb/Recordset.h"
+
+#include "addondb/Schema.h"
+
+#include <QStringEncoder>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+int bindValue(sqlite3_stmt* statement, int number, const FieldValue& value)
+{
+    if (const auto* whole = std::get_if<qint64>(&value.value()))
+        return sqlite3_bind_int64(statement, number, *whole);
+    if (const auto* text = std::get_if<QString>(&value.value())) {
+        const QByteArray utf8 = text->toUtf8();
+        return sqlite3_bind_text(
+            statement, number, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
+    }
+    const QByteArray& bytes = std::get<QByteArray>(value.value());
+    return sqlite3_bind_blob64(
+        statement, number, bytes.constData(), quint64(bytes.size()), SQLITE_TRANSIENT);
+}
+
+int bindEmpty(sqlite3_stmt* statement, int number, FieldType type)
+{
+    switch (type) {
+    case FieldType::Long:
+    case FieldType::Integer:
+    case FieldType::Boolean:
+        return sqlite3_bind_int64(statement, number, 0);
+    case FieldType::Date:
+    case FieldType::Text:
+        return sqlite3_bind_text(statement, number, "", 0, SQLITE_STATIC);
+    case FieldType::Blob:
+        return sqlite3_bind_blob(statement, number, "", 0, SQLITE_STATIC);
+    }
+    return SQLITE_MISUSE;
+}
+
+/// Rows with the number of a row of another table.
+QByteArray belonging(Index index, std::size_t keys)
+{
+    return "rowid IN (SELECT rowid FROM " + schema::quoted(info(index).table) + " WHERE " +
+           schema::equalTo(index, keys) + ")";
+}
+
+Index primaryKeyOf(Table table)
+{
+    for (const IndexInfo& index : allIndexes()) {
+        if (index.table == table)
+            return index.index;
+    }
+    Q_UNREACHABLE();
+}
+
+} // namespace
+
+FieldValue::FieldValue(const QDateTime& time) : m_value(dateText(time)) {}
+
+QString dateText(const QDateTime& time)
+{
+    return time.isValid() ? time.toString(u"yyyy-MM-dd HH:mm:ss"_s) : QString();
+}
+
+QDateTime dateOf(const QString& text)
+{
+    return text.isEmpty() ? QDateTime() : QDateTime::fromString(text, u"yyyy-MM-dd HH:mm:ss"_s);
+}
+
+Recordset::Recordset(Connection& connection, Table table)
+    : m_connection(connection), m_table(table), m_index(primaryKeyOf(table))
+{}
+
+void Recordset::setIndex(Index index)
+{
+    Q_ASSERT(info(index).table == m_table);
+    m_index = index;
+    m_walk = {};
+    m_present = false;
+}
+
+// --- finding and moving ---
+
+bool Recordset::failed(int code)
+{
+    const DatabaseError& error = m_connection.noteError(code);
+    m_error = Result::failure(u"The table '"_s + QLatin1StringView(info(m_table).name) +
+                                  u"' of the add-on database '"_s + m_connection.path() +
+                                  u"' could not be used: "_s + error.text + u"."_s,
+                              ErrorKind::Surroundings);
+    m_present = false;
+    return false;
+}
+
+bool Recordset::start(const QByteArray& sql, std::initializer_list<FieldValue> keys)
+{
+    Q_ASSERT(m_writing == Writing::No);
+    m_error = {};
+    m_present = false;
+    m_walk = {};
+    m_walk = m_connection.statement(sql);
+    if (!m_walk)
+        return failed(m_connection.lastError().number);
+    int number = 0;
+    for (const FieldValue& key : keys)
+        bindValue(m_walk.get(), ++number, key);
+    return step();
+}
+
+bool Recordset::step()
+{
+    const int code = sqlite3_step(m_walk.get());
+    m_present = code == SQLITE_ROW;
+    if (m_present)
+        return true;
+    const bool ended = code == SQLITE_DONE;
+    if (!ended)
+        failed(code);
+    // An ended walk holds the file's present state no longer.
+    m_walk = {};
+    return false;
+}
+
+QByteArray Recordset::selection() const
+{
+    return "SELECT " + schema::columns(m_table) + " FROM " + schema::quoted(m_table);
+}
+
+bool Recordset::seek(std::initializer_list<FieldValue> keys)
+{
+    return start(selection() + " WHERE " + schema::equalTo(m_index, keys.size()) + " ORDER BY " +
+                     schema::order(m_index, ""),
+                 keys);
+}
+
+bool Recordset::seekFrom(std::initializer_list<FieldValue> keys)
+{
+    return start(selection() + " WHERE " + schema::atOrAfter(m_index, keys.size()) + " ORDER BY " +
+                     schema::order(m_index, ""),
+                 keys);
+}
+
+bool Recordset::seekBelonging(Index index, std::initializer_list<FieldValue> keys)
+{
+    return start(selection() + " WHERE " + belonging(index, keys.size()) + " ORDER BY rowid", keys);
+}
+
+bool Recordset::moveFirst()
+{
+    return start(selection() + " ORDER BY " + schema::order(m_index, ""), {});
+}
+
+bool Recordset::moveLast()
+{
+    return start(selection() + " ORDER BY " + schema::order(m_index, " DESC") + " LIMIT 1", {});
+}
+
+bool Recordset::moveNext()
+{
+    Q_ASSERT(m_writing == Writing::No);
+    m_error = {};
+    if (!m_walk) {
+        m_present = false;
+        return false;
+    }
+    return step();
+}
+
+// --- reading ---
+
+int Recordset::column(Field field) const
+{
+    const int position = columnOf(m_table, field);
+    Q_ASSERT_X(position >= 0, "Recordset", info(field).name);
+    return position + 1; // "rowid" stands before the fields
+}
+
+qint64 Recordset::number(Field field) const
+{
+    Q_ASSERT(m_present);
+    return sqlite3_column_int64(m_walk.get(), column(field));
+}
+
+bool Recordset::flag(Field field) const
+{
+    return number(field) != 0;
+}
+
+QString Recordset::text(Field field) const
+{
+    Q_ASSERT(m_present);
+    const unsigned char* utf8 = sqlite3_column_text(m_walk.get(), column(field));
+    return QString::fromUtf8(reinterpret_cast<const char*>(utf8),
+                             sqlite3_column_bytes(m_walk.get(), column(field)));
+}
+
+QDateTime Recordset::date(Field field) const
+{
+    return dateOf(text(field));
+}
+
+QByteArray Recordset::blob(Field field) const
+{
+    Q_ASSERT(m_present);
+    const void* bytes = sqlite3_column_blob(m_walk.get(), column(field));
+    return {static_cast<const char*>(bytes), sqlite3_column_bytes(m_walk.get(), column(field))};
+}
+
+// --- writing ---
+
+void Recordset::addNew()
+{
+    Q_ASSERT(m_writing == Writing::No);
+    m_writing = Writing::Adding;
+    if (m_slots.empty())
+        m_slots.resize(info(m_table).fields.size());
+    for (Slot& slot : m_slots)
+        slot.set = false;
+    if (m_insert)
+        return;
+    QByteArray sql = "INSERT INTO " + schema::quoted(m_table) + " VALUES (";
+    for (std::size_t i = 0; i < m_slots.size(); ++i)
+        sql += i == 0 ? "?" : ", ?";
+    m_insert = m_connection.statement(sql + ")");
+}
+
+void Recordset::edit()
+{
+    Q_ASSERT(m_writing == Writing::No && m_present);
+    m_writing = Writing::Editing;
+    m_changes.clear();
+}
+
+void Recordset::set(Field field, const FieldValue& value)
+{
+    Q_ASSERT(m_writing != Writing::No);
+    if (m_writing == Writing::Editing)
+        m_changes.push_back({field, value});
+    else if (m_insert)
+        setAdded(column(field), value);
+}
+
+/// Texts stay bound from row to row in a buffer of their column: files come folder by folder, and a
+/// text that is the same object as before costs nothing.
+void Recordset::setAdded(int number, const FieldValue& value)
+{
+    Slot& slot = m_slots[std::size_t(number - 1)];
+    slot.set = true;
+    slot.empty = false;
+    const auto* text = std::get_if<QString>(&value.value());
+    if (text == nullptr) {
+        slot.text = QString();
+        bindValue(m_insert.get(), number, value);
+        return;
+    }
+    if (!slot.text.isNull() && text->constData() == slot.text.constData() &&
+        text->size() == slot.text.size())
+        return;
+    slot.text = *text;
+    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+    // At least one byte: an empty text must not become no value at all.
+    const std::size_t space = std::size_t(encoder.requiredSpace(text->size())) + 1;
+    if (slot.bytes.size() < space)
+        slot.bytes.resize(space);
+    const char* end = encoder.appendToBuffer(slot.bytes.data(), *text);
+    sqlite3_bind_text(
+        m_insert.get(), number, slot.bytes.data(), int(end - slot.bytes.data()), SQLITE_STATIC);
+}
+
+Result Recordset::update()
+{
+    Q_ASSERT(m_writing != Writing::No);
+    m_error = {};
+    const bool adding = m_writing == Writing::Adding;
+    m_writing = Writing::No;
+    return adding ? updateAdded() : updateEdited();
+}
+
+void Recordset::cancelUpdate()
+{
+    m_writing = Writing::No;
+    m_changes.clear();
+}
+
+Result Recordset::updateAdded()
+{
+    if (!m_insert) {
+        failed(m_connection.lastError().number);
+        return m_error;
+    }
+    const std::span<const Field> fields = info(m_table).fields;
+    const IndexInfo& primary = info(primaryKeyOf(m_table));
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        Slot& slot = m_slots[i];
+        if (slot.set || slot.empty)
+            continue;
+        slot.empty = true;
+        slot.text = QString();
+        if (primary.form == IndexForm::RowKey && primary.fields[0] == fields[i])
+            sqlite3_bind_null(m_insert.get(), int(i) + 1); // the engine gives the next number
+        else
+            bindEmpty(m_insert.get(), int(i) + 1, info(fields[i]).type);
+    }
+    const int code = sqlite3_step(m_insert.get());
+    if (code == SQLITE_DONE)
+        m_lastKey = sqlite3_last_insert_rowid(m_connection.handle());
+    else
+        failed(code);
+    sqlite3_reset(m_insert.get());
+    return m_error;
+}
+
+Result Recordset::updateEdited()
+{
+    if (m_changes.isEmpty())
+        return {};
+    QByteArray sql = "UPDATE " + schema::quoted(m_table) + " SET ";
+    for (qsizetype i = 0; i < m_changes.size(); ++i) {
+        sql += (i > 0 ? ", " : "") + schema::quoted(m_changes[i].first) + " = ?" +
+               QByteArray::number(i + 2);
+    }
+    const Statement change = m_connection.statement(sql + " WHERE rowid = ?1");
+    if (change) {
+        bindValue(change.get(), 1, FieldValue(rowNumber()));
+        int number = 1;
+        for (const auto& [field, value] : std::as_const(m_changes))
+            bindValue(change.get(), ++number, value);
+    }
+    m_changes.clear();
+    return run(change);
+}
+
+qint64 Recordset::rowNumber() const
+{
+    return sqlite3_column_int64(m_walk.get(), 0);
+}
+
+Result Recordset::run(const Statement& statement)
+{
+    m_error = {};
+    const int code = statement ? sqlite3_step(statement.get()) : m_connection.lastError().number;
+    if (code != SQLITE_DONE) {
+        const bool present = m_present;
+        failed(code);
+        m_present = present;
+    }
+    return m_error;
+}
+
+Result Recordset::deleteRow()
+{
+    Q_ASSERT(m_writing == Writing::No && m_present);
+    const Statement deletion =
+        m_connection.statement("DELETE FROM " + schema::quoted(m_table) + " WHERE rowid = ?1");
+    if (deletion)
+        bindValue(deletion.get(), 1, FieldValue(rowNumber()));
+    return run(deletion);
+}
+
+// --- many rows at once ---
+
+qint64 Recordset::count()
+{
+    return counted("SELECT count(*) FROM " + schema::quoted(m_table), {});
+}
+
+qint64 Recordset::countMatching(std::initializer_list<FieldValue> keys)
+{
+    return counted("SELECT count(*) FROM " + schema::quoted(m_table) + " WHERE " +
+                       schema::equalTo(m_index, keys.size()),
+                   keys);
+}
+
+qint64 Recordset::counted(const QByteArray& sql, std::initializer_list<FieldValue> keys)
+{
+    const Statement counting = m_connection.statement(sql);
+    if (!counting) {
+        failed(m_connection.lastError().number);
+        return 0;
+    }
+    int number = 0;
+    for (const FieldValue& key : keys)
+        bindValue(counting.get(), ++number, key);
+    const int code = sqlite3_step(counting.get());
+    if (code == SQLITE_ROW)
+        return sqlite3_column_int64(counting.get(), 0);
+    failed(code);
+    return 0;
+}
+
+Result Recordset::deleteAll(const QByteArray& condition, std::initializer_list<FieldValue> keys)
+{
+    m_walk = {};
+    m_present = false;
+    const Statement deletion =
+        m_connection.statement("DELETE FROM " + schema::quoted(m_table) + " WHERE " + condition);
+    int number = 0;
+    if (deletion) {
+        for (const FieldValue& key : keys)
+            bindValue(deletion.get(), ++number, key);
+    }
+    return run(deletion);
+}
+
+Result Recordset::deleteAllMatching(std::initializer_list<FieldValue> keys)
+{
+    return deleteAll(schema::equalTo(m_index, keys.size()), keys);
+}
+
+Result Recordset::deleteAllBelonging(Index index, std::initializer_list<FieldValue> keys)
+{
+    return deleteAll(belonging(index, keys.size()), keys);
+}
+
+} // namespace vt

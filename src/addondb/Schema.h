@@ -1,0 +1,39 @@
+// SQL made from the lists of Tables.h: creation of the tables, and the conditions and orders of an
+// index. With Connection.cpp and Recordset.cpp the only place of SQL text.
+#pragma once
+
+#include "addondb/Tables.h"
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+#include <cstddef>
+
+namespace vt::schema {
+
+/// "VTDB" in the file's header, by which it is recognised.
+inline constexpr int applicationId = 0x56544442;
+/// Version of the structure in the file's header.
+inline constexpr int structureVersion = 1;
+/// Measured: the fastest for large installations (docs/decisions/0003-place-indexes.md).
+inline constexpr int pageSize = 16384;
+
+/// Every statement that makes an empty database, in order.
+[[nodiscard]] QByteArrayList creation();
+[[nodiscard]] QByteArray createTable(Table table);
+/// Empty for an index that needs nothing of its own (a row key, or one that shares another's).
+[[nodiscard]] QByteArray createIndex(Index index);
+
+/// "rowid" and all fields, comma-separated, in the order of the table.
+[[nodiscard]] QByteArray columns(Table table);
+/// Rows whose first \a keys fields of the index equal ?1, ?2, ...
+[[nodiscard]] QByteArray equalTo(Index index, std::size_t keys);
+/// Rows at or after ?1, ?2, ...; not for the indexes by hash.
+[[nodiscard]] QByteArray atOrAfter(Index index, std::size_t keys);
+/// The order of the index, rows that are equal by their number. \a direction: "" or " DESC".
+[[nodiscard]] QByteArray order(Index index, const char* direction);
+/// The field's name in quotes.
+[[nodiscard]] QByteArray quoted(Field field);
+[[nodiscard]] QByteArray quoted(Table table);
+
+} // namespace vt::schema

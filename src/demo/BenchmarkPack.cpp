@@ -79,7 +79,7 @@ QByteArray benchmarkBytes(qint64 size, quint64 seed)
     static const std::array<char, 256> table = letters();
     constexpr qsizetype window = 8192;
     // A small file has less to repeat from and its own code tables, so it repeats more often.
-    const quint64 repeatOneOf = size < 8192 ? 3 : 6;
+    const quint64 repeatOneOf = size < 8192 ? 4 : 6;
     QByteArray out(size, Qt::Uninitialized);
     char* data = out.data();
     for (qsizetype at = 0; at < size;) {

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <filesystem>
 #include <xxhash.h>
 
 using namespace Qt::StringLiterals;
@@ -28,7 +29,11 @@ TreeEntry entryOf(const QFileInfo& info)
 {
     TreeEntry entry;
     if (info.isSymLink()) {
-        entry.hash = "link:" + info.symLinkTarget().toUtf8();
+        // As it stands in the link: Qt would make it absolute.
+        std::error_code error;
+        const auto target =
+            std::filesystem::read_symlink(info.filePath().toStdString(), error).string();
+        entry.hash = "link:" + QByteArray::fromStdString(target);
         return entry;
     }
     entry.readOnly = !info.permission(QFile::WriteOwner);

@@ -6,7 +6,10 @@ using namespace Qt::StringLiterals;
 
 namespace vt {
 
-CZIP::CZIP(Services& services) : m_services(services), m_scratch(std::make_shared<ZipScratch>()) {}
+CZIP::CZIP(Services& services)
+    : m_services(services), m_unsynced(services.gate, DirectActions::Sync::None),
+      m_scratch(std::make_shared<ZipScratch>())
+{}
 
 CZIP::~CZIP() = default;
 

@@ -4,7 +4,7 @@
 
 #include "archive/CZIPFile.h"
 #include "archive/EntryRef.h"
-#include "platform/FileActions.h"
+#include "platform/DirectActions.h"
 #include "platform/Result.h"
 #include "platform/Services.h"
 
@@ -23,7 +23,8 @@ struct ZipScratch;
 class CZIP
 {
 public:
-    /// \a services must outlive this. Extraction writes through \a services.actions.
+    /// \a services must outlive this. Extract() writes below the gate's roots, without syncing each
+    /// file: what an archive holds can be extracted again.
     explicit CZIP(Services& services);
     ~CZIP();
     CZIP(const CZIP&) = delete;
@@ -57,7 +58,7 @@ public:
     /// go on; what was extracted stays on disk.
     bool Extract();
     /// One entry to \a target (a full path; the name may differ from the entry's), through
-    /// \a actions or, when null, the direct ones. On failure the old target stands untouched.
+    /// \a actions or, when null, at once. On failure the old target stands untouched.
     bool Entry_Extract(const EntryRef& ref, const QString& target, FileActions* actions = nullptr);
     /// Shows the last result text.
     void Error_Show();
@@ -109,6 +110,7 @@ private:
     place(const EntryRef& ref, const QString& target, FileActions& actions, bool& unreadable);
 
     Services& m_services;
+    DirectActions m_unsynced;
     std::shared_ptr<ZipScratch> m_scratch;
     Result m_result;
     QStringList m_remarks;

@@ -201,7 +201,7 @@ Result CZIP::extractOne(const Wanted& wanted, Tally& tally)
         return Result::failure(cannot + u" from '"_s + sZIPFile + u"'. "_s + safe.text);
     const QString target = winpath::join(winpath::asFolder(sExtract_Folder), wanted.name);
     if (item.kind == EntryKind::Folder) {
-        Result made = m_services.actions.makeFolder(target + u'\\');
+        Result made = m_unsynced.makeFolder(target + u'\\');
         return made ? made : Result::failure(cannot + u". "_s + made.text);
     }
     if (boolExtract_ConfirmOverwrite && m_services.files.exists(target)) {
@@ -216,7 +216,7 @@ Result CZIP::extractOne(const Wanted& wanted, Tally& tally)
             return Result::success();
     }
     bool unreadable = false;
-    if (Result placed = place(wanted.ref, target, m_services.actions, unreadable); !placed)
+    if (Result placed = place(wanted.ref, target, m_unsynced, unreadable); !placed)
         return Result::failure(cannot + u". "_s + placed.text, placed.kind);
     ++tally.files;
     return Result::success();
@@ -247,7 +247,8 @@ bool CZIP::Entry_Extract(const EntryRef& ref, const QString& target, FileActions
         return finish(Result::failure(u"Nothing specified for extraction."_s));
     status(u"Extracting '"_s + item->sFilename + u"'..."_s);
     bool unreadable = false;
-    const Result placed = place(ref, target, actions ? *actions : m_services.actions, unreadable);
+    const Result placed =
+        place(ref, target, actions ? *actions : static_cast<FileActions&>(m_unsynced), unreadable);
     if (placed) {
         m_count = 1;
         return finish(Result::success(u"File was extracted."_s));

@@ -234,8 +234,8 @@ CZIP::unpackInner(const EntryRef& ref, CZIPFile& inner, Budget& budget, bool& da
     if (!folder)
         return folder.error();
     inner.sFolder = *folder;
-    if (Result placed = place(ref, inner.fullName(), m_services.actions, damaged); !placed) {
-        (void)m_services.actions.removeEmptyFolder(*folder);
+    if (Result placed = place(ref, inner.fullName(), m_unsynced, damaged); !placed) {
+        (void)m_unsynced.removeEmptyFolder(*folder);
         return placed;
     }
     return openFileSource(m_services.files, inner.fullName());

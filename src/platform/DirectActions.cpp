@@ -71,7 +71,7 @@ ResultOf<Fingerprint> DirectActions::place(const QString& path, const Content& c
         hostfile::create(folder.get(),
                          temporary,
                          content,
-                         true,
+                         m_sync == Sync::Each,
                          exists && S_ISREG(st.st_mode) ? st.st_mode & 07777 : 0644);
     if (!print)
         return Result::failure(u"'"_s + path + u"' could not be written. "_s + print.text,
@@ -82,7 +82,8 @@ ResultOf<Fingerprint> DirectActions::place(const QString& path, const Content& c
         unlinkat(folder.get(), temporary.constData(), 0);
         return refused(path, u"written"_s, error);
     }
-    fsync(folder.get());
+    if (m_sync == Sync::Each)
+        fsync(folder.get());
     m_gate.files().noteChanged(path);
     return print;
 }

@@ -11,8 +11,14 @@ namespace vt {
 class DirectActions final : public FileActions
 {
 public:
+    enum class Sync
+    {
+        Each, ///< a file that was written survives a power cut
+        None, ///< for what can be written again: temporary files, plain extraction of an archive
+    };
+
     /// \a gate must outlive this.
-    explicit DirectActions(Gate& gate) : m_gate(gate) {}
+    explicit DirectActions(Gate& gate, Sync sync = Sync::Each) : m_gate(gate), m_sync(sync) {}
 
     [[nodiscard]] ResultOf<QByteArray> read(const QString& path, qint64 limit) override;
     [[nodiscard]] std::optional<FileInfo> info(const QString& path) override;
@@ -26,6 +32,7 @@ public:
 
 private:
     Gate& m_gate;
+    Sync m_sync;
     quint64 m_counter = 0;
 };
 

@@ -31,6 +31,11 @@ constexpr int singleBytePages[] = {1250, 1251, 1253, 1254, 1255, 1256, 1257, 125
                                    861,  862,  863,  864,  865,  866,  869,  874};
 constexpr int doubleBytePages[] = {932, 936, 949, 950};
 
+bool isEscape(char16_t character)
+{
+    return (character & 0xff00) == escapeBase;
+}
+
 bool isAscii(QByteArrayView bytes)
 {
     const char* at = bytes.data();
@@ -81,7 +86,7 @@ bool AnsiCodec::build(int codePage)
         const QString text = decoder(one);
         QStringEncoder encoder(name.constData());
         const bool usable = text.size() == 1 && text[0] != QChar::ReplacementCharacter &&
-                            text[0].unicode() < escapeBase && QByteArray(encoder(text)) == one;
+                            !isEscape(text[0].unicode()) && QByteArray(encoder(text)) == one;
         m_single[size_t(byte)] = usable ? text[0].unicode() : noCharacter;
     }
     if (doubled)
@@ -122,8 +127,8 @@ void AnsiCodec::buildPairs(const char* name)
             continue;
         const char16_t character = characters[i][0].unicode();
         const quint16 bytes = quint16(quint8(pair[0]) << 8 | quint8(pair[1]));
-        const bool free = character < escapeBase || character > escapeBase + 0xff;
-        if (!free || character == QChar::ReplacementCharacter || m_bytes[character] != noBytes)
+        if (isEscape(character) || character == QChar::ReplacementCharacter ||
+            m_bytes[character] != noBytes)
             continue;
         m_pairs[bytes] = character;
         m_bytes[character] = bytes;

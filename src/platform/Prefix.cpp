@@ -58,9 +58,10 @@ QStringList furtherLibraries(const QString& steamRoot)
                                              QRegularExpression::MultilineOption |
                                                  QRegularExpression::CaseInsensitiveOption);
     QStringList out;
+    static const QRegularExpression escape(u"\\\\(.)"_s);
     auto matches = pathLine.globalMatch(QString::fromUtf8(file.readAll()));
     while (matches.hasNext())
-        out += matches.next().captured(1).replace(u"\\\\"_s, u"\\"_s);
+        out += matches.next().captured(1).replace(escape, u"\\1"_s);
     return out;
 }
 

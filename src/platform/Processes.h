@@ -21,13 +21,13 @@ namespace vt {
 /// One program to be started.
 struct ProcessCall
 {
-    QString program;       ///< Windows text of the file
-    QStringList arguments; ///< handed over as they are
+    QString program = {};       ///< Windows text of the file
+    QStringList arguments = {}; ///< handed over as they are
     /// More arguments as one Windows command line, split by its quoting rules.
-    QString commandLine;
-    QString workingFolder;              ///< Windows text; empty: the program's own folder
-    QMap<QString, QString> environment; ///< additions and replacements
-    int timeoutMs = -1;                 ///< -1: none
+    QString commandLine = {};
+    QString workingFolder = {};              ///< Windows text; empty: the program's own folder
+    QMap<QString, QString> environment = {}; ///< additions and replacements
+    int timeoutMs = -1;                      ///< -1: none
     /// Called about ten times a second while waiting; false ends the process as cancelled.
     std::function<bool()> keepWaiting = {};
 };

@@ -71,7 +71,8 @@ QString normalised(QStringView path)
         if (part == u"..") {
             QStringView sofar = QStringView(out).sliced(rootSize);
             const QStringView last =
-                sofar.isEmpty() ? sofar : sofar.chopped(1).sliced(sofar.chopped(1).lastIndexOf(u'\\') + 1);
+                sofar.isEmpty() ? sofar
+                                : sofar.chopped(1).sliced(sofar.chopped(1).lastIndexOf(u'\\') + 1);
             if (!last.isEmpty() && last != u"..") {
                 out.chop(last.size() + 1);
                 continue;
@@ -184,7 +185,8 @@ bool same(QStringView a, QStringView b)
 Result checkComponent(QStringView component)
 {
     const auto refuse = [&](const QString& why) {
-        return Result::failure(u"The name '"_s + component.toString() + u"' cannot be used: "_s + why);
+        return Result::failure(u"The name '"_s + component.toString() + u"' cannot be used: "_s +
+                               why);
     };
     if (component.isEmpty())
         return refuse(u"it is empty."_s);
@@ -238,11 +240,13 @@ QString safeName(QStringView text)
         out += c;
     }
     out = out.trimmed();
-    while (out.endsWith(u'.') || out.endsWith(u' '))
-        out.chop(1);
     if (isDeviceName(out))
-        out += u'_';
-    return out.left(120).trimmed();
+        out.prepend(u'_');
+    out.truncate(120);
+    while (!out.isEmpty() &&
+           (out.back() == u'.' || out.back() == u' ' || out.back().isHighSurrogate()))
+        out.chop(1);
+    return out;
 }
 
 } // namespace vt::winpath

@@ -1,0 +1,251 @@
+#include "addondb/Closing.h"
+
+#include "addondb/AddonDatabase.h"
+#include "platform/WinPath.h"
+
+#include <QDataStream>
+#include <QIODevice>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+constexpr quint8 closingFormat = 1;
+
+QDataStream& operator<<(QDataStream& out, const Place& place)
+{
+    return out << quint8(place.root) << place.relative;
+}
+
+QDataStream& operator>>(QDataStream& in, Place& place)
+{
+    quint8 root = 0;
+    in >> root >> place.relative;
+    place.root = RootId(root);
+    return in;
+}
+
+QDataStream& operator<<(QDataStream& out, const OriginalRecord& r)
+{
+    return out << r.detailKey << r.masterKey << r.keptFile << r.size << r.hash;
+}
+
+QDataStream& operator>>(QDataStream& in, OriginalRecord& r)
+{
+    return in >> r.detailKey >> r.masterKey >> r.keptFile >> r.size >> r.hash;
+}
+
+QDataStream& operator<<(QDataStream& out, const ConfigBaseRecord& r)
+{
+    return out << r.file << r.keptFile << r.lastWrittenSize << r.lastWrittenHash << r.edits;
+}
+
+QDataStream& operator>>(QDataStream& in, ConfigBaseRecord& r)
+{
+    return in >> r.file >> r.keptFile >> r.lastWrittenSize >> r.lastWrittenHash >> r.edits;
+}
+
+bool unpack(const QByteArray& bytes, InstallationClosing& closing)
+{
+    QDataStream in(bytes);
+    in.setVersion(QDataStream::Qt_6_4);
+    quint8 format = 0;
+    in >> format >> closing.masterKey;
+    return format == closingFormat && in.status() == QDataStream::Ok;
+}
+
+bool unpack(const QByteArray& bytes, RemovalClosing& closing)
+{
+    QDataStream in(bytes);
+    in.setVersion(QDataStream::Qt_6_4);
+    quint8 format = 0;
+    in >> format >> closing.masterKey >> closing.dateInstalled >> closing.dateUninstalled >>
+        closing.whole >> closing.detailKeys >> closing.passedOn >> closing.originalsGone >>
+        closing.foldersGone >> closing.configBases >> closing.configBasesGone >> closing.failed >>
+        closing.sceneryAreasKept;
+    return format == closingFormat && in.status() == QDataStream::Ok;
+}
+
+/// The detail rows of an add-on whose files lie at, or below, one of the places.
+ResultOf<QList<DetailRecord>>
+detailsAt(Connection& database, const Gate& gate, qint64 masterKey, const QList<Place>& places)
+{
+    QList<DetailRecord> found;
+    const ResultOf<QList<DetailRecord>> all = modDatabase_Addon::detailsOf(database, masterKey);
+    if (!all)
+        return all.error();
+    for (const DetailRecord& detail : *all) {
+        const QString path = detail.location + detail.name;
+        for (const Place& place : places) {
+            if (winpath::isBelow(path, gate.path(place))) {
+                found.push_back(detail);
+                break;
+            }
+        }
+    }
+    return found;
+}
+
+Result closeInstallation(Connection& database,
+                         const Gate& gate,
+                         const InstallationClosing& closing,
+                         const QList<Place>& failed)
+{
+    if (failed.isEmpty())
+        return Result::success();
+    const ResultOf<QList<DetailRecord>> rows = detailsAt(database, gate, closing.masterKey, failed);
+    if (!rows)
+        return rows.error();
+    for (const DetailRecord& row : *rows) {
+        if (Result gone = modDatabase_Addon::deleteOriginal(database, row.key); !gone)
+            return gone;
+        if (Result gone = modDatabase_Addon::deleteDetail(database, row.key); !gone)
+            return gone;
+    }
+    return Result::success();
+}
+
+/// Rows of one file each, for a part of an add-on or one that could not go whole.
+Result deleteRows(Connection& database, const QList<qint64>& detailKeys)
+{
+    for (const qint64 key : detailKeys) {
+        if (Result gone = modDatabase_Addon::deleteOriginal(database, key); !gone)
+            return gone;
+        if (Result gone = modDatabase_Addon::deleteDetail(database, key); !gone)
+            return gone;
+    }
+    return Result::success();
+}
+
+Result deleteWholeAddon(Connection& database, const RemovalClosing& closing)
+{
+    using namespace modDatabase_Addon;
+    const qint64 key = closing.masterKey;
+    for (auto* remove : {&deleteOriginalsOf,
+                         &deleteDetailsOf,
+                         &deleteSceneryAreasOf,
+                         &deletePicturesOf,
+                         &deleteDescription}) {
+        if (Result gone = remove(database, key); !gone)
+            return gone;
+    }
+    if (Result told =
+            setDateUninstalled(database, key, closing.dateInstalled, closing.dateUninstalled);
+        !told)
+        return told;
+    return deleteMaster(database, key);
+}
+
+Result closeRemoval(Connection& database,
+                    const Gate& gate,
+                    const RemovalClosing& closing,
+                    const QList<Place>& failedSteps)
+{
+    using namespace modDatabase_Addon;
+    const QList<Place> failed = closing.failed + failedSteps;
+    for (const OriginalRecord& original : closing.passedOn) {
+        if (Result passed = setOriginal(database, original); !passed)
+            return passed;
+    }
+    for (const qint64 key : closing.originalsGone) {
+        if (Result gone = deleteOriginal(database, key); !gone)
+            return gone;
+    }
+    if (closing.whole && failed.isEmpty() && closing.sceneryAreasKept.isEmpty()) {
+        if (Result gone = deleteWholeAddon(database, closing); !gone)
+            return gone;
+    } else {
+        const ResultOf<QList<DetailRecord>> stay =
+            detailsAt(database, gate, closing.masterKey, failed);
+        if (!stay)
+            return stay.error();
+        QSet<qint64> staying;
+        for (const DetailRecord& row : *stay)
+            staying.insert(row.key);
+        QList<qint64> going = closing.detailKeys;
+        if (closing.whole) {
+            const ResultOf<QList<DetailRecord>> all = detailsOf(database, closing.masterKey);
+            if (!all)
+                return all.error();
+            going.clear();
+            for (const DetailRecord& row : *all)
+                going.push_back(row.key);
+        }
+        going.removeIf([&](qint64 key) { return staying.contains(key); });
+        if (Result gone = deleteRows(database, going); !gone)
+            return gone;
+        const ResultOf<QList<SceneryAreaRecord>> areas =
+            sceneryAreasOf(database, closing.masterKey);
+        if (!areas)
+            return areas.error();
+        for (const SceneryAreaRecord& area : *areas) {
+            const bool goes = closing.whole || closing.detailKeys.contains(area.detailKey);
+            if (!goes || closing.sceneryAreasKept.contains(area.detailKey))
+                continue;
+            if (Result gone = deleteSceneryArea(database, area); !gone)
+                return gone;
+        }
+    }
+    for (const ConfigBaseRecord& base : closing.configBases) {
+        if (Result written = setConfigBase(database, base); !written)
+            return written;
+    }
+    for (const Place& file : closing.configBasesGone) {
+        if (Result gone = deleteConfigBase(database, file); !gone)
+            return gone;
+    }
+    return deleteFolders(database, closing.foldersGone);
+}
+
+} // namespace
+
+QByteArray packClosing(const InstallationClosing& closing)
+{
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out.setVersion(QDataStream::Qt_6_4);
+    out << closingFormat << closing.masterKey;
+    return bytes;
+}
+
+QByteArray packClosing(const RemovalClosing& closing)
+{
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out.setVersion(QDataStream::Qt_6_4);
+    out << closingFormat << closing.masterKey << closing.dateInstalled << closing.dateUninstalled
+        << closing.whole << closing.detailKeys << closing.passedOn << closing.originalsGone
+        << closing.foldersGone << closing.configBases << closing.configBasesGone << closing.failed
+        << closing.sceneryAreasKept;
+    return bytes;
+}
+
+Result carryOutClosing(Connection& database,
+                       const Gate& gate,
+                       OperationKind kind,
+                       const QByteArray& closing,
+                       const QList<Place>& failed)
+{
+    const auto damaged = [] {
+        return Result::failure(u"The records of an unfinished operation are damaged."_s);
+    };
+    switch (kind) {
+    case OperationKind::Installation: {
+        InstallationClosing installation;
+        return unpack(closing, installation)
+                   ? closeInstallation(database, gate, installation, failed)
+                   : damaged();
+    }
+    case OperationKind::Removal: {
+        RemovalClosing removal;
+        return unpack(closing, removal) ? closeRemoval(database, gate, removal, failed) : damaged();
+    }
+    case OperationKind::Configuration:
+        break;
+    }
+    return Result::success();
+}
+
+} // namespace vt

@@ -1,0 +1,205 @@
+#include "addondb/Originals.h"
+
+#include "addondb/AddonDatabase.h"
+#include "addondb/Recordset.h"
+#include "platform/Hash.h"
+#include "platform/WinPath.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt::originals {
+
+namespace {
+
+Fingerprint printOf(const std::optional<FileInfo>& info)
+{
+    Fingerprint print;
+    if (info) {
+        print.size = info->size;
+        print.modifiedNs = info->modifiedNs;
+    }
+    return print;
+}
+
+/// The user's changed version goes to the set-aside folder, where it stays.
+ResultOf<QString> setAside(const ReleaseContext& context, const QString& from, const QString& path)
+{
+    if (Result announced = context.announceSetAside(); !announced)
+        return announced;
+    const ResultOf<Place> place = context.gate.place(path);
+    if (!place)
+        return place.error();
+    QString to = winpath::join(context.setAsideFolder, place->relative);
+    for (int n = 2; context.gate.files().exists(to); ++n)
+        to = winpath::join(context.setAsideFolder, place->relative + u'.' + QString::number(n));
+    if (Result kept = context.actions.keep(from, to); !kept)
+        return kept;
+    return to;
+}
+
+/// Another row lies above this one: the place stays, the stack closes over the gap.
+ResultOf<Release> releaseBelow(const ReleaseContext& context,
+                               const QString& path,
+                               const Fingerprint& check,
+                               const std::optional<OriginalRecord>& original,
+                               const DetailRecord& above)
+{
+    Release out;
+    out.fate = Fate::Stays;
+    out.shared = true;
+    const auto kept = modDatabase_Addon::originalOf(context.database, above.key);
+    if (kept && !kept->keptFile.isEmpty()) {
+        // What the row above keeps is this add-on's version: nobody needs it any more.
+        const QString keptPath = context.global.originalsFolder + kept->keptFile;
+        if (const auto info = context.gate.files().info(keptPath)) {
+            if (!check.xxh3.isEmpty() && kept->hash != check.xxh3) {
+                const ResultOf<QString> aside = setAside(context, keptPath, path);
+                if (!aside)
+                    return aside.error();
+                out.setAside = *aside;
+            }
+            if (Result gone = context.actions.removeKnown(keptPath, printOf(info)); !gone)
+                return gone;
+            out.keptGone = keptPath;
+        }
+    }
+    if (original) {
+        out.passedOn = *original;
+        out.passedOn.detailKey = above.key;
+        out.passedOn.masterKey = above.masterKey;
+    } else if (kept) {
+        out.aboveForgets = above.key;
+    }
+    return out;
+}
+
+} // namespace
+
+QString keptFolder(qint64 masterKey)
+{
+    return u"Replaced\\"_s + QString::number(masterKey) + u'\\';
+}
+
+QString keptName(const Gate& gate, qint64 masterKey, const QString& path)
+{
+    const ResultOf<Place> place = gate.place(path);
+    if (!place)
+        return {};
+    QString relative = place->relative;
+    if (place->root != RootId::Simulator)
+        relative.prepend(u'~' + QString::number(int(place->root)) + u'\\');
+    return keptFolder(masterKey) + relative;
+}
+
+ResultOf<Sharers>
+Sharers::load(Connection& database, qint64 masterKey, const QList<DetailRecord>& details)
+{
+    Sharers out;
+    const ResultOf<QList<AddonRecord>> addons = modDatabase_Addon::addons(database);
+    if (!addons)
+        return addons.error();
+    QSet<qint64> standing;
+    for (const AddonRecord& addon : *addons) {
+        const bool stands = addon.status == InstallationStatus::Installed ||
+                            addon.status == InstallationStatus::Imported;
+        if (stands && addon.key != masterKey)
+            standing.insert(addon.key);
+    }
+    if (standing.isEmpty())
+        return out;
+
+    QSet<NoCase> seen;
+    Recordset rows(database, Table::Addon_Details);
+    rows.setIndex(Index::Addon_Details_Installed_To);
+    for (const DetailRecord& detail : details) {
+        if (seen.contains(NoCase{detail.location}))
+            continue;
+        seen.insert(NoCase{detail.location});
+        for (bool any = rows.seek({detail.location}); any; any = rows.moveNext()) {
+            const qint64 owner = rows.number(Field::Addon_Master_Key);
+            if (!standing.contains(owner))
+                continue;
+            DetailRecord row;
+            row.key = rows.number(Field::Addon_Details_Key);
+            row.masterKey = owner;
+            row.location = rows.text(Field::Installed_To_Location);
+            row.name = rows.text(Field::Installed_To_FileName);
+            out.m_byPath[NoCase{row.location + row.name}].push_back(row);
+        }
+        if (!rows.error().ok)
+            return rows.error();
+    }
+    for (QList<DetailRecord>& list : out.m_byPath)
+        std::sort(list.begin(), list.end(), [](const DetailRecord& a, const DetailRecord& b) {
+            return a.key < b.key;
+        });
+    return out;
+}
+
+QList<DetailRecord> Sharers::at(const QString& path) const
+{
+    return m_byPath.isEmpty() ? QList<DetailRecord>() : m_byPath.value(NoCase{path});
+}
+
+bool isRecorded(const Files& files,
+                const QString& path,
+                const FileInfo& now,
+                const Fingerprint& check)
+{
+    if (check.size < 0)
+        return true; // nothing was recorded: whatever lies there counts as it
+    if (now.size != check.size)
+        return false;
+    if (now.modifiedNs == check.modifiedNs)
+        return true;
+    const ResultOf<Fingerprint> print = fingerprint(files, path);
+    return print && print->xxh3 == check.xxh3;
+}
+
+ResultOf<Release> release(const ReleaseContext& context,
+                          const DetailRecord& detail,
+                          const Fingerprint& check,
+                          const std::optional<OriginalRecord>& original,
+                          const QList<DetailRecord>& sharers,
+                          const std::optional<FileInfo>& now)
+{
+    const QString path = detail.location + detail.name;
+    for (const DetailRecord& other : sharers) {
+        if (other.key > detail.key)
+            return releaseBelow(context, path, check, original, other);
+    }
+
+    Release out;
+    out.shared = !sharers.isEmpty();
+    const bool restores = original && !original->keptFile.isEmpty();
+    if (out.shared && !restores) {
+        out.fate = Fate::Stays;
+        return out;
+    }
+    const QString keptPath =
+        restores ? context.global.originalsFolder + original->keptFile : QString();
+    if (restores && !context.gate.files().exists(keptPath))
+        return Result::failure(u"The file that it had replaced is no longer in '"_s + keptPath +
+                               u"', so it was left in place."_s);
+    if (now && !isRecorded(context.gate.files(), path, *now, check)) {
+        const ResultOf<QString> aside = setAside(context, path, path);
+        if (!aside)
+            return aside.error();
+        out.setAside = *aside;
+    }
+    if (restores) {
+        out.fate = Fate::Restored;
+        out.keptGone = keptPath;
+        if (Result moved = context.actions.move(keptPath, path, printOf(now)); !moved)
+            return moved;
+        return out;
+    }
+    out.fate = Fate::Deleted;
+    if (now) {
+        if (Result gone = context.actions.removeKnown(path, printOf(now)); !gone)
+            return gone;
+    }
+    return out;
+}
+
+} // namespace vt::originals

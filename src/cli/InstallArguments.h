@@ -1,0 +1,18 @@
+// The options that `plan` and `install` share, from the command line to InstallOptions: what plan
+// says is what install does.
+#pragma once
+
+#include "cli/Command.h"
+#include "install/InstallOptions.h"
+#include "platform/Result.h"
+
+namespace vt::cli {
+
+/// The options of both commands, for their tables.
+[[nodiscard]] std::vector<Option> installOptionTable();
+
+/// Wrong values are kind Usage. Folders that are named become roots of this call when \a writes.
+[[nodiscard]] ResultOf<InstallOptions>
+installOptionsOf(World& world, const Arguments& arguments, bool writes);
+
+} // namespace vt::cli

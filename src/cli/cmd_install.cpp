@@ -1,0 +1,74 @@
+// install: the whole installation of one source.
+#include "addondb/AddonRecords.h"
+#include "addondb/Connection.h"
+#include "cli/InstallArguments.h"
+#include "install/CAddonInstaller.h"
+#include "platform/Gate.h"
+#include "platform/WinPath.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt::cli {
+
+namespace {
+
+void tellInstallation(World& world, const CAddonInstaller& installer, bool recorded)
+{
+    JsonStream& out = world.out();
+    out.beginObject();
+    out.field(u"key", recorded ? installer.masterKey() : qint64(0));
+    out.field(u"name", installer.record().name);
+    out.field(u"status", recorded ? statusWord(installer.record().status) : u"not installed"_s);
+    out.key(u"results");
+    installer.results().write(out);
+    if (recorded)
+        world.say(u"'"_s + installer.record().name + u"' was installed under the key "_s +
+                  QString::number(installer.masterKey()) + u'.');
+    world.say(installer.results());
+}
+
+int runInstall(World& world, const Arguments& arguments)
+{
+    if (Result ready = world.needSimulator(); !ready)
+        return world.fail(ready);
+    const ResultOf<InstallOptions> options = installOptionsOf(world, arguments, true);
+    if (!options)
+        return world.fail(options.error());
+    const QString source = world.userPath(arguments.one(u"SOURCE"_s));
+    if (Result ready = world.needWriting(); !ready)
+        return world.fail(ready);
+    if (Result ready = world.needDatabase(); !ready)
+        return world.fail(ready);
+    if (options->deleteSource || !options->archiveSourceFolder.isEmpty()) {
+        const bool folder = world.services().files.isFolder(source);
+        world.services().gate.setRoot(RootId::Chosen, folder ? source : winpath::parent(source));
+    }
+    CAddonInstallationDetails details(world.context());
+    if (Result prepared = details.prepare(source, *options); !prepared)
+        return world.fail(prepared);
+    CAddonInstaller installer(world.context(), *world.database(), details);
+    const bool reached = installer.Install_Begin();
+    tellInstallation(world, installer, reached);
+    if (!reached)
+        return world.fail(installer.failure());
+    world.out().endObject();
+    if (installer.wasCancelled())
+        return Declined;
+    const Results& results = installer.results();
+    const bool whole = results.count(resultgroup::notInstalled) == 0 &&
+                       results.count(resultgroup::failedSpecialActions) == 0;
+    return whole ? Done : Partly;
+}
+
+} // namespace
+
+std::vector<Command> installCommands()
+{
+    return {{"install",
+             "install an add-on from an archive or a folder",
+             {{"SOURCE", "archive or folder"}},
+             installOptionTable(),
+             runInstall}};
+}
+
+} // namespace vt::cli

@@ -1,0 +1,241 @@
+// The steps of an installation in their order; what concerns single files is in
+// CAddonInstaller_Files.cpp, what concerns records in CAddonInstaller_Records.cpp.
+#include "install/CAddonInstaller.h"
+
+#include "addondb/AddonDatabase.h"
+#include "addondb/JournalTable.h"
+#include "platform/DiskSpace.h"
+#include "platform/TempFolder.h"
+#include "platform/WinPath.h"
+#include "shell/RunStep.h"
+#include "shell/Settings.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+Prompt confirmArchiveOfSource(const QString& archive, const QString& folder)
+{
+    return yesNo(u"Confirm Archive of Source Zip File"_s,
+                 u"Are you sure you want to move "_s + archive + u" to "_s + folder + u'?',
+                 Button::Yes);
+}
+
+Prompt confirmDeleteOfSource(const QString& source, bool folder)
+{
+    const QString text = folder ? u"Are you sure you want to delete the addon source files?"_s
+                                : QString(u"Are you sure you want to delete "_s + source + u'?');
+    return yesNo(u"Confirm Delete Source Files"_s, text, Button::No);
+}
+
+} // namespace
+
+CAddonInstaller::CAddonInstaller(Context& context,
+                                 Connection& database,
+                                 CAddonInstallationDetails& details)
+    : m_context(context), m_database(database), m_details(details),
+      m_results(Results::forInstallation())
+{}
+
+CAddonInstaller::~CAddonInstaller() = default;
+
+void CAddonInstaller::status(const QString& text)
+{
+    m_context.services.status.text(u"Primary"_s, text);
+}
+
+bool CAddonInstaller::Install_Begin()
+{
+    m_context.global.currentProcedure = u"Public Function Install_Begin"_s;
+    const auto step = [this](const QString& name, Result (CAddonInstaller::*run)()) {
+        return runStep(m_context, name, [&] { return (this->*run)(); });
+    };
+    using I = CAddonInstaller;
+    m_failure = Result::success();
+    for (const auto& [name, run] : std::initializer_list<std::pair<QString, Result (I::*)()>>{
+             {u"Private Function Install_Preliminaries"_s, &I::Install_Preliminaries},
+             {u"Private Function AddonDatabase_Open"_s, &I::AddonDatabase_Open},
+             {u"Private Function AddonMasterTable_OpenTable"_s, &I::AddonMasterTable_OpenTable},
+             {u"Private Function AddonMasterTable_CreateAddonRecord"_s,
+              &I::AddonMasterTable_CreateAddonRecord},
+             {u"Private Sub InstallFiles"_s, &I::InstallFiles}}) {
+        m_failure = step(name, run);
+        if (!m_failure)
+            break;
+    }
+    if (m_failure) {
+        // A failure of these two is told in the results; the files are installed all the same.
+        (void)step(u"Private Sub AddonMasterTable_UpdateRecord"_s,
+                   &I::AddonMasterTable_UpdateRecord);
+        (void)step(u"Private Sub SceneryLibrary_Update"_s, &I::SceneryLibrary_Update);
+        m_failure = step(u"Private Sub Changes_Apply"_s, &I::Changes_Apply);
+    }
+    const bool reached = m_failure.ok;
+    if (reached) {
+        (void)step(u"Private Sub SourceZipFile_Archive"_s, &I::SourceZipFile_Archive);
+        (void)step(u"Private Sub SourceFiles_Delete"_s, &I::SourceFiles_Delete);
+    }
+    Install_End();
+    return reached;
+}
+
+Result CAddonInstaller::Install_Preliminaries()
+{
+    m_replaceAll = false;
+    m_replaceNone = false;
+    m_log.open(m_context.services.gate, m_context.global.programFolder + u"INSTALL.LOG"_s);
+    m_log.line(u"Installing addon ...begin.");
+    status(u"Installing addon..."_s);
+    if (m_details.options().to == InstallTo::Cabinet)
+        return Result::failure(
+            u"The add-on cannot be put into the File Cabinet yet; install it to the simulator."_s);
+    if (Result ready = m_details.installable(); !ready)
+        return ready;
+    const qint64 needed = m_details.bytesNeeded();
+    const qint64 available = m_details.bytesFree();
+    if (available >= 0 && needed > available)
+        return Result::failure(u"'"_s + m_details.addon().sGroupName + u"' needs "_s +
+                                   sizeText(needed) + u", but only "_s + sizeText(available) +
+                                   u" are free on the simulator's disk. Make room and try again."_s,
+                               ErrorKind::Surroundings);
+    return Result::success();
+}
+
+Result CAddonInstaller::AddonDatabase_Open()
+{
+    if (m_database.readOnly())
+        return Result::failure(u"Could not open the addon database."_s, ErrorKind::Surroundings);
+    m_journal = std::make_unique<JournalTable>(m_database, m_context.services.gate);
+    return Result::success();
+}
+
+Result CAddonInstaller::AddonMasterTable_OpenTable()
+{
+    const ResultOf<QList<JournalOperation>> unfinished = m_journal->unfinished();
+    if (!unfinished)
+        return Result::failure(u"Could not open the addon master table."_s,
+                               ErrorKind::Surroundings);
+    m_actions = std::make_unique<FileTransaction>(m_context.services.gate, *m_journal);
+    return Result::success();
+}
+
+Result CAddonInstaller::AddonMasterTable_CreateAddonRecord()
+{
+    const CAddon_ItemGroup& addon = m_details.addon();
+    const ResultOf<qint64> key = modDatabase_Addon::newMasterKey(m_database);
+    if (!key)
+        return Result::failure(u"Could not create a master record for the addon."_s);
+    m_record.key = *key;
+    m_record.name = addon.sGroupName;
+    m_record.description = addon.sGroupDescription;
+    m_record.authors = addon.sAuthors;
+    m_record.rating = addon.lngRating;
+    m_record.status = InstallationStatus::Installed;
+    m_record.dateInstalled = m_context.services.clock.now();
+    m_record.sourceName = addon.sSource_Name;
+    m_record.sourceSize = addon.lngSource_Size;
+    m_record.sourceType = vt::SourceType(addon.lngSource_Type);
+    m_record.sourceTotalFiles = addon.lngSource_Total_Files;
+    return m_actions->begin(OperationKind::Installation, m_record.name);
+}
+
+Result CAddonInstaller::SourceZipFile_Archive()
+{
+    const InstallOptions& options = m_details.options();
+    const QString archive = m_details.source().path();
+    if (options.archiveSourceFolder.isEmpty() || archive.endsWith(u'\\'))
+        return Result::success();
+    status(u"Archiving source files..."_s);
+    Services& services = m_context.services;
+    if (options.confirmSourceHandling && services.prompts.ask(confirmArchiveOfSource(
+                                             archive, options.archiveSourceFolder)) != Button::Yes)
+        return Result::success();
+    if (Result made = services.actions.makeFolder(options.archiveSourceFolder); !made) {
+        m_results.add(resultgroup::failedSpecialActions,
+                      u"Could not create addon zip archive folder."_s);
+        return made;
+    }
+    const QString folder = winpath::asFolder(options.archiveSourceFolder);
+    QString target = folder + winpath::name(archive);
+    for (int n = 2; services.files.exists(target); ++n)
+        target = folder + winpath::baseName(archive) + u' ' + QString::number(n) + u'.' +
+                 winpath::extension(archive);
+    Result moved = services.actions.keep(archive, target);
+    if (moved)
+        moved = services.actions.remove(archive);
+    if (!moved) {
+        m_results.add(resultgroup::failedSpecialActions,
+                      u"Could not move addon zip source file."_s);
+        return moved;
+    }
+    m_results.add(resultgroup::specialActions, u"Source zip file was archived to "_s + folder);
+    return Result::success();
+}
+
+Result CAddonInstaller::SourceFiles_Delete()
+{
+    const InstallOptions& options = m_details.options();
+    if (!options.deleteSource || !options.archiveSourceFolder.isEmpty())
+        return Result::success();
+    status(u"Deleting source files..."_s);
+    Services& services = m_context.services;
+    const QString source = m_details.source().path();
+    const bool folder = source.endsWith(u'\\');
+    // A source that was not installed whole is the only copy of the rest.
+    if (m_results.count(resultgroup::notInstalled) > 0 || m_cancelled) {
+        m_results.add(resultgroup::failedSpecialActions,
+                      source,
+                      u" was NOT deleted because not everything in it was installed."_s);
+        return Result::success();
+    }
+    if (options.confirmSourceHandling &&
+        services.prompts.ask(confirmDeleteOfSource(source, folder)) != Button::Yes)
+        return Result::success();
+    Result deleted = Result::success();
+    if (!folder) {
+        deleted = services.actions.remove(source);
+    } else {
+        QSet<QString> folders;
+        for (const QString& file : services.files.filesBelow(source)) {
+            if (Result gone = services.actions.remove(source + file); !gone)
+                deleted = gone;
+            for (QString up = winpath::parent(source + file); up.size() >= source.size();
+                 up = winpath::parent(up))
+                folders.insert(up);
+        }
+        QStringList deepestFirst(folders.cbegin(), folders.cend());
+        std::sort(deepestFirst.begin(), deepestFirst.end(), [](const QString& a, const QString& b) {
+            return a.size() > b.size();
+        });
+        for (const QString& up : std::as_const(deepestFirst))
+            (void)services.actions.removeEmptyFolder(up);
+    }
+    if (!deleted) {
+        m_results.add(
+            resultgroup::failedSpecialActions, source, u" was NOT deleted: "_s + deleted.text);
+        return deleted;
+    }
+    m_results.add(resultgroup::specialActions,
+                  folder ? u"Source files were deleted."_s : u"Source zip file was deleted."_s);
+    return Result::success();
+}
+
+void CAddonInstaller::Install_End()
+{
+    m_context.global.currentProcedure = u"Private Sub Install_End"_s;
+    status(u"Cleaning up..."_s);
+    m_actions.reset(); // takes back what was staged and not applied
+    const TempFolder temporary(m_context.services.gate, m_context.global.tempFolder);
+    for (const QString& folder : {m_context.global.tempInaFolder, m_context.global.tempIfoFolder}) {
+        if (m_context.services.files.isFolder(folder))
+            (void)temporary.empty(folder); // tried again after the next installation
+    }
+    if (!m_failure)
+        m_log.line(QString(u"   "_s + m_failure.text));
+    m_log.line(u"Installing addon ...end.");
+    m_log.flush();
+}
+
+} // namespace vt

@@ -1,0 +1,154 @@
+// Carries out an installation that was configured before. All questions of all files come first,
+// in the required order; then everything is staged, recorded in one commit and put into place.
+// Until then the simulator's tree is untouched, and a failure before leaves it so.
+#pragma once
+
+#include "addondb/AddonRecords.h"
+#include "addondb/Connection.h"
+#include "install/CAddonInstallationDetails.h"
+#include "install/InstallLog.h"
+#include "platform/FileTransaction.h"
+#include "shell/Context.h"
+#include "shell/Results.h"
+
+#include <QList>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace vt {
+
+/// What became of one file; shown and stored nowhere else.
+enum class InstallCode : qint8
+{
+    Installed = 0,
+    ExistingIsNewer = 1,
+    ClientDeclined = 2,
+    Cancelled = 3, ///< the installation ends before this file
+    NotExtracted = 4,
+    Error = 5,
+};
+
+/// " was installed.", " was NOT installed because ...", as put behind the file's path.
+[[nodiscard]] QString resultPhrase(InstallCode code);
+
+/// Facts of the two files that a replacement question is about.
+struct ReplaceQuestion
+{
+    QString target;
+    bool readOnly = false;
+    qint64 existingSize = 0;
+    QDateTime existingDate;
+    qint64 newSize = 0;
+    QDateTime newDate; ///< invalid when unknown
+};
+
+/// The question of frmYesYesToAllNoNoToAllCancel as a plain prompt.
+[[nodiscard]] Prompt confirmFileReplace(const ReplaceQuestion& question);
+
+class CAddonInstaller
+{
+public:
+    /// All must outlive this; \a database is open for writing, \a details are prepared.
+    CAddonInstaller(Context& context, Connection& database, CAddonInstallationDetails& details);
+    ~CAddonInstaller();
+    CAddonInstaller(const CAddonInstaller&) = delete;
+    CAddonInstaller& operator=(const CAddonInstaller&) = delete;
+
+    /// Runs every step. True when the source's handling (step 12) was reached: the add-on is
+    /// recorded, and results() tells each file. False: nothing was installed, failure() says why.
+    bool Install_Begin();
+
+    [[nodiscard]] const Results& results() const { return m_results; }
+
+    [[nodiscard]] const Result& failure() const { return m_failure; }
+
+    /// The user ended the installation at a question; files before it are installed.
+    [[nodiscard]] bool wasCancelled() const { return m_cancelled; }
+
+    [[nodiscard]] qint64 masterKey() const { return m_record.key; }
+
+    [[nodiscard]] const AddonRecord& record() const { return m_record; }
+
+private:
+    /// One file that is marked for installation.
+    struct File
+    {
+        const CAddon_Item* item = nullptr;
+        InstallCode code = InstallCode::Installed;
+        bool exists = false;
+        Fingerprint before;   ///< what lies at the target
+        Fingerprint after;    ///< what was staged
+        QByteArray decisions; ///< lines for the log
+    };
+
+    /// An area that was staged in the scenery library.
+    struct AddedArea
+    {
+        SceneryAreaToAdd wanted;
+        int area = 0;
+        int layer = 0;
+    };
+
+    // Install_Begin's steps, in order.
+    Result Install_Preliminaries();
+    Result AddonDatabase_Open();
+    Result AddonMasterTable_OpenTable();
+    Result AddonMasterTable_CreateAddonRecord();
+    Result InstallFiles();
+    Result AddonMasterTable_UpdateRecord();
+    Result SceneryLibrary_Update();
+    Result Changes_Apply();
+    Result SourceZipFile_Archive();
+    Result SourceFiles_Delete();
+    void Install_End();
+
+    // Parts of InstallFiles.
+    Result AddonAndCabinetFolders_Create();
+    void decideAll();
+    [[nodiscard]] bool decide(File& file, const FileInfo& existing);
+    [[nodiscard]] InstallCode askReplace(const File& file, const FileInfo& existing, LogLines& log);
+    Result stageAll();
+    void InstallFiles_Initialize(const File& file);
+    Result installOne(File& file);
+    Result InstallSceneryFile(File& file);
+    Result InstallAircraftConfigurationFile(File& file);
+    Result InstallPanelConfigurationFile(File& file);
+    Result InstallSoundConfigurationFile(File& file);
+    Result InstallFileFrontEnd(File& file);
+    Result InstallFile(File& file);
+    Result keepOriginal(File& file, const QString& target);
+    [[nodiscard]] ResultOf<Content> contentOf(const File& file, bool& sourceFailed);
+
+    // Parts of SceneryLibrary_Update and Changes_Apply.
+    Result addAreas(class CSceneryCfgMgr& library);
+    Result record();
+    Result recordFiles();
+    Result recordAreas(const QList<DetailRecord>& details);
+    void applyFailures(const QList<StepFailure>& failures);
+    void tellFiles();
+
+    void status(const QString& text);
+    [[nodiscard]] static QString targetOf(const CAddon_Item& item);
+    [[nodiscard]] QString sourceTextOf(const CAddon_Item& item) const;
+
+    Context& m_context;
+    Connection& m_database;
+    CAddonInstallationDetails& m_details;
+    std::unique_ptr<Journal> m_journal;
+    std::unique_ptr<FileTransaction> m_actions;
+    InstallLog m_log;
+    Results m_results;
+    Result m_failure;
+    AddonRecord m_record;
+    std::vector<File> m_files;
+    QList<OriginalRecord> m_originals; ///< detailKey: index into m_files until recorded
+    QList<AddedArea> m_areas;
+    QList<ConfigBaseRecord> m_configBases;
+    bool m_cancelled = false;
+    bool m_replaceAll = false;
+    bool m_replaceNone = false;
+};
+
+} // namespace vt

@@ -1,0 +1,394 @@
+// What an installation does with single files: decide and ask, keep what is replaced, stage.
+#include "addondb/Originals.h"
+#include "install/CAddonInstaller.h"
+#include "install/ConfigNormalizer.h"
+#include "platform/Hash.h"
+#include "platform/WinPath.h"
+#include "shell/Settings.h"
+
+#include <QLocale>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+/// Largest configuration file that is looked at for line ends and code page.
+constexpr qint64 configLimit = 16 * 1024 * 1024;
+/// Archives keep times in steps of two seconds.
+constexpr qint64 sameDateMs = 2000;
+constexpr qsizetype progressStep = 64;
+
+QString fileFacts(qint64 size, const QDateTime& date)
+{
+    QString text = QLocale::c().toString(size) + u" bytes"_s;
+    if (date.isValid())
+        text += u", "_s + date.toString(u"yyyy-MM-dd HH:mm:ss"_s);
+    return text;
+}
+
+} // namespace
+
+QString resultPhrase(InstallCode code)
+{
+    switch (code) {
+    case InstallCode::Installed:
+        return u" was installed."_s;
+    case InstallCode::ExistingIsNewer:
+        return u" was NOT installed because the existing file was more recent."_s;
+    case InstallCode::ClientDeclined:
+        return u" was NOT installed because the client decided not to install the file."_s;
+    case InstallCode::NotExtracted:
+        return u" was NOT installed because the file could not be extracted from the zip file."_s;
+    case InstallCode::Cancelled:
+    case InstallCode::Error:
+        break;
+    }
+    return u" was NOT installed due to an error."_s;
+}
+
+Prompt confirmFileReplace(const ReplaceQuestion& question)
+{
+    Prompt prompt;
+    prompt.caption = u"Confirm File Replace"_s;
+    prompt.text = question.readOnly ? u"The following read-only file already exists"_s
+                                    : u"The following file already exists"_s;
+    prompt.text += u":\n\n"_s + question.target + u"\n\nExisting file: "_s +
+                   fileFacts(question.existingSize, question.existingDate) + u"\nNew file: "_s +
+                   fileFacts(question.newSize, question.newDate);
+    prompt.icon = Icon::Question;
+    prompt.buttons = {Button::Yes, Button::YesToAll, Button::No, Button::NoToAll, Button::Cancel};
+    // What is replaced is kept and comes back with the removal: Yes loses nothing.
+    prompt.defaultButton = Button::Yes;
+    prompt.buttonTexts = {u"Replace existing file."_s,
+                          u"Replace existing file and all future existing files."_s,
+                          u"Leave the original file intact."_s,
+                          u"Leave the original file intact and all future existing files."_s,
+                          u"Stop the installation; files before this one are installed."_s};
+    return prompt;
+}
+
+QString CAddonInstaller::targetOf(const CAddon_Item& item)
+{
+    return item.sFolder_Installation + item.sName_Installation;
+}
+
+QString CAddonInstaller::sourceTextOf(const CAddon_Item& item) const
+{
+    return item.sFolder_Current + item.sName;
+}
+
+Result CAddonInstaller::InstallFiles()
+{
+    decideAll();
+    if (Result made = AddonAndCabinetFolders_Create(); !made)
+        return made;
+    return stageAll();
+}
+
+Result CAddonInstaller::AddonAndCabinetFolders_Create()
+{
+    const QString storage = m_details.storageFolder();
+    const QString cabinet = m_context.global.cabinetFolder + winpath::name(storage) + u'\\';
+    for (const QString& folder : {storage, cabinet}) {
+        if (folder.isEmpty())
+            continue;
+        if (Result made = m_actions->makeFolder(folder); !made) {
+            m_log.line(QString(u"Error creating:"_s + folder));
+            return made;
+        }
+    }
+    return Result::success();
+}
+
+void CAddonInstaller::decideAll()
+{
+    const Files& files = m_context.services.files;
+    const CAddon_ItemGroup& addon = m_details.addon();
+    m_files.reserve(addon.colAddonItems().size());
+    QString folder;
+    bool folderExists = false;
+    for (const CAddon_Item& item : addon.colAddonItems()) {
+        if (!item.boolProcess)
+            continue;
+        File file;
+        file.item = &item;
+        if (item.sFolder_Installation != folder) {
+            folder = item.sFolder_Installation;
+            folderExists = files.isFolder(folder);
+        }
+        const auto existing = folderExists ? files.info(targetOf(item)) : std::nullopt;
+        if (existing && !decide(file, *existing)) {
+            m_cancelled = true;
+            return;
+        }
+        m_files.push_back(std::move(file));
+    }
+}
+
+bool CAddonInstaller::decide(File& file, const FileInfo& existing)
+{
+    LogLines log;
+    const CAddon_Item& item = *file.item;
+    file.exists = true;
+    file.before.size = existing.size;
+    file.before.modifiedNs = existing.modifiedNs;
+    const qint64 existingMs = existing.modifiedNs / 1'000'000;
+    const bool dated = item.modifiedMs > 0;
+    log.line(u"   File already exists.");
+    if (item.size == existing.size) {
+        log.line(u"   Sizes are the same.");
+        log.line(dated && qAbs(existingMs - item.modifiedMs) < sameDateMs
+                     ? u"   Dates are the same, too. Should be OK to install on top of it."
+                     : u"   Dates are different!");
+    } else {
+        log.line(u"   Sizes are different!");
+    }
+    file.code = existing.folder ? InstallCode::Error : askReplace(file, existing, log);
+    const bool newerOnly = m_details.options().replace == ReplacePolicy::Newer ||
+                           (m_details.options().replace == ReplacePolicy::Ask &&
+                            m_context.settings.number(SettingKey::YesFileReplacementMethod) == 1);
+    if (file.code == InstallCode::Installed && newerOnly && dated &&
+        existingMs > item.modifiedMs + sameDateMs)
+        file.code = InstallCode::ExistingIsNewer;
+    file.decisions = log.bytes();
+    return file.code != InstallCode::Cancelled;
+}
+
+InstallCode CAddonInstaller::askReplace(const File& file, const FileInfo& existing, LogLines& log)
+{
+    const ReplacePolicy policy = m_details.options().replace;
+    if (policy == ReplacePolicy::Yes || policy == ReplacePolicy::Newer) {
+        log.line(
+            u"   Don't ask user if file should be replaced. Interaction suppressed--no message given.");
+        return InstallCode::Installed;
+    }
+    if (m_replaceAll)
+        return InstallCode::Installed;
+    if (m_replaceNone || policy == ReplacePolicy::No) {
+        log.line(u"   User opted to NOT install this file.");
+        return InstallCode::ClientDeclined;
+    }
+    log.line(u"   Ask user if file should be replaced-show ConfirmFileReplace dialog.");
+    const CAddon_Item& item = *file.item;
+    ReplaceQuestion question;
+    question.target = targetOf(item);
+    question.readOnly = existing.readOnly;
+    question.existingSize = existing.size;
+    question.existingDate = existing.modified();
+    question.newSize = item.size;
+    if (item.modifiedMs > 0)
+        question.newDate = QDateTime::fromMSecsSinceEpoch(item.modifiedMs);
+    const Button answer = m_context.services.prompts.ask(confirmFileReplace(question));
+    switch (answer) {
+    case Button::YesToAll:
+        m_replaceAll = true;
+        m_replaceNone = false;
+        [[fallthrough]];
+    case Button::Yes:
+        log.line(u"   User opted to install this file.");
+        return InstallCode::Installed;
+    case Button::NoToAll:
+        m_replaceNone = true;
+        m_replaceAll = false;
+        [[fallthrough]];
+    case Button::No:
+        log.line(u"   User opted to NOT install this file.");
+        return InstallCode::ClientDeclined;
+    default:
+        return InstallCode::Cancelled;
+    }
+}
+
+Result CAddonInstaller::stageAll()
+{
+    QStringList folders;
+    qsizetype expected = 0;
+    bool replaces = false;
+    for (const File& file : m_files) {
+        if (file.code != InstallCode::Installed)
+            continue;
+        ++expected;
+        replaces = replaces || file.exists;
+        // Neighbours share their folder; the journal takes each folder once anyway.
+        if (folders.isEmpty() || folders.last() != file.item->sFolder_Installation)
+            folders.push_back(file.item->sFolder_Installation);
+    }
+    folders.removeDuplicates();
+    if (Result told = m_actions->announce(folders, expected); !told)
+        return told;
+    if (replaces) {
+        const QString kept = m_context.global.originalsFolder + originals::keptFolder(m_record.key);
+        if (Result told = m_actions->announceKept(kept); !told)
+            return told;
+    }
+    StatusSink& sink = m_context.services.status;
+    for (size_t i = 0; i < m_files.size(); ++i) {
+        if (sink.cancelled()) {
+            m_files.resize(i);
+            m_cancelled = true;
+            break;
+        }
+        InstallFiles_Initialize(m_files[i]);
+        if (i % progressStep == 0)
+            sink.progress(qint64(i), qint64(m_files.size()));
+        const Result installed = installOne(m_files[i]);
+        if (!installed && installed.kind == ErrorKind::DiskFull)
+            return Result::failure(installed.text +
+                                       u" Nothing was installed; make room and try again."_s,
+                                   ErrorKind::Surroundings);
+    }
+    sink.progress(qint64(m_files.size()), qint64(m_files.size()));
+    return Result::success();
+}
+
+void CAddonInstaller::InstallFiles_Initialize(const File& file)
+{
+    status(u"Installing '"_s + file.item->sName_Installation + u"'..."_s);
+}
+
+Result CAddonInstaller::installOne(File& file)
+{
+    switch (file.item->enumAddonFileType) {
+    case FileType::Scenery:
+        return InstallSceneryFile(file);
+    case FileType::AircraftConfiguration:
+    case FileType::SimConfiguration:
+        return InstallAircraftConfigurationFile(file);
+    case FileType::PanelConfiguration:
+        return InstallPanelConfigurationFile(file);
+    case FileType::SoundConfiguration:
+        return InstallSoundConfigurationFile(file);
+    default:
+        return InstallFileFrontEnd(file);
+    }
+}
+
+Result CAddonInstaller::InstallSceneryFile(File& file)
+{
+    return InstallFileFrontEnd(file);
+}
+
+Result CAddonInstaller::InstallAircraftConfigurationFile(File& file)
+{
+    return InstallFileFrontEnd(file);
+}
+
+Result CAddonInstaller::InstallPanelConfigurationFile(File& file)
+{
+    return InstallFileFrontEnd(file);
+}
+
+Result CAddonInstaller::InstallSoundConfigurationFile(File& file)
+{
+    return InstallFileFrontEnd(file);
+}
+
+Result CAddonInstaller::InstallFileFrontEnd(File& file)
+{
+    const CAddon_Item& item = *file.item;
+    m_log.fileBegin(item.sName_Installation, sourceTextOf(item), targetOf(item));
+    Result installed = InstallFile(file);
+    if (!installed) {
+        m_log.line(QString(u"   "_s + installed.text));
+        m_context.errors.report(u"Private Function InstallFile"_s, installed.text);
+    }
+    m_log.fileEnd();
+    return installed;
+}
+
+Result CAddonInstaller::InstallFile(File& file)
+{
+    const CAddon_Item& item = *file.item;
+    const QString target = targetOf(item);
+    if (!file.exists)
+        m_log.line(u"   Destination file does not exist. Install this one straightaway.");
+    else
+        m_log.raw(file.decisions);
+    if (file.code != InstallCode::Installed)
+        return Result::success();
+
+    if (file.exists) {
+        if (Result kept = keepOriginal(file, target); !kept) {
+            file.code = InstallCode::Error;
+            return kept;
+        }
+    }
+    m_log.line(u"   Copy source file to destination.");
+    bool sourceFailed = false;
+    const ResultOf<Content> content = contentOf(file, sourceFailed);
+    if (!content) {
+        file.code = InstallCode::NotExtracted;
+        return content.error();
+    }
+    if (!file.exists && !m_actions->info(item.sFolder_Installation))
+        m_log.line(QString(u"      Creating destination folder "_s + item.sFolder_Installation));
+    const ResultOf<Fingerprint> placed = m_actions->placeOver(target, *content, file.before);
+    if (!placed) {
+        if (file.exists) // what was kept for it is not needed
+            (void)m_context.services.actions.remove(m_context.global.originalsFolder +
+                                                    m_originals.takeLast().keptFile);
+        file.code = sourceFailed ? InstallCode::NotExtracted : InstallCode::Error;
+        return placed.error();
+    }
+    file.after = *placed;
+    return Result::success();
+}
+
+Result CAddonInstaller::keepOriginal(File& file, const QString& target)
+{
+    m_log.line(u"   Copy file to Originals.");
+    const ResultOf<Fingerprint> print = fingerprint(m_context.services.files, target);
+    if (!print)
+        return print.error();
+    file.before = *print;
+    OriginalRecord original;
+    original.detailKey = &file - m_files.data();
+    original.masterKey = m_record.key;
+    original.keptFile = originals::keptName(m_context.services.gate, m_record.key, target);
+    original.size = print->size;
+    original.hash = print->xxh3;
+    if (Result kept = m_actions->keep(target, m_context.global.originalsFolder + original.keptFile);
+        !kept)
+        return kept;
+    m_originals.push_back(original);
+    return Result::success();
+}
+
+ResultOf<Content> CAddonInstaller::contentOf(const File& file, bool& sourceFailed)
+{
+    const AddonSource& source = m_details.source();
+    const CAddon_Item& item = *file.item;
+    ResultOf<Content> content = source.content(item);
+    if (!content)
+        return content;
+    if (isSimulatorConfiguration(item.enumAddonFileType) && item.size <= configLimit &&
+        m_context.settings.flag(SettingKey::RepairConfigurationLineEnds)) {
+        const ResultOf<QByteArray> bytes = source.read(item, configLimit);
+        if (!bytes)
+            return bytes.error();
+        const ResultOf<NormalizedConfig> normal = normalizeConfig(*bytes, m_context.services.ansi);
+        if (!normal) {
+            m_results.add(resultgroup::failedSpecialActions,
+                          targetOf(item),
+                          u" was installed as it is: "_s + normal.text);
+        } else if (normal->changed) {
+            m_results.add(
+                resultgroup::specialActions, targetOf(item), u": "_s + normal->done + u'.');
+            const qint64 modified = content->modifiedNs;
+            content = Content::ofBytes(normal->bytes);
+            content->modifiedNs = modified;
+            return content;
+        }
+    }
+    const auto transfer = content->transfer;
+    content->transfer = [transfer, &sourceFailed](const Content::Sink& sink) {
+        Result given = transfer(sink);
+        sourceFailed = !given.ok;
+        return given;
+    };
+    return content;
+}
+
+} // namespace vt

@@ -1,0 +1,34 @@
+// A text file that grows line by line (a log): begun anew through the gate, buffered, UTF-8 without
+// a mark, CR LF. A log that cannot be written is given up without a word.
+#pragma once
+
+#include "platform/Gate.h"
+#include "platform/HostFile.h"
+
+#include <QByteArray>
+#include <QStringView>
+
+namespace vt {
+
+class AppendFile
+{
+public:
+    AppendFile() = default;
+    /// Writes what is buffered.
+    ~AppendFile();
+    AppendFile(const AppendFile&) = delete;
+    AppendFile& operator=(const AppendFile&) = delete;
+
+    /// An existing file is begun anew.
+    Result open(Gate& gate, const QString& path);
+    void line(QStringView text);
+    /// Lines that end in CR LF already, UTF-8.
+    void raw(QByteArrayView lines);
+    void flush();
+
+private:
+    hostfile::Descriptor m_file;
+    QByteArray m_buffer;
+};
+
+} // namespace vt

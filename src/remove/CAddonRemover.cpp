@@ -1,0 +1,269 @@
+// The steps of a removal in their order; what concerns files and folders is in
+// CAddonRemover_Files.cpp.
+#include "remove/CAddonRemover.h"
+
+#include "addondb/AddonDatabase.h"
+#include "addondb/ConfigBases.h"
+#include "addondb/JournalTable.h"
+#include "platform/WinPath.h"
+#include "shell/RunStep.h"
+#include "shell/Settings.h"
+#include "simconfig/CSceneryCfgMgr.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+constexpr qint64 libraryLimit = 64 * 1024 * 1024;
+
+/// The word for an original add-on's kind, by its first category.
+QString kindWord(Categories categories)
+{
+    if (categories & Category::Aircraft)
+        return u"aircraft"_s;
+    if (categories & Category::Panels)
+        return u"panel"_s;
+    if (categories & Category::Sounds)
+        return u"sound"_s;
+    if (categories & Category::Scenery)
+        return u"scenery"_s;
+    if (categories & Category::Missions)
+        return u"mission"_s;
+    return u"simulator"_s;
+}
+
+} // namespace
+
+Prompt confirmRemovalOfOriginal(const AddonRecord& addon, const QString& simulator)
+{
+    const QString kind = kindWord(addon.categories);
+    QString text = u"'"_s + addon.name + u"' is an original "_s + kind + u" addon. "_s;
+    if (addon.categories & Category::Scenery)
+        text +=
+            u"This original scenery may be vital to the proper operation of "_s + simulator + u'.';
+    text += u" Are you sure you want to remove it?"_s;
+    return yesNo(
+        u"Confirm Removal of Original "_s + kind + u" Addon"_s, text, Button::No, Icon::Warning);
+}
+
+CAddonRemover::CAddonRemover(Context& context,
+                             Connection& database,
+                             qint64 masterKey,
+                             RemovalMethod method)
+    : m_context(context), m_database(database), m_masterKey(masterKey), m_method(method),
+      m_results(Results::forRemoval())
+{}
+
+CAddonRemover::~CAddonRemover() = default;
+
+void CAddonRemover::status(const QString& text)
+{
+    m_context.services.status.text(u"Primary"_s, text);
+}
+
+bool CAddonRemover::Remove_Begin()
+{
+    m_context.global.currentProcedure = u"Public Function Remove_Begin"_s;
+    const auto step = [this](const QString& name, Result (CAddonRemover::*run)()) {
+        return runStep(m_context, name, [&] { return (this->*run)(); });
+    };
+    using R = CAddonRemover;
+    m_failure = Result::success();
+    for (const auto& [name, run] : std::initializer_list<std::pair<QString, Result (R::*)()>>{
+             {u"Private Function Preliminaries"_s, &R::Preliminaries},
+             {u"Private Function AddonDatabase_Open"_s, &R::AddonDatabase_Open},
+             {u"Private Function OriginalAddonWarning"_s, &R::OriginalAddonWarning},
+             {u"Private Function AddonDetails_Open"_s, &R::AddonDetails_Open}}) {
+        m_failure = step(name, run);
+        if (!m_failure)
+            break;
+    }
+    if (m_failure) {
+        // A step that fails tells it in the results, and the next one still runs.
+        (void)step(u"Private Sub RemoveFiles"_s, &R::RemoveFiles);
+        (void)step(u"Private Sub SceneryLibrary_Update"_s, &R::SceneryLibrary_Update);
+        (void)step(u"Private Sub AddonMasterTable_Update"_s, &R::AddonMasterTable_Update);
+        (void)step(u"Private Sub CustomFolders_Delete"_s, &R::CustomFolders_Delete);
+        m_failure = step(u"Private Sub Changes_Apply"_s, &R::Changes_Apply);
+    }
+    Remove_End();
+    return m_failure.ok;
+}
+
+Result CAddonRemover::Preliminaries()
+{
+    status(u"Preparing to remove..."_s);
+    if (m_method != RemovalMethod::Delete)
+        return Result::failure(
+            u"This removal method is not available yet; delete the add-on's files instead."_s);
+    const ResultOf<AddonRecord> record = modDatabase_Addon::addon(m_database, m_masterKey);
+    if (!record)
+        return Result::failure(u"No add-on with the key "_s + QString::number(m_masterKey) +
+                               u" is recorded; 'list' shows those that are."_s);
+    m_record = *record;
+    m_context.services.files.newOperation();
+    (void)m_log.open(m_context.services.gate, m_context.global.programFolder + u"REMOVE.LOG"_s);
+    m_log.line(QString(u"Removing addon '"_s + m_record.name + u"' begin."_s));
+    return Result::success();
+}
+
+Result CAddonRemover::AddonDatabase_Open()
+{
+    if (m_database.readOnly())
+        return Result::failure(u"Could not open the addon database."_s, ErrorKind::Surroundings);
+    m_journal = std::make_unique<JournalTable>(m_database, m_context.services.gate);
+    m_actions = std::make_unique<FileTransaction>(m_context.services.gate, *m_journal);
+    return Result::success();
+}
+
+Result CAddonRemover::OriginalAddonWarning()
+{
+    status(u"Confirming removal..."_s);
+    if (!m_record.original)
+        return Result::success();
+    const Prompt question = confirmRemovalOfOriginal(m_record, m_context.global.names.simLong);
+    if (m_context.services.prompts.ask(question) == Button::Yes)
+        return Result::success();
+    const QString text = u"'"_s + m_record.name + u"' was not removed."_s;
+    m_results.add(resultgroup::notProcessed, text);
+    return Result::failure(text, ErrorKind::Declined);
+}
+
+Result CAddonRemover::AddonDetails_Open()
+{
+    const ResultOf<QList<DetailRecord>> details =
+        modDatabase_Addon::detailsOf(m_database, m_masterKey);
+    const ResultOf<QHash<qint64, Fingerprint>> checks =
+        modDatabase_Addon::checksOf(m_database, m_masterKey);
+    const ResultOf<QList<OriginalRecord>> kept =
+        modDatabase_Addon::originalsOf(m_database, m_masterKey);
+    if (!details || !checks || !kept)
+        return Result::failure(u"Could not open the addon details table."_s);
+    const ResultOf<originals::Sharers> sharers =
+        originals::Sharers::load(m_database, m_masterKey, *details);
+    if (!sharers)
+        return sharers.error();
+    m_sharers = *sharers;
+    m_checks = *checks;
+    for (const OriginalRecord& original : *kept)
+        m_originals.insert(original.detailKey, original);
+    m_files.reserve(size_t(details->size()));
+    for (const DetailRecord& detail : *details)
+        m_files.push_back({detail, RemovalOutcome::Removed});
+
+    m_closing.masterKey = m_masterKey;
+    m_closing.dateInstalled = m_record.dateInstalled;
+    m_closing.dateUninstalled = m_context.services.clock.now();
+    return m_actions->begin(OperationKind::Removal, m_record.name);
+}
+
+Result CAddonRemover::SceneryLibrary_Update()
+{
+    const ResultOf<QList<SceneryAreaRecord>> areas =
+        modDatabase_Addon::sceneryAreasOf(m_database, m_masterKey);
+    if (!areas || areas->isEmpty())
+        return areas ? Result::success() : areas.error();
+    status(u"Updating scenery library..."_s);
+    const auto failed = [&](const Result& why) {
+        m_anyFailed = true;
+        for (const SceneryAreaRecord& area : *areas)
+            m_closing.sceneryAreasKept.push_back(area.detailKey);
+        m_results.add(resultgroup::failedSpecialActions, u"Scenery library was NOT updated."_s);
+        return why;
+    };
+    Services& services = m_context.services;
+    const QString file = m_context.global.sceneryCfgFile;
+    CSceneryCfgMgr library(ConfigAccess(*m_actions, services.prompts, services.ansi),
+                           file,
+                           m_context.global.simulatorFolder);
+    if (Result loaded = library.SceneryCfg_Load(); !loaded)
+        return failed(loaded);
+    const ResultOf<QByteArray> before = m_actions->read(file, libraryLimit);
+    if (!before)
+        return failed(before.error());
+    bool any = false;
+    for (const SceneryAreaRecord& area : *areas) {
+        bool removed = false;
+        const QString phrase = removeArea(library, area, removed);
+        any = any || removed;
+        m_results.add(resultgroup::specialActions,
+                      u"Scenery library area covering '"_s + area.title + u'\'',
+                      phrase);
+    }
+    if (!any)
+        return Result::success();
+    if (Result saved = library.SceneryCfg_Save(); !saved)
+        return failed(saved);
+    const ResultOf<configbases::Undone> undone = configbases::afterRemoval(
+        m_database, services.gate, *m_actions, m_context.global, file, *before);
+    if (!undone)
+        return failed(undone.error());
+    const ResultOf<Place> place = services.gate.place(file);
+    if (undone->record)
+        m_closing.configBases.push_back(*undone->record);
+    if (undone->forgotten && place)
+        m_closing.configBasesGone.push_back(*place);
+    m_results.add(resultgroup::specialActions, u"Scenery library was updated."_s);
+    return Result::success();
+}
+
+QString
+CAddonRemover::removeArea(CSceneryCfgMgr& library, const SceneryAreaRecord& area, bool& removed)
+{
+    if (otherSceneryFilesIn(area.path))
+        return u" was not removed from the scenery library because there are additional scenery files in that folder."_s;
+    const qsizetype index = library.areaForFolder(area.path, area.area);
+    if (index < 0)
+        return u" was not removed from the scenery library because the area was not found."_s;
+    removed = library.SceneryCfg_RemoveArea(index);
+    return removed ? u" was removed from the scenery library."_s
+                   : u" was not removed from the scenery library."_s;
+}
+
+bool CAddonRemover::otherSceneryFilesIn(const QString& areaFolder)
+{
+    const QString folder = winpath::asFolder(areaFolder) + u"Scenery\\"_s;
+    for (const QString& name : m_context.services.files.names(folder)) {
+        if (endsWithNoCase(name, u".bgl") && m_actions->info(folder + name))
+            return true;
+    }
+    return false;
+}
+
+Result CAddonRemover::AddonMasterTable_Update()
+{
+    // The rows themselves go at the end, in one commit with the journal: see Closing.
+    status(u"Updating addon master record..."_s);
+    m_closing.whole = true;
+    return Result::success();
+}
+
+Result CAddonRemover::Changes_Apply()
+{
+    status(u"Removing detail records..."_s);
+    const ResultOf<QList<StepFailure>> applied =
+        m_actions->apply(packClosing(m_closing), [] { return Result::success(); });
+    if (!applied)
+        return applied.error();
+    tellFiles(*applied);
+    Settings& settings = m_context.settings;
+    if (settings.flag(SettingKey::AutoOptimize))
+        settings.setNumber(SettingKey::DatabaseHistory,
+                           settings.number(SettingKey::DatabaseHistory) + 1);
+    return Result::success();
+}
+
+void CAddonRemover::Remove_End()
+{
+    m_context.global.currentProcedure = u"Private Sub Remove_End"_s;
+    m_actions.reset(); // takes back what was staged and not applied
+    if (!m_failure)
+        m_log.line(QString(u"   "_s + m_failure.text));
+    m_log.line(u"Removing addon ...end.");
+    m_log.flush();
+    status(u"Removing addon ...end."_s);
+}
+
+} // namespace vt

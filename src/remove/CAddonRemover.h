@@ -1,0 +1,121 @@
+// Undoes one add-on's installation: its files go (or stay by the sharing rules), what they had
+// replaced comes back, its scenery areas and records go. Everything is decided first, then
+// committed with the journal, then carried out; an interrupted removal is completed at the next
+// start.
+#pragma once
+
+#include "addondb/AddonRecords.h"
+#include "addondb/Closing.h"
+#include "addondb/Connection.h"
+#include "addondb/Originals.h"
+#include "platform/AppendFile.h"
+#include "platform/FileTransaction.h"
+#include "shell/Context.h"
+#include "shell/Results.h"
+
+#include <QHash>
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+namespace vt {
+
+/// Stored nowhere; the numbers are shown in logs.
+enum class RemovalMethod : int
+{
+    Delete = 1,
+    FileCabinet = 2,
+    Recreate = 3,
+    RemoveRecords = 4,
+    Copy = 5,
+};
+
+/// What became of one file.
+enum class RemovalOutcome : quint8
+{
+    Removed,
+    KeptForOthers,
+    Missing,
+    Failed,
+};
+
+/// " was removed.", " was NOT removed because ...", as put behind the file's path.
+[[nodiscard]] QString removalPhrase(RemovalOutcome outcome);
+
+/// "Confirm Removal of Original <kind> Addon".
+[[nodiscard]] Prompt confirmRemovalOfOriginal(const AddonRecord& addon, const QString& simulator);
+
+class CAddonRemover
+{
+public:
+    /// All must outlive this; \a database is open for writing.
+    CAddonRemover(Context& context, Connection& database, qint64 masterKey, RemovalMethod method);
+    ~CAddonRemover();
+    CAddonRemover(const CAddonRemover&) = delete;
+    CAddonRemover& operator=(const CAddonRemover&) = delete;
+
+    /// Whether the removal ran to its end. False: nothing was changed, failure() says why (kind
+    /// Declined after a No).
+    bool Remove_Begin();
+
+    [[nodiscard]] const Results& results() const { return m_results; }
+
+    [[nodiscard]] const Result& failure() const { return m_failure; }
+
+    /// Some file, area or record could not be dealt with although the rules wanted it.
+    [[nodiscard]] bool anyFailed() const { return m_anyFailed; }
+
+    [[nodiscard]] const AddonRecord& record() const { return m_record; }
+
+private:
+    struct File
+    {
+        DetailRecord detail;
+        RemovalOutcome outcome = RemovalOutcome::Removed;
+    };
+
+    // Remove_Begin's steps, in order.
+    Result Preliminaries();
+    Result AddonDatabase_Open();
+    Result OriginalAddonWarning();
+    Result AddonDetails_Open();
+    Result RemoveFiles();
+    Result SceneryLibrary_Update();
+    Result AddonMasterTable_Update();
+    Result CustomFolders_Delete();
+    Result Changes_Apply();
+    void Remove_End();
+
+    Result RemoveFile(File& file);
+    void tellRelease(const File& file, const originals::Release& release);
+    bool otherSceneryFilesIn(const QString& areaFolder);
+    QString removeArea(class CSceneryCfgMgr& library, const SceneryAreaRecord& area, bool& removed);
+    void cleanKeptFolders();
+    [[nodiscard]] QStringList emptiedFolders();
+    [[nodiscard]] bool willBeEmpty(const QString& folder, const QSet<NoCase>& going);
+    void tellFiles(const QList<StepFailure>& failures);
+    void status(const QString& text);
+
+    Context& m_context;
+    Connection& m_database;
+    qint64 m_masterKey;
+    RemovalMethod m_method;
+    std::unique_ptr<Journal> m_journal;
+    std::unique_ptr<FileTransaction> m_actions;
+    std::unique_ptr<originals::ReleaseContext> m_release;
+    originals::Sharers m_sharers;
+    AppendFile m_log;
+    Results m_results;
+    Result m_failure;
+    AddonRecord m_record;
+    RemovalClosing m_closing;
+    std::vector<File> m_files;
+    QHash<qint64, Fingerprint> m_checks;
+    QHash<qint64, OriginalRecord> m_originals;
+    QSet<NoCase> m_keptFolders; ///< folders below Originals from which a kept file goes
+    bool m_announcedSetAside = false;
+    bool m_anyFailed = false;
+};
+
+} // namespace vt

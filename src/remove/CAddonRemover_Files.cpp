@@ -1,0 +1,241 @@
+// What a removal does with files and folders.
+#include "addondb/AddonDatabase.h"
+#include "platform/WinPath.h"
+#include "remove/CAddonRemover.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+constexpr qsizetype progressEvery = 64;
+
+bool isBackup(const QString& name)
+{
+    return endsWithNoCase(name, u".vtb") || endsWithNoCase(name, u".vt2");
+}
+
+/// Deepest first: a longer path cannot lie above a shorter one.
+QStringList deepestFirst(const QSet<NoCase>& folders)
+{
+    QStringList out;
+    for (const NoCase& folder : folders)
+        out.push_back(folder.text);
+    std::sort(out.begin(), out.end(), [](const QString& a, const QString& b) {
+        return a.size() != b.size() ? a.size() > b.size() : a < b;
+    });
+    return out;
+}
+
+} // namespace
+
+QString removalPhrase(RemovalOutcome outcome)
+{
+    switch (outcome) {
+    case RemovalOutcome::Removed:
+        return u" was removed."_s;
+    case RemovalOutcome::KeptForOthers:
+        return u" was NOT removed because another addon depends on it."_s;
+    case RemovalOutcome::Missing:
+        return u" was NOT removed because it no longer exists."_s;
+    case RemovalOutcome::Failed:
+        break;
+    }
+    return u" was NOT removed due to an error."_s;
+}
+
+Result CAddonRemover::RemoveFiles()
+{
+    status(u"Processing addon files..."_s);
+    const QString setAsideFolder = m_context.global.backupsFolder +
+                                   winpath::safeName(m_record.name) + u" - "_s +
+                                   QString::number(m_masterKey) + u'\\';
+    m_release = std::make_unique<originals::ReleaseContext>(
+        originals::ReleaseContext{m_context.services.gate,
+                                  *m_actions,
+                                  m_database,
+                                  m_context.global,
+                                  setAsideFolder,
+                                  [this, setAsideFolder] {
+                                      if (std::exchange(m_announcedSetAside, true))
+                                          return Result::success();
+                                      return m_actions->announceKept(setAsideFolder);
+                                  }});
+    StatusSink& sink = m_context.services.status;
+    for (size_t i = 0; i < m_files.size(); ++i) {
+        if (i % progressEvery == 0)
+            sink.progress(qint64(i), qint64(m_files.size()));
+        File& file = m_files[i];
+        if (Result removed = RemoveFile(file); !removed) {
+            file.outcome = RemovalOutcome::Failed;
+            const QString path = file.detail.location + file.detail.name;
+            m_context.errors.report(u"Private Sub RemoveFile"_s, path + u": "_s + removed.text);
+            m_results.add(resultgroup::failedSpecialActions, path, u": "_s + removed.text);
+            if (const ResultOf<Place> place = m_context.services.gate.place(path))
+                m_closing.failed.push_back(*place);
+        }
+    }
+    return Result::success();
+}
+
+Result CAddonRemover::RemoveFile(File& file)
+{
+    const DetailRecord& detail = file.detail;
+    const QString path = detail.location + detail.name;
+    status(u"Processing '"_s + detail.name + u"'..."_s);
+    m_log.line(
+        QString(u"Removing file "_s + path + u" using method "_s + QString::number(int(m_method))));
+    const auto now = m_context.services.files.info(path);
+    if (now && now->folder)
+        return Result::failure(u"a folder of that name lies there now."_s);
+    const auto kept = m_originals.constFind(detail.key);
+    const auto original = kept == m_originals.cend() ? std::nullopt : std::optional(*kept);
+    const ResultOf<originals::Release> release = originals::release(
+        *m_release, detail, m_checks.value(detail.key), original, m_sharers.at(path), now);
+    if (!release)
+        return release.error();
+    if (release->shared)
+        file.outcome = RemovalOutcome::KeptForOthers;
+    else if (!now)
+        file.outcome = RemovalOutcome::Missing;
+    tellRelease(file, *release);
+    if (release->passedOn.detailKey != 0)
+        m_closing.passedOn.push_back(release->passedOn);
+    if (release->aboveForgets != 0)
+        m_closing.originalsGone.push_back(release->aboveForgets);
+    if (!release->keptGone.isEmpty())
+        m_keptFolders.insert(NoCase{winpath::parent(release->keptGone)});
+    return Result::success();
+}
+
+void CAddonRemover::tellRelease(const File& file, const originals::Release& release)
+{
+    const QString path = file.detail.location + file.detail.name;
+    if (release.fate == originals::Fate::Restored) {
+        m_log.line(u"Moving back Original file that this file replaced.");
+        if (release.shared)
+            m_results.add(resultgroup::specialActions,
+                          path,
+                          u" has again the version of the addon that was installed before."_s);
+        else if (file.outcome == RemovalOutcome::Missing)
+            m_results.add(
+                resultgroup::specialActions, path, u" was put back as it had been before."_s);
+    }
+    if (!release.setAside.isEmpty())
+        m_results.add(
+            resultgroup::specialActions,
+            path,
+            u" had been changed since it was installed; the changed file was kept as '"_s +
+                release.setAside + u"'."_s);
+}
+
+Result CAddonRemover::CustomFolders_Delete()
+{
+    status(u"Deleting custom folders..."_s);
+    for (const QString& folder : emptiedFolders()) {
+        const ResultOf<Place> place = m_context.services.gate.place(folder);
+        if (!place)
+            continue;
+        if (Result removed = m_actions->removeEmptyFolder(folder); !removed)
+            return removed;
+        m_closing.foldersGone.push_back(*place);
+    }
+    cleanKeptFolders();
+    return Result::success();
+}
+
+QStringList CAddonRemover::emptiedFolders()
+{
+    const ResultOf<QList<Place>> own = modDatabase_Addon::ownFolders(m_database);
+    if (!own || own->isEmpty())
+        return {};
+    QSet<NoCase> ownPaths;
+    QSet<NoCase> candidates;
+    const QString storageName = winpath::safeName(m_record.name);
+    for (const Place& place : *own) {
+        const QString path = m_context.services.gate.path(place) + u'\\';
+        ownPaths.insert(NoCase{path});
+        // The add-on's own folders below "Addons\" and "Cabinet\" may never have held a file.
+        const QString above = winpath::parent(path);
+        if ((winpath::same(above, m_context.global.addonsFolder) ||
+             winpath::same(above, m_context.global.cabinetFolder)) &&
+            startsWithNoCase(winpath::name(path), storageName))
+            candidates.insert(NoCase{path});
+    }
+    QSet<NoCase> seen;
+    for (const File& file : m_files) {
+        for (QString up = file.detail.location; !up.isEmpty() && !seen.contains(NoCase{up});
+             up = winpath::parent(up)) {
+            seen.insert(NoCase{up});
+            if (ownPaths.contains(NoCase{up}))
+                candidates.insert(NoCase{up});
+        }
+    }
+    QStringList going;
+    QSet<NoCase> goingSet;
+    for (const QString& folder : deepestFirst(candidates)) {
+        if (willBeEmpty(folder, goingSet)) {
+            goingSet.insert(NoCase{folder});
+            going.push_back(folder);
+        }
+    }
+    return going;
+}
+
+bool CAddonRemover::willBeEmpty(const QString& folder, const QSet<NoCase>& going)
+{
+    QStringList backups;
+    for (const QString& name : m_context.services.files.names(folder)) {
+        const QString path = folder + name;
+        if (isBackup(name) && m_context.services.files.isFile(path))
+            backups.push_back(path);
+        else if (m_actions->info(path) && !going.contains(NoCase{path + u'\\'}))
+            return false;
+    }
+    for (const QString& backup : std::as_const(backups))
+        (void)m_actions->remove(backup); // one that stays keeps its folder
+    return true;
+}
+
+void CAddonRemover::cleanKeptFolders()
+{
+    const QString top = m_context.global.originalsFolder;
+    QSet<NoCase> all;
+    for (const NoCase& folder : std::as_const(m_keptFolders)) {
+        for (QString up = folder.text; up.size() > top.size() && winpath::isBelow(up, top);
+             up = winpath::parent(up))
+            all.insert(NoCase{up});
+    }
+    for (const QString& folder : deepestFirst(all))
+        (void)m_actions->removeEmptyFolder(folder); // one that is still used is not empty
+}
+
+void CAddonRemover::tellFiles(const QList<StepFailure>& failures)
+{
+    QHash<NoCase, QString> failed;
+    for (const StepFailure& failure : failures) {
+        failed.insert(NoCase{failure.path}, failure.text);
+        m_context.errors.report(u"Private Sub Changes_Apply"_s,
+                                failure.path + u": "_s + failure.text);
+    }
+    for (File& file : m_files) {
+        const QString path = file.detail.location + file.detail.name;
+        if (!failed.isEmpty() && failed.contains(NoCase{path})) {
+            file.outcome = RemovalOutcome::Failed;
+            m_results.add(
+                resultgroup::failedSpecialActions, path, u": "_s + failed.value(NoCase{path}));
+        }
+        m_anyFailed = m_anyFailed || file.outcome == RemovalOutcome::Failed;
+        m_results.add(file.outcome == RemovalOutcome::Removed ? resultgroup::processed
+                                                              : resultgroup::notProcessed,
+                      path,
+                      removalPhrase(file.outcome));
+    }
+    if (failed.contains(NoCase{m_context.global.sceneryCfgFile})) {
+        m_anyFailed = true;
+        m_results.add(resultgroup::failedSpecialActions, u"Scenery library was NOT updated."_s);
+    }
+}
+
+} // namespace vt

@@ -1,0 +1,233 @@
+// Parsing of single lines: comments, headers, entries. The array operations stand in
+// modRoutines_INI.cpp.
+#include "simconfig/engine/INI_Lines.h"
+
+#include "simconfig/engine/modRoutines_INI.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace vt::modRoutines_INI {
+
+namespace {
+
+bool isBlankByte(char c)
+{
+    return c == ' ' || c == '\t';
+}
+
+/// 1-based position of \a mark at or after the 1-based \a from, 0 for none.
+template <typename View, typename Char> qsizetype positionOf(View line, Char mark, qsizetype from)
+{
+    return from > line.size() ? 0 : line.indexOf(mark, from - 1) + 1;
+}
+
+/// The position of an apostrophe that starts a comment: one in first place, or behind a space and
+/// without a partner. 0 for none.
+template <typename View, typename Char>
+qsizetype apostropheMark(View line, Char apostrophe, Char space)
+{
+    qsizetype start = 1;
+    for (;;) {
+        qsizetype at = positionOf(line, apostrophe, start);
+        qsizetype mark = at;
+        const qsizetype partner = at > 1 ? positionOf(line, apostrophe, at + 1) : 0;
+        if (partner > 0) {
+            // A quoted piece is no comment; the mark behind it only tells where to go on.
+            start = partner + 1;
+            mark = 0;
+            at = positionOf(line, apostrophe, start);
+        }
+        if (at < 2 || line[at - 2] == space)
+            return mark;
+        start = at + 1;
+    }
+}
+
+/// Zero-based index of the comment's first character, -1 for none.
+template <typename View, typename Char>
+qsizetype commentIndex(View line, Char slash, Char semicolon, Char apostrophe, Char space, Char tab)
+{
+    const qsizetype slashAt = positionOf(line, slash, 1);
+    qsizetype comment = 0;
+    for (const qsizetype candidate :
+         {slashAt, positionOf(line, semicolon, 1), apostropheMark(line, apostrophe, space)}) {
+        if (candidate > 0 && (comment == 0 || candidate < comment))
+            comment = candidate;
+    }
+    if (comment > 1 && comment == slashAt) {
+        const auto isBlank = [&](qsizetype index) {
+            return index < line.size() && (line[index] == space || line[index] == tab);
+        };
+        // A slash inside a path hides whatever mark comes later.
+        if (!isBlank(comment - 2) && !isBlank(comment))
+            comment = 0;
+    }
+    return comment - 1;
+}
+
+} // namespace
+
+QByteArrayView trimmedSpaces(QByteArrayView text)
+{
+    while (!text.isEmpty() && text.front() == ' ')
+        text = text.sliced(1);
+    while (!text.isEmpty() && text.back() == ' ')
+        text.chop(1);
+    return text;
+}
+
+QByteArrayView trimmedBlanks(QByteArrayView text)
+{
+    while (!text.isEmpty() && isBlankByte(text.front()))
+        text = text.sliced(1);
+    while (!text.isEmpty() && isBlankByte(text.back()))
+        text.chop(1);
+    return text;
+}
+
+QStringView trimmedSpaces(QStringView text)
+{
+    while (!text.isEmpty() && text.front() == u' ')
+        text = text.sliced(1);
+    while (!text.isEmpty() && text.back() == u' ')
+        text.chop(1);
+    return text;
+}
+
+StrippedBytes strippedBytes(QByteArrayView line)
+{
+    const qsizetype comment = commentIndex(line, '/', ';', '\'', ' ', '\t');
+    const QByteArrayView before = comment >= 0 ? line.first(comment) : line;
+    StrippedBytes result;
+    result.hasComment = comment >= 0;
+    if (!before.contains('\t') && !before.contains('\r')) {
+        result.data = trimmedSpaces(before).toByteArray();
+        return result;
+    }
+    QByteArray data = before.toByteArray();
+    data.replace("\t", "");
+    data = trimmedSpaces(QByteArrayView(data)).toByteArray();
+    data.replace("\r", "");
+    result.data = data;
+    return result;
+}
+
+std::optional<EntryBytes> splitBytes(QByteArrayView line)
+{
+    const qsizetype equals = line.indexOf('=', 1);
+    if (equals < 1)
+        return std::nullopt;
+    EntryBytes entry;
+    entry.key.reserve(equals);
+    for (const char c : line.first(equals)) {
+        if (!isBlankByte(c))
+            entry.key.append(c);
+    }
+    entry.value = trimmedSpaces(line.sliced(equals + 1)).toByteArray();
+    return entry;
+}
+
+bool mayBeHeader(QByteArrayView line)
+{
+    for (const char c : line) {
+        if (c != ' ' && c != '\t' && c != '\r')
+            return c == '[';
+    }
+    return false;
+}
+
+WantedName::WantedName(QStringView name) : m_text(name.toString())
+{
+    m_ascii =
+        std::all_of(m_text.cbegin(), m_text.cend(), [](QChar c) { return c.unicode() < 0x80; });
+    if (m_ascii)
+        m_bytes = m_text.toLatin1();
+}
+
+bool WantedName::matches(QByteArrayView bytes, const LineArray& lines) const
+{
+    if (m_ascii)
+        return bytes.size() == m_bytes.size() && bytes.compare(m_bytes, Qt::CaseInsensitive) == 0;
+    return equalNoCase(lines.decoded(bytes), m_text);
+}
+
+bool INI_Char_IsComment(QStringView character)
+{
+    return character.size() == 1 &&
+           (character[0] == u'/' || character[0] == u';' || character[0] == u'\'');
+}
+
+bool INI_Line_IsSectionHeader(QStringView line)
+{
+    return line.startsWith(u'[');
+}
+
+std::optional<QString> INI_Line_GetSectionName(QStringView line)
+{
+    const qsizetype closing = line.startsWith(u'[') ? line.indexOf(u']', 1) : -1;
+    if (closing < 0)
+        return std::nullopt;
+    QString name = line.first(closing).toString();
+    name.remove(u'\t').remove(u'[').remove(u']');
+    return trimmedSpaces(QStringView(name)).toString();
+}
+
+std::optional<Entry> INI_Line_SplitEntry(QStringView line)
+{
+    const qsizetype equals = line.indexOf(u'=', 1);
+    if (equals < 1)
+        return std::nullopt;
+    return Entry{keyOf(line.first(equals)), trimmedSpaces(line.sliced(equals + 1)).toString()};
+}
+
+StrippedLine INI_Line_StripComment(QStringView line, bool keepComment)
+{
+    const qsizetype comment = commentIndex(line, u'/', u';', u'\'', u' ', u'\t');
+    StrippedLine result;
+    QString data = (comment >= 0 ? line.first(comment) : line).toString();
+    data.remove(u'\t');
+    result.data = trimmedSpaces(QStringView(data)).toString().remove(u'\r');
+    if (keepComment && comment >= 0)
+        result.comment = trimmedSpaces(line.sliced(comment)).toString();
+    return result;
+}
+
+QString INI_Section_NameStrip(const QString& text)
+{
+    QString name = text;
+    return name.remove(u'[').remove(u']');
+}
+
+QString INI_Section_NameBracket(const QString& name)
+{
+    return name.contains(u'[') ? name : u'[' + name + u']';
+}
+
+QString keyOf(QStringView text)
+{
+    QString key = text.toString();
+    return key.remove(u'\t').remove(u' ');
+}
+
+std::optional<QString> sectionOfLine(const LineArray& lines, QByteArrayView line)
+{
+    if (!mayBeHeader(line))
+        return std::nullopt;
+    return INI_Line_GetSectionName(lines.decoded(strippedBytes(line).data));
+}
+
+std::optional<Entry> rawEntryOfLine(const LineArray& lines, QByteArrayView line)
+{
+    const QByteArrayView text = trimmedBlanks(line);
+    if (text.isEmpty() || text.front() == '[' || text.front() == '/' || text.front() == ';' ||
+        text.front() == '\'')
+        return std::nullopt;
+    const std::optional<EntryBytes> entry = splitBytes(text);
+    if (!entry)
+        return std::nullopt;
+    return Entry{lines.decoded(entry->key), lines.decoded(trimmedBlanks(entry->value))};
+}
+
+} // namespace vt::modRoutines_INI

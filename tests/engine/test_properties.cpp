@@ -1,0 +1,221 @@
+#include "engine/ConfigDisk.h"
+#include "simconfig/engine/modRoutines_INI.h"
+#include "support/TestMain.h"
+
+#include <QRandomGenerator>
+
+#include <functional>
+
+using namespace Qt::StringLiterals;
+using namespace vt;
+using namespace vt::modRoutines_INI;
+
+namespace {
+
+/// Files in the likeness of real ones, their odd lines more frequent.
+class RandomFile
+{
+public:
+    explicit RandomFile(quint32 seed) : m_random(seed) {}
+
+    QByteArray text()
+    {
+        QByteArray bytes;
+        for (int i = m_random.bounded(30); i > 0; --i)
+            bytes += line() + "\r\n";
+        if (m_random.bounded(4) == 0)
+            bytes += line();
+        return bytes;
+    }
+
+    QString section() { return QString::fromLatin1(pick({"a", "fltsim.0", "fltsim.1", "G\xe9n"})); }
+
+    QString key() { return QString::fromLatin1(pick({"title", "uitype", "\xfc", "texture"})); }
+
+private:
+    QByteArray pick(const QList<QByteArray>& from)
+    {
+        return from.at(m_random.bounded(from.size()));
+    }
+
+    QByteArray blank() { return pick({"", "", "", " ", "\t", "  "}); }
+
+    QByteArray line()
+    {
+        switch (m_random.bounded(8)) {
+        case 0:
+            return blank();
+        case 1:
+            return blank() + pick({";", "//", "'", "/"}) + blank() + pick({"[a]", "title=x", "x"});
+        case 2:
+        case 3:
+            return blank() + "[" + blank() + section().toLatin1() + blank() + "]" +
+                   pick({"", "", " ; c", " junk", " // [b]"});
+        case 4:
+            return pick({"=x", "junk", "[open", "\xe9\xff", "\r", "x\ry=1", "]["});
+        default:
+            return blank() + pick({"title", "UI type", "\xdc", "texture", "tex ture"}) + blank() +
+                   "=" + blank() + pick({"", "1", "a/b ; c", "x // y", "'q'", "\tz", "\"v\""}) +
+                   blank();
+        }
+    }
+
+    QRandomGenerator m_random;
+};
+
+/// What is left of \a lines when each of \a others is struck out once, in order.
+QList<QByteArray> without(QList<QByteArray> lines, const QList<QByteArray>& others)
+{
+    qsizetype at = 0;
+    for (const QByteArray& other : others) {
+        const qsizetype found = lines.indexOf(other, at);
+        if (found < 0)
+            return {"<not a subsequence>"};
+        lines.removeAt(found);
+        at = found;
+    }
+    return lines;
+}
+
+} // namespace
+
+class TestProperties : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void splitAndJoin_areInverse();
+    void edit_touchesOnlyWhatItNames();
+    void deletedSection_leavesTheRest();
+    void badInput_data();
+    void badInput();
+};
+
+void TestProperties::splitAndJoin_areInverse()
+{
+    test::ConfigDisk disk;
+    for (quint32 seed = 0; seed < 2'000; ++seed) {
+        const QByteArray text = RandomFile(seed).text();
+        QCOMPARE(disk.linesOf(text).joined(), text);
+    }
+}
+
+void TestProperties::edit_touchesOnlyWhatItNames()
+{
+    test::ConfigDisk disk;
+    const QString value = u"new value"_s;
+    int updated = 0;
+    for (quint32 seed = 0; seed < 3'000; ++seed) {
+        RandomFile file(seed);
+        const LineArray before = disk.linesOf(file.text());
+        if (!before.hasContent())
+            continue;
+        const QString section = file.section();
+        const QString key = file.key();
+        const bool had = INI_Entry_Get(before, section, key).has_value();
+        const bool hadSection = INI_Section_GetLines(before, section).has_value();
+        LineArray after = before;
+        QVERIFY(INI_Entry_Set(after, section, key, value).ok);
+        QCOMPARE(INI_Entry_Get(after, section, key), std::optional(value));
+        const qsizetype growth = after.lines.size() - before.lines.size();
+        QCOMPARE(growth, had ? 0 : hadSection ? 1 : 2);
+        if (had) {
+            ++updated;
+            int different = 0;
+            for (qsizetype i = 0; i < before.lines.size(); ++i)
+                different += before.lines.at(i) != after.lines.at(i);
+            QCOMPARE(different, 1);
+        } else {
+            QCOMPARE(without(after.lines, before.lines).size(), growth);
+        }
+
+        LineArray deleted = before;
+        if (INI_Entry_Delete(deleted, section, key)) {
+            QVERIFY(had);
+            QCOMPARE(without(before.lines, deleted.lines).size(), 1);
+        } else {
+            QCOMPARE(deleted.lines, before.lines);
+        }
+    }
+    QVERIFY(updated > 300);
+}
+
+void TestProperties::deletedSection_leavesTheRest()
+{
+    test::ConfigDisk disk;
+    for (quint32 seed = 0; seed < 2'000; ++seed) {
+        RandomFile file(seed);
+        const LineArray before = disk.linesOf(file.text());
+        const QString section = file.section();
+        const QStringList names = INI_Sections_GetNames(before);
+        const QStringList others = [&] {
+            QStringList kept = names;
+            kept.removeIf([&](const QString& n) { return equalNoCase(n, section); });
+            return kept;
+        }();
+        LineArray after = before;
+        QCOMPARE(INI_Section_Delete(after, section), others.size() != names.size());
+        QCOMPARE(INI_Sections_GetNames(after), others);
+        for (const QString& other : others) {
+            // Two pieces of a section that lost what stood between them read on as one.
+            if (names.count(other) == 1)
+                QCOMPARE(INI_Section_GetLines(after, other)->lines,
+                         INI_Section_GetLines(before, other)->lines);
+        }
+        QVERIFY(!INI_Section_GetLines(after, section));
+    }
+}
+
+void TestProperties::badInput_data()
+{
+    QTest::addColumn<int>("shape");
+    QTest::newRow("binary garbage") << 0;
+    QTest::newRow("a line of 10 MB") << 1;
+    QTest::newRow("a million sections") << 2;
+    QTest::newRow("NULs") << 3;
+    QTest::newRow("unclosed brackets") << 4;
+    QTest::newRow("10 MB of apostrophes") << 5;
+}
+
+void TestProperties::badInput()
+{
+    QFETCH(int, shape);
+    QByteArray bytes;
+    switch (shape) {
+    case 0:
+        bytes.resize(4'000'000);
+        QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(bytes.data()), 1'000'000);
+        break;
+    case 1:
+        bytes = "[a]\r\nt=" + QByteArray(10'000'000, 'x') + "\r\n";
+        break;
+    case 2:
+        for (int i = 0; i < 1'000'000; ++i)
+            bytes += "[s" + QByteArray::number(i) + "]\r\n";
+        break;
+    case 3:
+        bytes = QByteArray(1'000'000, '\0');
+        break;
+    case 4:
+        bytes = QByteArray(2'000'000, '[').replace(QByteArray("[["), QByteArray("[\r\n"));
+        break;
+    default:
+        bytes = "[a]\r\nt=" + QByteArray(10'000'000, '\'') + "\r\n";
+        break;
+    }
+    test::ConfigDisk disk;
+    LineArray lines = disk.linesOf(bytes);
+    QCOMPARE(lines.joined(), bytes);
+    const LineArray before = lines;
+    const qsizetype sections = INI_Sections_GetNames(lines).size();
+    QCOMPARE(sections >= 1'000'000, shape == 2);
+    QVERIFY(INI_Entry_Set(lines, u"s999999"_s, u"t"_s, u"1"_s).ok);
+    QCOMPARE(INI_Entry_Get(lines, u"s999999"_s, u"t"_s), std::optional(u"1"_s));
+    QVERIFY(INI_Entry_Delete(lines, u"s999999"_s, u"t"_s));
+    if (shape == 2)
+        QCOMPARE(lines.lines, before.lines);
+    QCOMPARE(INI_Entry_Get(lines, u"a"_s, u"t"_s).has_value(), shape == 1 || shape == 5);
+}
+
+VT_TEST_CLASS(TestProperties)
+#include "test_properties.moc"

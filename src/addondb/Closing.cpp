@@ -10,16 +10,14 @@ using namespace Qt::StringLiterals;
 
 namespace vt {
 
-namespace {
+// Found by their arguments' namespace, which an unnamed one would hide.
 
-constexpr quint8 closingFormat = 1;
-
-QDataStream& operator<<(QDataStream& out, const Place& place)
+static QDataStream& operator<<(QDataStream& out, const Place& place)
 {
     return out << quint8(place.root) << place.relative;
 }
 
-QDataStream& operator>>(QDataStream& in, Place& place)
+static QDataStream& operator>>(QDataStream& in, Place& place)
 {
     quint8 root = 0;
     in >> root >> place.relative;
@@ -27,25 +25,29 @@ QDataStream& operator>>(QDataStream& in, Place& place)
     return in;
 }
 
-QDataStream& operator<<(QDataStream& out, const OriginalRecord& r)
+static QDataStream& operator<<(QDataStream& out, const OriginalRecord& r)
 {
     return out << r.detailKey << r.masterKey << r.keptFile << r.size << r.hash;
 }
 
-QDataStream& operator>>(QDataStream& in, OriginalRecord& r)
+static QDataStream& operator>>(QDataStream& in, OriginalRecord& r)
 {
     return in >> r.detailKey >> r.masterKey >> r.keptFile >> r.size >> r.hash;
 }
 
-QDataStream& operator<<(QDataStream& out, const ConfigBaseRecord& r)
+static QDataStream& operator<<(QDataStream& out, const ConfigBaseRecord& r)
 {
     return out << r.file << r.keptFile << r.lastWrittenSize << r.lastWrittenHash << r.edits;
 }
 
-QDataStream& operator>>(QDataStream& in, ConfigBaseRecord& r)
+static QDataStream& operator>>(QDataStream& in, ConfigBaseRecord& r)
 {
     return in >> r.file >> r.keptFile >> r.lastWrittenSize >> r.lastWrittenHash >> r.edits;
 }
+
+namespace {
+
+constexpr quint8 closingFormat = 1;
 
 bool unpack(const QByteArray& bytes, InstallationClosing& closing)
 {

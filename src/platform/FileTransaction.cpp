@@ -31,7 +31,8 @@ Fingerprint absent()
 Result refused(const QString& path, const char* doing, int error)
 {
     return Result::failure(u"'"_s + path + u"' could not be "_s + QString::fromLatin1(doing) +
-                           u": "_s + hostfile::errorText(error));
+                               u": "_s + hostfile::errorText(error),
+                           error == ENOSPC ? ErrorKind::DiskFull : ErrorKind::Failed);
 }
 
 } // namespace
@@ -159,7 +160,7 @@ ResultOf<FileTransaction::Folder> FileTransaction::folderFor(const QString& fold
 }
 
 ResultOf<FileTransaction::Folder> FileTransaction::stagedFolder(const QString& folder,
-                                                        const QString& firstMissing)
+                                                                const QString& firstMissing)
 {
     const QString above = withoutTrailing(winpath::parent(firstMissing));
     const ResultOf<Folder> parent = folderFor(above);
@@ -469,7 +470,7 @@ Result FileTransaction::move(const QString& from, const QString& to, const Finge
 }
 
 ResultOf<QList<StepFailure>> FileTransaction::apply(const QByteArray& closing,
-                                                const std::function<Result()>& records)
+                                                    const std::function<Result()>& records)
 {
     Q_ASSERT(m_operation != 0);
     QList<JournalStep> steps;

@@ -233,6 +233,19 @@ QList<FileInfo> Files::list(QStringView folder) const
     return out;
 }
 
+QStringList Files::names(QStringView folder) const
+{
+    QStringList out;
+    if (folder.endsWith(u'\\'))
+        folder.chop(1);
+    const Resolved resolved = resolveFolder(folder);
+    if (resolved.exists)
+        readFolder(resolved.host, [&](const char* name, unsigned char) {
+            out.push_back(QString::fromUtf8(name));
+        });
+    return out;
+}
+
 QStringList Files::filesBelow(QStringView folder, qsizetype limit) const
 {
     QStringList out;

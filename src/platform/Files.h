@@ -46,6 +46,8 @@ public:
 
     /// Entries of a folder, sorted by name without regard to case; empty when there is none.
     [[nodiscard]] QList<FileInfo> list(QStringView folder) const;
+    /// Names alone, unsorted and without a look at each entry.
+    [[nodiscard]] QStringList names(QStringView folder) const;
     /// Files below a folder, all levels, as paths relative to it, sorted; links to folders are not
     /// entered. At most \a limit files.
     [[nodiscard]] QStringList filesBelow(QStringView folder, qsizetype limit = 1'000'000) const;

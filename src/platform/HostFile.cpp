@@ -38,7 +38,9 @@ constexpr qsizetype readPiece = 256 * 1024;
 Result failed(const char* doing, const QByteArray& name, int error)
 {
     return Result::failure(u"'"_s + QString::fromUtf8(name) + u"' could not be "_s +
-                           QString::fromLatin1(doing) + u": "_s + errorText(error));
+                               QString::fromLatin1(doing) + u": "_s + errorText(error),
+                           error == ENOSPC || error == EDQUOT ? ErrorKind::DiskFull
+                                                              : ErrorKind::Failed);
 }
 
 bool writeAll(int fd, QByteArrayView bytes, int& error)

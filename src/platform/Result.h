@@ -15,8 +15,10 @@ enum class ErrorKind
     None,
     Failed,       ///< the operation itself failed or was refused by a rule
     Usage,        ///< wrong arguments
-    Surroundings, ///< no valid simulator, database unusable, folder held by another, source unreadable
+    Surroundings, ///< no valid simulator, database unusable, folder held by another, source
+                  ///< unreadable
     Declined,     ///< a question was answered with No or Cancel
+    DiskFull,     ///< there is no room for what is to be written
 };
 
 /// Success, or one sentence for a person: what, where, why, what next.
@@ -26,7 +28,10 @@ struct [[nodiscard]] Result
     QString text; ///< set on failure; may hold a remark on success
     ErrorKind kind = ErrorKind::None;
 
-    static Result success(QString remark = {}) { return {true, std::move(remark), ErrorKind::None}; }
+    static Result success(QString remark = {})
+    {
+        return {true, std::move(remark), ErrorKind::None};
+    }
 
     static Result failure(QString why, ErrorKind kind = ErrorKind::Failed)
     {
@@ -37,8 +42,7 @@ struct [[nodiscard]] Result
 };
 
 /// A value, or the reason why there is none.
-template <typename T>
-struct [[nodiscard]] ResultOf
+template <typename T> struct [[nodiscard]] ResultOf
 {
     std::optional<T> value;
     QString text;

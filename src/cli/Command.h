@@ -15,8 +15,8 @@ namespace vt::cli {
 
 struct Option
 {
-    const char* name;        ///< "--to"
-    const char* valueName;   ///< "DIR"; nullptr for a flag
+    const char* name;      ///< "--to"
+    const char* valueName; ///< "DIR"; nullptr for a flag
     const char* help;
     bool repeatable = false;
     std::vector<const char*> choices = {}; ///< empty: any value
@@ -60,9 +60,9 @@ struct Arguments
 enum Exit : int
 {
     Done = 0,
-    Partly = 1,       ///< done in part, refused, or an unknown key
+    Partly = 1, ///< done in part, refused, or an unknown key
     WrongUsage = 2,
-    NotFit = 3,       ///< no valid simulator, database not usable, folder held, source unreadable
+    NotFit = 3, ///< no valid simulator, database not usable, folder held, source unreadable
     Declined = 4,
 };
 
@@ -84,8 +84,8 @@ struct Command
 [[nodiscard]] std::vector<Command> sceneryCommands();
 [[nodiscard]] std::vector<Command> archiveCommands();
 [[nodiscard]] std::vector<Command> databaseCommands();
-[[nodiscard]] std::vector<Command> addonCommands();   ///< list, show, owner, validate, history
-[[nodiscard]] std::vector<Command> planCommands();    ///< classify, plan
+[[nodiscard]] std::vector<Command> addonCommands(); ///< list, show, owner, validate, history
+[[nodiscard]] std::vector<Command> planCommands();  ///< classify, plan
 [[nodiscard]] std::vector<Command> installCommands();
 [[nodiscard]] std::vector<Command> removeCommands();
 

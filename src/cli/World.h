@@ -2,8 +2,12 @@
 // order of dependence: drives and files, registry, settings, simulator, program folder, database.
 #pragma once
 
+#include "platform/Journal.h"
+#include "platform/Processes.h"
 #include "platform/Result.h"
 #include "shell/Context.h"
+#include "shell/JsonStream.h"
+#include "shell/startup/Locate.h"
 
 #include <QJsonObject>
 #include <QString>
@@ -12,10 +16,10 @@
 #include <memory>
 
 namespace vt {
+class CRegistry_Manipulation;
 class Connection;
-class JsonStream;
-class Processes;
 class RegistryStore;
+class Results;
 } // namespace vt
 
 namespace vt::cli {
@@ -41,33 +45,57 @@ public:
 
     [[nodiscard]] const GlobalOptions& options() const;
 
+    /// Checks the global options that name folders of the host; to be called before a command runs.
+    [[nodiscard]] Result prepare();
+
     /// Files, gate, actions, prompts, status, clock, code page. Never fails.
     [[nodiscard]] Services& services();
     /// Global record with the program's folders, settings loaded; the simulator not yet located.
     [[nodiscard]] Context& context();
     /// context() with a located and validated simulator; kind Surroundings otherwise.
     [[nodiscard]] Result needSimulator();
+    /// What needSimulator() or needWriting() found out; looks, without asking, when neither ran.
+    [[nodiscard]] const LocatedSimulator& located();
     /// For commands that write: takes the lock, makes missing folders, deletes the old error log,
-    /// keeps the simulator's first copies, finishes interrupted work.
+    /// keeps the simulator's first copies, opens the database, finishes interrupted work. Does not
+    /// require a simulator unless interrupted work does.
     [[nodiscard]] Result needWriting();
     /// The open database; read-only unless needWriting() came before. A program folder without
-    /// database and without content counts as an empty one: \a database is then null.
+    /// database and without content counts as an empty one: database() is then null.
     [[nodiscard]] Result needDatabase();
     [[nodiscard]] Connection* database();
+    /// Interrupted operations that needWriting() finished.
+    [[nodiscard]] const QList<Recovery>& recoveries() const;
+
+    /// The program's own registry over the prefix's, loaded.
     [[nodiscard]] RegistryStore& registry();
+    [[nodiscard]] CRegistry_Manipulation& registryClass();
+    /// Writes the program's registry when it was changed; also done, without a word, at the end of
+    /// a call that writes.
+    [[nodiscard]] Result saveRegistry();
+    /// Outside tools and the simulator.
+    [[nodiscard]] Processes& processes();
 
     /// What the user typed as a path, as a Windows text. Registers nothing.
     [[nodiscard]] QString userPath(const QString& typed);
     /// As userPath(), and makes the folder a root that this call may write below.
     [[nodiscard]] QString userRoot(const QString& typed);
 
-    /// One JSON document on standard output (only with --json).
+    /// The one JSON document on standard output, to be written piece by piece; without --json it
+    /// goes nowhere. A command uses either this or json().
+    [[nodiscard]] JsonStream& out();
+    /// One whole JSON document on standard output (only with --json).
     void json(const QJsonValue& document);
     /// Text for people on standard output (nothing with --json).
     void say(const QString& line);
-    /// One sentence on standard error; with --json also {"error": {...}} merged into \a done.
+    /// The groups that are not empty with their texts, for people (nothing with --json).
+    void say(const Results& results);
+    /// One sentence on standard error; with --json also {"error": {...}} merged into \a done, or
+    /// into the document that out() has begun (an array is closed without it).
     /// Returns the exit status that belongs to the kind of failure.
     int fail(const Result& failure, const QJsonObject& done = {});
+    /// After the command: completes the JSON document, clears the progress bar.
+    void finish();
 
 private:
     struct Parts;

@@ -10,7 +10,7 @@ namespace vt {
 namespace {
 
 constexpr qsizetype keptLines = 1000;
-constexpr qsizetype writtenAtOnce = 64 * 1024;
+constexpr qsizetype writtenAtOnce = 4 * 1024;
 
 QString logFile(const GlobalRecord& global)
 {
@@ -49,8 +49,8 @@ void ErrorLog::report(const QString& procedure, const QString& error)
     if (m_lines.size() < keptLines)
         m_lines.append(line);
     m_content += line.toUtf8() + "\r\n";
-    // The file is written whole each time; a long one therefore only when it has grown by a half.
-    if (m_content.size() < writtenAtOnce || m_content.size() > m_onDisk + m_onDisk / 2)
+    // The file is written whole and synced each time; a long one only when it has grown by a third.
+    if (m_content.size() < writtenAtOnce || m_content.size() > m_onDisk + m_onDisk / 3)
         flush();
 }
 

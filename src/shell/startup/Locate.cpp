@@ -117,7 +117,7 @@ public:
     {
         if (m_search.option)
             return accept(*m_search.option, u"option"_s);
-        return overrideFile() || registry() || laterKeys() || askUser();
+        return overrideFile() || registry() || laterKeys() || (m_search.interact && askUser());
     }
 
 private:
@@ -149,7 +149,8 @@ private:
             return false;
         if (accept(folder, u"SimPath.txt"_s))
             return true;
-        m_context.services.prompts.ask(unknownOverride(m_context.global.names, folder, file));
+        if (m_search.interact)
+            m_context.services.prompts.ask(unknownOverride(m_context.global.names, folder, file));
         return false;
     }
 

@@ -41,6 +41,8 @@ struct SimulatorSearch
     /// Folder that the user named for this run; when it is not valid nothing else is tried.
     std::optional<QString> option;
     ShellFolders shell;
+    /// Whether the user may be warned about "SimPath.txt" and asked for the folder.
+    bool interact = true;
 };
 
 /// Runs the search. Success means that \a located is valid and the global record names its folders;

@@ -1,0 +1,167 @@
+// doctor: what start-up does, told: the program folder, the simulator, the database, interrupted
+// work, outside tools.
+#include "addondb/Connection.h"
+#include "cli/Command.h"
+#include "platform/Gate.h"
+#include "platform/WinPath.h"
+#include "shell/Settings.h"
+
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+namespace vt::cli {
+
+namespace {
+
+void tellSimulator(World& world)
+{
+    const LocatedSimulator& located = world.located();
+    JsonStream& out = world.out();
+    out.beginObject(u"simulator");
+    out.field(u"folder", located.chosen.folder);
+    out.field(u"generation", located.generation);
+    out.field(u"valid", located.valid());
+    out.field(u"code", located.chosen.validation.code);
+    out.field(u"foundBy", located.chosen.foundBy);
+    out.endObject();
+    const QString folder = located.chosen.folder.isEmpty() ? u"none"_s : located.chosen.folder;
+    world.say(u"Simulator:      "_s + folder +
+              (located.valid() ? u" (valid, by "_s + located.chosen.foundBy + u")"_s
+               : located.chosen.folder.isEmpty()
+                   ? QString()
+                   : u" (not valid: "_s +
+                         validationCause(located.chosen.validation, located.generation) + u")"_s));
+}
+
+/// False when the database is not usable; \a why then says so.
+void tellDatabase(World& world, const Result& opened)
+{
+    const QString path = world.context().global.databaseFile;
+    const std::optional<FileInfo> info = world.services().files.info(path);
+    JsonStream& out = world.out();
+    out.beginObject(u"database");
+    out.field(u"path", path);
+    out.field(u"ok", opened.ok);
+    out.field(u"bytes", info ? info->size : 0);
+    out.field(u"structure", world.database() ? world.database()->structure() : 0);
+    out.endObject();
+    world.say(u"Database:       "_s + path +
+              (opened.ok ? u" (sound)"_s : u" ("_s + opened.text + u")"_s));
+}
+
+void tellInterrupted(World& world)
+{
+    JsonStream& out = world.out();
+    out.beginArray(u"interrupted");
+    for (const Recovery& recovery : world.recoveries()) {
+        const JournalOperation& operation = recovery.operation;
+        out.beginObject();
+        out.field(u"name", operation.label);
+        out.field(u"kind",
+                  operation.kind == OperationKind::Installation ? u"installation"_s
+                  : operation.kind == OperationKind::Removal    ? u"removal"_s
+                                                                : u"configuration"_s);
+        out.field(u"outcome", recovery.outcome);
+        out.field(u"texts", recovery.texts);
+        out.endObject();
+        world.say(u"Interrupted:    '"_s + operation.label + u"' was "_s + recovery.outcome);
+        for (const QString& text : recovery.texts)
+            world.say(u"                "_s + text);
+    }
+    out.endArray();
+}
+
+void tellTool(World& world, QStringView key, const QString& title, const QString& folder)
+{
+    const bool found = !folder.isEmpty() && world.services().files.isFolder(folder);
+    JsonStream& out = world.out();
+    out.beginObject(key);
+    out.field(u"folder", folder);
+    out.field(u"found", found);
+    out.endObject();
+    world.say(title +
+              (folder.isEmpty() ? u"not set"_s : folder + (found ? u""_s : u" (missing)"_s)));
+}
+
+void tellTools(World& world)
+{
+    Settings& settings = world.context().settings;
+    JsonStream& out = world.out();
+    const QString launcher = QStandardPaths::findExecutable(u"wine"_s);
+    out.beginObject(u"tools");
+    out.beginObject(u"launcher");
+    out.field(u"path", launcher);
+    out.field(u"found", !launcher.isEmpty());
+    out.endObject();
+    world.say(u"Launcher:       "_s + (launcher.isEmpty() ? u"'wine' was not found"_s : launcher));
+    tellTool(world,
+             u"trafficTools",
+             u"Traffic Tools:  "_s,
+             winpath::asFolder(settings.text(SettingKey::TrafficToolsFolder)));
+    tellTool(world,
+             u"airportEditor",
+             u"Airport editor: "_s,
+             winpath::asFolder(settings.text(SettingKey::AFCADFolder)));
+    out.endObject();
+}
+
+/// Folders of the simulator that stand there twice, spelled differently.
+void tellTwins(World& world)
+{
+    JsonStream& out = world.out();
+    out.beginArray(u"twins");
+    const GlobalRecord& global = world.context().global;
+    if (world.located().valid()) {
+        for (const QString& folder : {global.simulatorFolder, global.simObjectsFolder}) {
+            for (const QStringList& names : world.services().files.twins(folder)) {
+                out.beginObject();
+                out.field(u"folder", folder);
+                out.field(u"names", names);
+                out.endObject();
+                world.say(u"Twins:          '"_s + names.join(u"', '"_s) + u"' in '"_s + folder +
+                          u"' differ only in case"_s);
+            }
+        }
+    }
+    out.endArray();
+}
+
+int doctor(World& world, const Arguments&)
+{
+    const Result writing = world.needWriting();
+    const Result simulator = world.needSimulator();
+    Result database = writing;
+    if (writing && world.database())
+        database = world.database()->check();
+
+    JsonStream& out = world.out();
+    const QString home = world.context().global.programFolder;
+    out.beginObject();
+    out.field(u"home", home);
+    world.say(u"Program folder: "_s + home);
+    tellSimulator(world);
+    tellDatabase(world, database);
+    tellInterrupted(world);
+    tellTools(world);
+    tellTwins(world);
+    // The first failure counts: without the program folder nothing else can be right.
+    for (const Result& failure : {writing, database, simulator})
+        if (!failure)
+            return world.fail(Result::failure(failure.text, ErrorKind::Surroundings));
+    out.endObject();
+    return Done;
+}
+
+} // namespace
+
+std::vector<Command> doctorCommands()
+{
+    return {{"doctor",
+             "looks at simulator, program folder and database; finishes interrupted work",
+             {},
+             {},
+             doctor}};
+}
+
+} // namespace vt::cli

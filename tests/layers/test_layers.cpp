@@ -3,12 +3,15 @@
 #include "Guards.h"
 #include "support/TestMain.h"
 
+#include <QDir>
+
 using namespace Qt::StringLiterals;
 using namespace vt::test;
 
 namespace {
 
-const QString projectRoot = QStringLiteral(VT_TEST_DATA "/../..");
+/// Lexical: the folder of the data need not exist.
+const QString projectRoot = QDir::cleanPath(QStringLiteral(VT_TEST_DATA "/../.."));
 
 QString joined(const QStringList& faults)
 {

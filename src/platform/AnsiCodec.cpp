@@ -1,5 +1,6 @@
 #include "platform/AnsiCodec.h"
 
+#include <QList>
 #include <QStringDecoder>
 #include <QStringEncoder>
 

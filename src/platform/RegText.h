@@ -2,13 +2,41 @@
 // registry files have them. Works on the bytes of a whole file; knows no hives.
 #pragma once
 
+#include "platform/Text.h"
+
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QSet>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
 namespace vt::regtext {
+
+/// Names in the order of their first mention, each once without regard to case.
+class NameList
+{
+public:
+    void add(const QString& name)
+    {
+        if (m_known.contains({name}))
+            return;
+        m_known.insert({name});
+        names += name;
+    }
+
+    void add(const QStringList& more)
+    {
+        for (const QString& name : more)
+            add(name);
+    }
+
+    QStringList names;
+
+private:
+    QSet<NoCase> m_known;
+};
 
 /// One line "name"=data, or @=data for the name "".
 struct ValueLine

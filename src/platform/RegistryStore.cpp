@@ -167,16 +167,14 @@ RegistryStore::value(Hive hive, const QString& key, const QString& name) const
 QStringList RegistryStore::ownSubKeys(Hive hive, const QString& key) const
 {
     const QString folder = registryKeyPath(key) + u'\\';
-    QStringList names;
+    regtext::NameList out;
     for (const Key& other : m_keys) {
         if (other.hive != hive || (folder.size() > 1 && !startsWithNoCase(other.path, folder)))
             continue;
         const QString rest = other.path.sliced(folder.size() > 1 ? folder.size() : 0);
-        const QString name = rest.section(u'\\', 0, 0);
-        if (!names.contains(name, Qt::CaseInsensitive))
-            names += name;
+        out.add(rest.section(u'\\', 0, 0));
     }
-    return names;
+    return out.names;
 }
 
 bool RegistryStore::hasKey(Hive hive, const QString& key) const
@@ -187,31 +185,24 @@ bool RegistryStore::hasKey(Hive hive, const QString& key) const
 
 QStringList RegistryStore::subKeys(Hive hive, const QString& key) const
 {
-    QStringList names = ownSubKeys(hive, key);
-    if (m_wine) {
-        for (const QString& name : m_wine->subKeys(hive, key)) {
-            if (!names.contains(name, Qt::CaseInsensitive))
-                names += name;
-        }
-    }
-    return names;
+    regtext::NameList out;
+    out.add(ownSubKeys(hive, key));
+    if (m_wine)
+        out.add(m_wine->subKeys(hive, key));
+    return out.names;
 }
 
 QStringList RegistryStore::valueNames(Hive hive, const QString& key) const
 {
-    QStringList names;
+    regtext::NameList out;
     const qsizetype found = find(hive, key);
     if (found >= 0) {
         for (const Value& value : m_keys[found].values)
-            names += value.name;
+            out.add(value.name);
     }
-    if (m_wine) {
-        for (const QString& name : m_wine->valueNames(hive, key)) {
-            if (!names.contains(name, Qt::CaseInsensitive))
-                names += name;
-        }
-    }
-    return names;
+    if (m_wine)
+        out.add(m_wine->valueNames(hive, key));
+    return out.names;
 }
 
 Result

@@ -13,16 +13,6 @@ namespace {
 constexpr QStringView software = u"Software\\";
 constexpr QStringView software32 = u"Software\\Wow6432Node\\";
 
-/// Adds names that are not in the list yet.
-void addNew(QStringList& names, const QStringList& more)
-{
-    for (const QString& name : more) {
-        const auto same = [&](const QString& known) { return equalNoCase(known, name); };
-        if (std::none_of(names.cbegin(), names.cend(), same))
-            names += name;
-    }
-}
-
 /// "\Registry\Machine\System\X" as "System\X".
 QString linkTarget(const QString& absolute)
 {
@@ -153,7 +143,7 @@ bool WineRegistryFile::hasKey(const QString& key) const
 QStringList WineRegistryFile::subKeys(const QString& key) const
 {
     const QString folder = resolved(key) + u'\\';
-    QStringList names;
+    regtext::NameList out;
     for (const Key& other : m_keys) {
         if (folder.size() > 1 && !startsWithNoCase(other.path, folder))
             continue;
@@ -162,10 +152,10 @@ QStringList WineRegistryFile::subKeys(const QString& key) const
         const qsizetype end = rest.indexOf(u'\\');
         const QStringView name = end < 0 ? rest : rest.first(end);
         // Keys below one another stand together.
-        if (names.isEmpty() || !equalNoCase(names.constLast(), name))
-            addNew(names, {name.toString()});
+        if (out.names.isEmpty() || out.names.constLast() != name)
+            out.add(name.toString());
     }
-    return names;
+    return out.names;
 }
 
 QStringList WineRegistryFile::valueNames(const QString& key) const
@@ -230,18 +220,18 @@ bool WineRegistry::hasKey(Hive hive, const QString& key) const
 
 QStringList WineRegistry::subKeys(Hive hive, const QString& key) const
 {
-    QStringList names;
+    regtext::NameList out;
     for (const Spot& spot : spots(hive, key))
-        addNew(names, spot.file->subKeys(spot.key));
-    return names;
+        out.add(spot.file->subKeys(spot.key));
+    return out.names;
 }
 
 QStringList WineRegistry::valueNames(Hive hive, const QString& key) const
 {
-    QStringList names;
+    regtext::NameList out;
     for (const Spot& spot : spots(hive, key))
-        addNew(names, spot.file->valueNames(spot.key));
-    return names;
+        out.add(spot.file->valueNames(spot.key));
+    return out.names;
 }
 
 } // namespace vt

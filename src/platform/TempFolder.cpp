@@ -25,10 +25,15 @@ constexpr int pauseMs = 100;
 /// Names tried before a pause; one is nearly always enough.
 constexpr int namesAtOnce = 16;
 
-QString uniqueName(const QString& prefix)
+QString numberedName(const QString& prefix, quint16 number)
 {
-    const QString digits = QString::number(QRandomGenerator::system()->bounded(0x10000), 16);
-    return prefix + digits.toUpper().rightJustified(4, u'0') + u".tmp"_s;
+    const QString digits = QString::number(number, 16).toUpper();
+    return prefix + digits.rightJustified(4, u'0') + u".tmp"_s;
+}
+
+quint16 randomNumber()
+{
+    return quint16(QRandomGenerator::system()->bounded(0x10000));
 }
 
 /// 0, or the error that the system gave.
@@ -61,8 +66,9 @@ QList<QByteArray> entriesOf(int folder)
 
 } // namespace
 
-TempFolder::TempFolder(Gate& gate, QString root)
-    : m_gate(gate), m_root(winpath::asFolder(root)) // NOLINT: the parameter is a copy by contract
+TempFolder::TempFolder(Gate& gate, const QString& root, Numbers numbers)
+    : m_gate(gate), m_root(winpath::asFolder(root)),
+      m_numbers(numbers ? std::move(numbers) : Numbers(randomNumber))
 {}
 
 ResultOf<QByteArray> TempFolder::hostFolder(const QString& folder) const
@@ -95,7 +101,7 @@ ResultOf<QString> TempFolder::make(const QString& base, const QString& prefix, b
     int error = 0;
     while (true) {
         for (int i = 0; i < namesAtOnce; ++i) {
-            const QString name = uniqueName(prefix);
+            const QString name = numberedName(prefix, m_numbers());
             if (Result fit = winpath::checkComponent(name); !fit)
                 return fit;
             error = makeEntry(*host + '/' + name.toUtf8(), folder);

@@ -7,6 +7,8 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace vt {
 
 class Gate;
@@ -14,9 +16,12 @@ class Gate;
 class TempFolder
 {
 public:
+    /// Gives the number in the next name.
+    using Numbers = std::function<quint16()>;
+
     /// \a root: the program's temporary folder, a Windows text below one of the gate's roots.
-    /// \a gate must outlive this.
-    TempFolder(Gate& gate, QString root);
+    /// \a gate must outlive this. Without \a numbers they are random.
+    TempFolder(Gate& gate, const QString& root, Numbers numbers = {});
 
     /// A new, empty folder in \a base (the root or a folder below it, which must exist), named
     /// \a prefix (three letters) + hexadecimal digits + ".tmp". Taken names are retried every
@@ -38,6 +43,7 @@ private:
 
     Gate& m_gate;
     QString m_root;
+    Numbers m_numbers;
 };
 
 } // namespace vt

@@ -78,19 +78,28 @@ void TestTemp::uniqueFile()
 void TestTemp::takenNamesAreWaitedFor()
 {
     TempDisk disk;
-    const QString base = disk.host(u"Vantrel/Temp/INA/"_s);
-    for (int i = 0; i < 0x10000; ++i) {
-        const QString name =
-            u"REN"_s + QString::number(i, 16).toUpper().rightJustified(4, u'0') + u".tmp"_s;
-        QVERIFY(QFile(base + name).open(QIODevice::WriteOnly));
-    }
+    const QString base = u"C:\\Vantrel\\Temp\\INA\\"_s;
+    const QString taken = disk.host(u"Vantrel/Temp/INA/REN00AF.tmp"_s);
+    disk.write(u"Vantrel/Temp/INA/REN00AF.tmp"_s, "kept");
+    const TempFolder stuck(disk.gate, u"C:\\Vantrel\\Temp"_s, [] { return quint16(0xaf); });
     QElapsedTimer timer;
     timer.start();
-    const ResultOf<QString> made = disk.temp.makeUnique(u"C:\\Vantrel\\Temp\\INA\\"_s, u"REN"_s);
-    QVERIFY(!made.ok());
-    QVERIFY2(timer.elapsed() >= 4000 && timer.elapsed() < 8000,
-             qPrintable(QString::number(timer.elapsed())));
-    QVERIFY2(made.text.contains(u"C:\\Vantrel\\Temp\\INA\\"_s), qPrintable(made.text));
+    const ResultOf<QString> refused = stuck.makeUnique(base, u"REN"_s);
+    QVERIFY(!refused.ok());
+    QVERIFY2(timer.elapsed() >= 4000, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(refused.text.contains(base), qPrintable(refused.text));
+    QCOMPARE(readHostFile(taken), QByteArray("kept"));
+
+    // Another process gives the name up while it is waited for.
+    int asked = 0;
+    const TempFolder patient(disk.gate, u"C:\\Vantrel\\Temp"_s, [&] {
+        if (++asked == 40)
+            QFile::remove(taken);
+        return quint16(0xaf);
+    });
+    const ResultOf<QString> made = patient.makeUnique(base, u"REN"_s);
+    QVERIFY2(made.ok(), qPrintable(made.text));
+    QCOMPARE(*made, base + u"REN00AF.tmp\\"_s);
 }
 
 void TestTemp::refusedPlaces_data()

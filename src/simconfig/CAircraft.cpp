@@ -371,14 +371,15 @@ Result CAircraft::PanelOrSound_Entry_Update(Alias which, const QString& suffix)
         return failed(NoTarget, Result::failure(State_GetMessage(NoTarget)));
     if (!INILines_Load())
         return Result::failure(m_error);
-    const QString key = which == Alias::Panel ? u"panel"_s : u"sound"_s;
     const LineArray before = sarrayINILines;
+    Result done = ini::checkEditable(sarrayINILines, sConfigurationFile);
     // Update would put the entry of a section that does not exist behind the file's first line.
-    if (!ini::INI_Section_GetLines(sarrayINILines, sSection))
-        return failed(NotUpdated,
-                      Result::failure(u"'"_s + sConfigurationFile + u"' has no section '"_s +
-                                      sSection + u"' to change."_s));
-    Result done = ini::INI_Entry_Update(sarrayINILines, sSection, key, suffix);
+    if (done && !ini::INI_Section_GetLines(sarrayINILines, sSection))
+        done = Result::failure(u"'"_s + sConfigurationFile + u"' has no section '"_s + sSection +
+                               u"' to change."_s);
+    if (done)
+        done = ini::INI_Entry_Update(
+            sarrayINILines, sSection, which == Alias::Panel ? u"panel"_s : u"sound"_s, suffix);
     if (done)
         done = protocol().save(m_access, sarrayINILines);
     if (!done) {

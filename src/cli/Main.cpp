@@ -6,6 +6,7 @@
 #include <QHash>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <list>
 
 using namespace Qt::StringLiterals;
@@ -114,14 +115,16 @@ CLI::App* commandApp(CLI::App& root, QHash<QString, CLI::App*>& groups, const Co
     if (blank < 0)
         return root.add_subcommand(command.name, command.help);
     const QString group = name.left(blank);
+    const std::string second = name.mid(blank + 1).toStdString();
     CLI::App*& app = groups[group];
     if (!app) {
-        app = root.add_subcommand(group.toStdString(),
-                                  "commands: see " + group.toStdString() + " --help");
+        app = root.add_subcommand(group.toStdString(), second);
         app->fallthrough();
         app->require_subcommand(1);
+    } else {
+        app->description(app->get_description() + ", " + second);
     }
-    return app->add_subcommand(name.mid(blank + 1).toStdString(), command.help);
+    return app->add_subcommand(second, command.help);
 }
 
 void addGlobalOptions(CLI::App& app, GlobalOptions& options, std::vector<std::string>& drives)
@@ -195,7 +198,7 @@ public:
             // The library may have given up before it came to --json.
             for (int i = 1; i < argc; ++i)
                 m_options.json = m_options.json || qstrcmp(argv[i], "--json") == 0;
-            return refuse(wrongUsage(error.what()));
+            return refuse(wrongUsage(explained(error)));
         }
         for (const std::string& drive : m_drives)
             m_options.drives.append(unmarked(drive));
@@ -206,6 +209,23 @@ public:
     }
 
 private:
+    /// The library complains of a missing command where an unknown one was typed.
+    [[nodiscard]] std::string explained(const CLI::ParseError& error) const
+    {
+        const std::vector<std::string> left = m_app.remaining(true);
+        if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::RequiredError) ||
+            left.empty() || !error.get_name().starts_with("Required") || hasCommand())
+            return error.what();
+        return "There is no command '" + left.front() + "'";
+    }
+
+    [[nodiscard]] bool hasCommand() const
+    {
+        return std::any_of(m_parsers.begin(), m_parsers.end(), [](const CommandParser& parser) {
+            return parser.app->parsed();
+        });
+    }
+
     int refuse(const Result& why)
     {
         World world(m_options);

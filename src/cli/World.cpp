@@ -247,6 +247,9 @@ Result World::Parts::openForWriting(bool fresh)
     if (!opened.connection)
         return unfit(opened.result.text);
     database = std::move(opened.connection);
+    const qint64 bytes = files->info(global.databaseFile).value_or(FileInfo{}).size;
+    if (const QString text = databaseSizeText(global.names, bytes); !text.isEmpty())
+        prompts.ask(announcement(u"Database Warning"_s, text, Icon::Warning));
     return Result::success();
 }
 

@@ -35,16 +35,6 @@ constexpr int openWithConfigFiles = 11;
 constexpr int openWithTraffic = 12;
 static_assert(openWithTexts.size() == openWithTraffic + 1);
 
-QString oversizeText(const DisplayNames& names, qint64 bytes)
-{
-    const QString text = names.productTitle + u"'s database "_s;
-    if (bytes <= sizeFull)
-        return text +
-               u"is reaching its maximum size of 1 GB. Optimizing should reduce the database size."_s;
-    return text +
-           u"is at its maximum size of 1 GB. You may experience errors if you install more addons. Try optimizing to reduce the database size. You can also remove some addons and addon history records to further shrink the database."_s;
-}
-
 /// Type of the files with an extension ("CompressedFolder" for ".zip"), or the extension itself
 /// where none is registered.
 QString fileTypeKey(const CRegistry_Manipulation& registry, const QString& extension)
@@ -116,12 +106,24 @@ Prompt missingDatabase(const GlobalRecord& global)
         Icon::Critical);
 }
 
+QString databaseSizeText(const DisplayNames& names, qint64 bytes)
+{
+    if (bytes < sizeReaching)
+        return {};
+    const QString text = names.productTitle + u"'s database "_s;
+    if (bytes <= sizeFull)
+        return text +
+               u"is reaching its maximum size of 1 GB. Optimizing should reduce the database size."_s;
+    return text +
+           u"is at its maximum size of 1 GB. You may experience errors if you install more addons. Try optimizing to reduce the database size. You can also remove some addons and addon history records to further shrink the database."_s;
+}
+
 std::optional<Prompt> databaseSizePrompt(const DisplayNames& names, qint64 bytes)
 {
     if (bytes < sizeReaching)
         return std::nullopt;
     const QString caption = u"Database Warning"_s;
-    const QString text = oversizeText(names, bytes);
+    const QString text = databaseSizeText(names, bytes);
     if (bytes == sizeReaching)
         return announcement(caption, text, Icon::Information);
     return yesNoCancel(

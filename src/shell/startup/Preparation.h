@@ -28,6 +28,8 @@ Result keepOriginals(Context& context);
 /// "Database File Error": the database file is missing from a folder that has been in use.
 [[nodiscard]] Prompt missingDatabase(const GlobalRecord& global);
 
+/// The sentence about a database file that has grown near its limit; empty below 950,000,000 bytes.
+[[nodiscard]] QString databaseSizeText(const DisplayNames& names, qint64 bytes);
 /// What start-up and installations say about the size of the database file; nothing below
 /// 950,000,000 bytes. At exactly that size an announcement, above it a question: Cancel ends the
 /// program, Yes optimises.

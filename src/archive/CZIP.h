@@ -8,6 +8,7 @@
 #include "platform/Result.h"
 #include "platform/Services.h"
 
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -90,6 +91,7 @@ private:
     [[nodiscard]] bool cancelled() const;
     void status(const QString& text) const;
     void progress(qint64 done, qint64 total) const;
+    qint64 modifiedNs(const CZIPFileItem& item);
 
     // CZIP_Listing.cpp
     Result list();
@@ -112,6 +114,7 @@ private:
     Services& m_services;
     DirectActions m_unsynced;
     std::shared_ptr<ZipScratch> m_scratch;
+    QHash<qint64, qint64> m_hours; ///< local hours to milliseconds since 1970 UTC
     Result m_result;
     QStringList m_remarks;
     int m_count = 0;

@@ -427,6 +427,7 @@ void TestCZIP::extract_bytesTimesAndFolders()
         .add("empty/", {})
         .add("d/file.bin", data)
         .add("d/undated.bin", "u", {.stamp = 0})
+        .add("d/later.bin", "l", {.stamp = 0x58B2'677D}) // 12:59:58
         .add("n.zip", nested(0))
         .save(w.host(u"a.zip"_s));
     CZIP zip(w.services);
@@ -436,16 +437,18 @@ void TestCZIP::extract_bytesTimesAndFolders()
     zip.boolImbeddedZIPs_Process = true;
     zip.CProgressBarEx = &w.status;
     QVERIFY2(zip.Extract(), qPrintable(zip.resultText()));
-    QCOMPARE(zip.ArchiveFiles_Count(), 3);
+    QCOMPARE(zip.ArchiveFiles_Count(), 4);
     QVERIFY(w.files.isFolder(u"C:\\out\\empty"_s));
     QVERIFY(w.bytes(u"out/d/file.bin"_s) == data);
     QCOMPARE(w.bytes(u"out/n.zip"_s), nested(0));
     QCOMPARE(w.files.info(u"C:\\out\\d\\file.bin")->modified(),
              QDateTime(QDate(2024, 5, 18), QTime(12, 0)));
+    QCOMPARE(w.files.info(u"C:\\out\\d\\later.bin")->modified(),
+             QDateTime(QDate(2024, 5, 18), QTime(12, 59, 58)));
     QVERIFY(
         w.files.info(u"C:\\out\\d\\undated.bin")->modified().secsTo(QDateTime::currentDateTime()) <
         600);
-    QCOMPARE(w.status.last, (std::pair<qint64, qint64>{4, 4}));
+    QCOMPARE(w.status.last, (std::pair<qint64, qint64>{5, 5}));
 }
 
 void TestCZIP::extract_unsafeNamesAreToldAndTheOthersGoOn()

@@ -4,6 +4,7 @@
 #include "install/ConfigNormalizer.h"
 #include "platform/Hash.h"
 #include "platform/WinPath.h"
+#include "shell/ErrorLog.h"
 #include "shell/Settings.h"
 
 #include <QLocale>

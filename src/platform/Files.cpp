@@ -130,7 +130,7 @@ QByteArray Files::spellingIn(const QByteArray& hostFolder, QStringView name) con
 
 Files::Resolved Files::resolveFolder(QStringView folder) const
 {
-    const NoCase key{folder.toString()};
+    const QString key = folder.toString();
     if (const auto it = m_folders.constFind(key); it != m_folders.cend() && it->epoch == m_epoch)
         return *it;
 
@@ -162,9 +162,12 @@ Files::Resolved Files::resolveFolder(QStringView folder) const
             }
         }
     }
-    if (m_folders.size() > maxCachedFolders)
+    if (m_folders.size() > maxCachedFolders) {
         m_folders.clear();
+        m_missingFolders = 0;
+    }
     m_folders.insert(key, out);
+    m_missingFolders += out.exists ? 0 : 1;
     return out;
 }
 
@@ -407,13 +410,11 @@ void Files::noteChanged(QStringView path)
     const qsizetype cut = path.lastIndexOf(u'\\');
     if (cut < 0)
         return;
-    const auto above = m_folders.constFind(NoCase{path.first(cut).toString()});
-    const auto own = m_folders.constFind(NoCase{path.toString()});
-    // A folder that was remembered as missing may have come to life, and folders below it.
-    const bool unsure =
-        above == m_folders.cend() || !above->exists || (own != m_folders.cend() && !own->exists);
-    if (unsure) {
+    const auto above = m_folders.constFind(path.first(cut).toString());
+    // A folder that was remembered as missing, in whatever spelling, may have come to life.
+    if (m_missingFolders > 0 || above == m_folders.cend()) {
         m_folders.clear();
+        m_missingFolders = 0;
         m_listings.clear();
         m_cachedNames = 0;
         return;
@@ -422,7 +423,7 @@ void Files::noteChanged(QStringView path)
         m_cachedNames -= cached->names.size();
         m_listings.erase(cached);
     }
-    m_folders.remove(NoCase{path.toString()});
+    m_folders.remove(path.toString());
 }
 
 } // namespace vt

@@ -94,7 +94,8 @@ private:
 
     const DriveTable& m_drives;
     quint64 m_epoch = 1;
-    mutable QHash<NoCase, Resolved> m_folders;
+    mutable QHash<QString, Resolved> m_folders; ///< by their spelling: twins are told apart
+    mutable qsizetype m_missingFolders = 0;     ///< those in m_folders that do not exist
     mutable QHash<QByteArray, Listing> m_listings;
     mutable qsizetype m_cachedNames = 0;
 };

@@ -1,6 +1,7 @@
 // What a removal does with files and folders.
 #include "addondb/AddonDatabase.h"
 #include "platform/WinPath.h"
+#include "shell/ErrorLog.h"
 #include "remove/CAddonRemover.h"
 
 using namespace Qt::StringLiterals;

@@ -1,0 +1,142 @@
+#include "flow/FlowWorld.h"
+
+#include "addondb/JournalTable.h"
+#include "demo/SampleAddons.h"
+#include "platform/WinPath.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+
+using namespace Qt::StringLiterals;
+
+namespace vt::test {
+
+QString temporaryTemplate()
+{
+    const QFileInfo memory(u"/dev/shm"_s);
+    const QString base = memory.isWritable() ? memory.filePath() : QDir::tempPath();
+    return base + u"/vantrel-test-XXXXXX"_s;
+}
+
+FlowWorld::FlowWorld(const QString& folder)
+{
+    const QString prefix = folder + u"/prefix"_s;
+    if (QFileInfo::exists(prefix)) {
+        demo = demoSimulatorAt(prefix);
+    } else {
+        ResultOf<DemoSimulator> written = writeDemoSimulator(prefix);
+        if (!written)
+            qFatal("%s", qPrintable(written.text));
+        demo = *written;
+    }
+    QDir().mkpath(folder + u"/program"_s);
+    drives.set(u'C', prefix + u"/drive_c"_s);
+    files.newOperation();
+    global.generation = FSX;
+    global.names = displayNames(FSX);
+    global.setProgramFolder(winpath::asFolder(drives.toWindows(folder + u"/program"_s)));
+    global.setSimulatorFolder(demo.simulatorFolder);
+    global.sceneryCfgFile = demo.allUsersFolder + u"Scenery.cfg"_s;
+    global.mainConfigFolder = demo.userDataFolder;
+    gate.setRoot(RootId::Program, global.programFolder);
+    gate.setRoot(RootId::Simulator, demo.simulatorFolder);
+    gate.setRoot(RootId::AllUsersConfig, demo.allUsersFolder);
+    gate.setRoot(RootId::UserConfig, demo.userDataFolder);
+    gate.setRoot(RootId::Documents, demo.documentsFolder);
+    settings.Registry_LoadSettings();
+    for (const QString& own : {global.originalsFolder,
+                               global.addonsFolder,
+                               global.backupsFolder,
+                               global.cabinetFolder,
+                               global.settingsFolder,
+                               global.tempFolder})
+        QDir().mkpath(QString::fromUtf8(files.hostPath(own)));
+    files.newOperation();
+}
+
+FlowWorld::~FlowWorld()
+{
+    stop();
+}
+
+Result FlowWorld::start()
+{
+    OpenedDatabase opened = files.isFile(global.databaseFile)
+                                ? Connection::open(files, global.databaseFile, OpenMode::ReadWrite)
+                                : Connection::create(gate, global.databaseFile);
+    if (!opened.connection)
+        return opened.result;
+    database = std::move(opened.connection);
+    JournalTable journal(*database, gate);
+    ResultOf<QList<Recovery>> done = recover(journal, gate);
+    if (!done)
+        return done.error();
+    recoveries = *done;
+    return Result::success();
+}
+
+void FlowWorld::stop()
+{
+    if (database)
+        (void)database->close();
+    database.reset();
+}
+
+ResultOf<qint64> FlowWorld::install(const QString& hostSource, const InstallOptions& options)
+{
+    files.newOperation();
+    CAddonInstallationDetails details(context);
+    if (Result prepared = details.prepare(drives.toWindows(hostSource), options); !prepared)
+        return prepared;
+    CAddonInstaller installer(context, *database, details);
+    const bool reached = installer.Install_Begin();
+    results = installer.results();
+    if (!reached)
+        return installer.failure();
+    return installer.masterKey();
+}
+
+Result FlowWorld::remove(qint64 key)
+{
+    CAddonRemover remover(context, *database, key, RemovalMethod::Delete);
+    const bool reached = remover.Remove_Begin();
+    results = remover.results();
+    anyFailed = remover.anyFailed();
+    return reached ? Result::success() : remover.failure();
+}
+
+TreeSnapshot FlowWorld::tree() const
+{
+    return hashTree(demo.prefixHost);
+}
+
+QString FlowWorld::simulatorPath(const QString& relative) const
+{
+    return demo.simulatorFolder + relative;
+}
+
+QString FlowWorld::hostPath(const QString& relative) const
+{
+    return QString::fromUtf8(files.hostPath(demo.simulatorFolder + relative));
+}
+
+QString writePack(const QString& hostFolder, const QString& name, const DemoFiles& files)
+{
+    QDir().mkpath(hostFolder);
+    const QString path = hostFolder + u'/' + name + u".zip"_s;
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        qFatal("%s cannot be written", qPrintable(path));
+    file.write(SampleAddon{name, {}, files}.archive());
+    return path;
+}
+
+void copyTree(const QString& from, const QString& to)
+{
+    if (QProcess::execute(u"cp"_s, {u"-a"_s, from, to}) != 0)
+        qFatal("%s cannot be copied", qPrintable(from));
+}
+
+} // namespace vt::test

@@ -1,0 +1,78 @@
+// A demonstration simulator, a program folder and the real objects over them, for whole
+// installations and removals. Several worlds may be built one after the other over one folder, as
+// several runs of the program would be.
+#pragma once
+
+#include "addondb/Connection.h"
+#include "demo/DemoSimulator.h"
+#include "install/CAddonInstallationDetails.h"
+#include "install/CAddonInstaller.h"
+#include "platform/AnsiCodec.h"
+#include "platform/DirectActions.h"
+#include "platform/Journal.h"
+#include "platform/RegistryStore.h"
+#include "remove/CAddonRemover.h"
+#include "shell/CRegistry_Manipulation.h"
+#include "shell/ErrorLog.h"
+#include "shell/Settings.h"
+#include "support/ScriptedPrompts.h"
+#include "support/TreeSnapshot.h"
+
+#include <memory>
+
+namespace vt::test {
+
+/// A folder for a test on a memory file system where there is one.
+[[nodiscard]] QString temporaryTemplate();
+
+class FlowWorld
+{
+public:
+    /// \a folder holds "prefix" and "program"; both are made when missing.
+    explicit FlowWorld(const QString& folder);
+    ~FlowWorld();
+
+    /// Opens (or makes) the database and finishes interrupted work.
+    Result start();
+    void stop();
+
+    /// The key of the new add-on, or why there is none. installed and failure are set as well.
+    ResultOf<qint64> install(const QString& hostSource, const InstallOptions& options = {});
+    Result remove(qint64 key);
+
+    /// The simulator's folders as they are now, without the program folder.
+    [[nodiscard]] TreeSnapshot tree() const;
+    [[nodiscard]] QString simulatorPath(const QString& relative) const;
+    [[nodiscard]] QString hostPath(const QString& relative) const;
+
+    DemoSimulator demo;
+    DriveTable drives;
+    Files files{drives};
+    Gate gate{files};
+    DirectActions actions{gate};
+    ScriptedPrompts prompts;
+    SilentStatus status;
+    Clock clock;
+    AnsiCodec ansi;
+    RegistryStore registry;
+    CRegistry_Manipulation registryClass{
+        registry, prompts, QStringLiteral("Vantrel for Flight Simulator X")};
+    GlobalRecord global;
+    Services services{files, gate, actions, prompts, status, clock, ansi};
+    Settings settings{registryClass, global};
+    ErrorLog errors{services, global};
+    Context context{services, global, settings, errors};
+    std::unique_ptr<Connection> database;
+    QList<Recovery> recoveries;
+    Results results;        ///< of the last operation
+    bool anyFailed = false; ///< of the last removal
+};
+
+/// An archive of these files at a host path.
+[[nodiscard]] QString
+writePack(const QString& hostFolder, const QString& name, const DemoFiles& files);
+
+/// A copy of a folder with everything in it, times included.
+void copyTree(const QString& from, const QString& to);
+
+} // namespace vt::test

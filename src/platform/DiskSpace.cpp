@@ -19,7 +19,7 @@ QByteArray nearestExisting(const Files& files, QStringView path)
 {
     QString at = winpath::normalised(path);
     while (!at.isEmpty()) {
-        const QByteArray host = files.hostPath(at);
+        QByteArray host = files.hostPath(at);
         struct stat status = {};
         if (!host.isEmpty() && stat(host.constData(), &status) == 0)
             return host;

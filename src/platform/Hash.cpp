@@ -16,7 +16,7 @@ namespace vt {
 
 namespace {
 
-constexpr size_t hashPiece = 1024 * 1024;
+constexpr size_t hashPiece = 1024UL * 1024;
 
 QByteArray canonicalBytes(XXH128_hash_t hash)
 {

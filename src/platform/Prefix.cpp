@@ -52,7 +52,7 @@ QString absoluteHost(const QString& typed, const QString& currentFolder, const Q
 QStringList furtherLibraries(const QString& steamRoot)
 {
     QFile file(steamRoot + u"/steamapps/libraryfolders.vdf"_s);
-    if (!file.open(QIODevice::ReadOnly) || file.size() > 1024 * 1024)
+    if (!file.open(QIODevice::ReadOnly) || file.size() > 1024LL * 1024)
         return {};
     static const QRegularExpression pathLine(u"^\\s*\"path\"\\s*\"((?:[^\"\\\\]|\\\\.)*)\""_s,
                                              QRegularExpression::MultilineOption |

@@ -19,7 +19,7 @@ namespace vt {
 
 namespace {
 
-constexpr qsizetype outputLimit = 1024 * 1024;
+constexpr qsizetype outputLimit = 1024LL * 1024;
 constexpr int waitSliceMs = 100;
 /// How long a process may take to end after it was asked to.
 constexpr int endingMs = 1000;

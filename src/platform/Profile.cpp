@@ -10,7 +10,7 @@ namespace vt::profile {
 
 namespace {
 
-constexpr qint64 profileFileLimit = 16 * 1024 * 1024;
+constexpr qint64 profileFileLimit = 16LL * 1024 * 1024;
 
 /// One line of a text: [start, end) without its end, the next begins at next.
 struct Line

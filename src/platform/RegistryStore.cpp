@@ -13,7 +13,7 @@ namespace vt {
 
 namespace {
 
-constexpr qint64 registryFileLimit = 64 * 1024 * 1024;
+constexpr qint64 registryFileLimit = 64LL * 1024 * 1024;
 
 /// By the number of the hive.
 constexpr std::array<QStringView, 3> hiveNames = {

@@ -160,7 +160,7 @@ Result TempFolder::remove(const QString& folder) const
     const ResultOf<QByteArray> host = hostFolder(folder);
     if (!host)
         return host.error();
-    const Result gone = hostfile::removeTree(*host);
+    Result gone = hostfile::removeTree(*host);
     m_gate.files().noteChanged(folder);
     return gone;
 }

@@ -69,6 +69,9 @@ Result deleteDetailsOf(Connection& database, qint64 masterKey);
 /// The rows that recorded the file at this place, oldest first.
 [[nodiscard]] ResultOf<QList<DetailRecord>>
 ownersOf(Connection& database, const QString& location, const QString& name);
+/// The rows of other add-ons at any of the places that this one recorded, oldest first; one look
+/// for a whole removal.
+[[nodiscard]] ResultOf<QList<DetailRecord>> sharersOf(Connection& database, qint64 masterKey);
 [[nodiscard]] ResultOf<QList<DetailRecord>>
 byPreferredPlace(Connection& database, const QString& location, const QString& name);
 [[nodiscard]] ResultOf<QList<DetailRecord>> byInstalledName(Connection& database,

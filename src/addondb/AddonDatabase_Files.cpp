@@ -42,23 +42,30 @@ void writeDetail(Recordset& rows, const DetailRecord& detail)
     rows.set(Field::Preferred_Install_To_Filename, detail.preferredName);
 }
 
-ResultOf<QList<DetailRecord>>
-detailsBy(Connection& database, Index index, std::initializer_list<FieldValue> keys)
+/// The rows from the present one on, as far as the walk goes.
+ResultOf<QList<DetailRecord>> collected(Recordset& rows, bool any)
 {
     QList<DetailRecord> details;
-    Recordset rows(database, Table::Addon_Details);
-    rows.setIndex(index);
-    for (bool more = rows.seek(keys); more; more = rows.moveNext()) {
+    for (bool more = any; more; more = rows.moveNext()) {
         details.push_back(readDetail(rows));
         if (details.size() > 1) {
             const DetailRecord& before = details[details.size() - 2];
             share(details.back().location, before.location);
-            share(details.back().preferredLocation, before.preferredLocation);
+            share(details.back().preferredLocation, details.back().location);
         }
     }
     if (!rows.error())
         return databaseFailure(u"Could not open the addon details table."_s);
     return details;
+}
+
+ResultOf<QList<DetailRecord>>
+detailsBy(Connection& database, Index index, std::initializer_list<FieldValue> keys)
+{
+    Recordset rows(database, Table::Addon_Details);
+    rows.setIndex(index);
+    const bool any = rows.seek(keys);
+    return collected(rows, any);
 }
 
 void writeCheck(Recordset& rows, const Fingerprint& check)
@@ -189,6 +196,13 @@ ResultOf<QList<DetailRecord>>
 ownersOf(Connection& database, const QString& location, const QString& name)
 {
     return detailsBy(database, Index::Addon_Details_Installed_To, {location, name});
+}
+
+ResultOf<QList<DetailRecord>> sharersOf(Connection& database, qint64 masterKey)
+{
+    Recordset rows(database, Table::Addon_Details);
+    const bool any = rows.seekAtSamePlaces(masterKey);
+    return collected(rows, any);
 }
 
 ResultOf<QList<DetailRecord>>

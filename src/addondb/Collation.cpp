@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstring>
 #include <sqlite3.h>
+#include <utility>
 #include <xxhash.h>
 
 namespace vt::collation {
@@ -55,6 +56,11 @@ QByteArrayView textOf(sqlite3_value* value)
     return {text, sqlite3_value_bytes(value)};
 }
 
+sqlite3_int64 place(std::uint32_t location, std::uint32_t name)
+{
+    return static_cast<sqlite3_int64>(std::uint64_t(location) << 32 | name);
+}
+
 /// The location of the row before: files come folder by folder, so its hash is mostly known.
 struct LastLocation
 {
@@ -72,14 +78,17 @@ void placeFunction(sqlite3_context* context, int, sqlite3_value** values)
         last->hash = hash(location);
         last->known = true;
     }
-    const std::uint64_t name = hash(textOf(values[1]));
-    sqlite3_result_int64(context, static_cast<sqlite3_int64>(name << 32 | last->hash));
+    sqlite3_result_int64(context, place(last->hash, hash(textOf(values[1]))));
+}
+
+void locationFunction(sqlite3_context* context, int, sqlite3_value** values)
+{
+    sqlite3_result_int64(context, place(hash(textOf(values[0])), 0));
 }
 
 void nameFunction(sqlite3_context* context, int, sqlite3_value** values)
 {
-    const std::uint64_t name = hash(textOf(values[0]));
-    sqlite3_result_int64(context, static_cast<sqlite3_int64>(name << 32));
+    sqlite3_result_int64(context, hash(textOf(values[0])));
 }
 
 } // namespace
@@ -121,11 +130,6 @@ std::uint32_t hash(QByteArrayView text)
     return static_cast<std::uint32_t>(XXH3_64bits(folded.constData(), size_t(folded.size())));
 }
 
-std::int64_t placeHash(QByteArrayView location, QByteArrayView name)
-{
-    return static_cast<std::int64_t>(std::uint64_t(hash(name)) << 32 | hash(location));
-}
-
 int registerOn(sqlite3* handle)
 {
     constexpr int traits = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
@@ -143,9 +147,13 @@ int registerOn(sqlite3* handle)
                                        nullptr,
                                        [](void* last) { delete static_cast<LastLocation*>(last); });
     }
-    if (code == SQLITE_OK) {
-        code = sqlite3_create_function_v2(
-            handle, "vt_name", 1, traits, nullptr, nameFunction, nullptr, nullptr, nullptr);
+    for (const auto& [name, function] :
+         {std::pair<const char*, decltype(&nameFunction)>("vt_location", locationFunction),
+          std::pair<const char*, decltype(&nameFunction)>("vt_name", nameFunction)}) {
+        if (code == SQLITE_OK) {
+            code = sqlite3_create_function_v2(
+                handle, name, 1, traits, nullptr, function, nullptr, nullptr, nullptr);
+        }
     }
     return code;
 }

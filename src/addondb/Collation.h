@@ -21,11 +21,10 @@ inline constexpr char collationName[] = "VANTREL_NOCASE";
 /// case.
 [[nodiscard]] std::uint32_t hash(QByteArrayView text);
 
-/// What the index of a place holds: hash(name) in the upper 32 bits, hash(location) in the lower.
-[[nodiscard]] std::int64_t placeHash(QByteArrayView location, QByteArrayView name);
-
-/// Registers the comparison and the functions vt_place(location, name) and vt_name(name), the
-/// first place hash of a name. Returns the engine's code.
+/// Registers the comparison and three functions on texts: vt_name(text), the hash;
+/// vt_location(text), the hash shifted left by 32 bits, which is the lowest number of all places in
+/// that folder; vt_place(location, name), vt_location(location) + vt_name(name). Returns the
+/// engine's code.
 int registerOn(sqlite3* handle);
 
 } // namespace vt::collation

@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <sqlite3.h>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -147,29 +148,21 @@ QByteArray immutableName(const QByteArray& host)
 
 // --- statements ---
 
-Statement::Statement(Connection* owner, QByteArray sql, sqlite3_stmt* statement)
-    : m_owner(owner), m_sql(std::move(sql)), m_statement(statement)
-{}
-
 Statement::~Statement()
 {
     giveBack();
 }
 
 Statement::Statement(Statement&& other) noexcept
-    : m_owner(other.m_owner), m_sql(std::move(other.m_sql)), m_statement(other.m_statement)
-{
-    other.m_statement = nullptr;
-}
+    : m_statement(std::exchange(other.m_statement, nullptr)), m_home(other.m_home)
+{}
 
 Statement& Statement::operator=(Statement&& other) noexcept
 {
     if (this != &other) {
         giveBack();
-        m_owner = other.m_owner;
-        m_sql = std::move(other.m_sql);
-        m_statement = other.m_statement;
-        other.m_statement = nullptr;
+        m_statement = std::exchange(other.m_statement, nullptr);
+        m_home = other.m_home;
     }
     return *this;
 }
@@ -178,25 +171,36 @@ void Statement::giveBack()
 {
     if (m_statement == nullptr)
         return;
-    sqlite3_reset(m_statement);
-    sqlite3_clear_bindings(m_statement);
-    m_owner->m_idle[m_sql].push_back(m_statement);
+    if (m_home != nullptr) {
+        sqlite3_reset(m_statement);
+        sqlite3_clear_bindings(m_statement);
+        m_home->push_back(m_statement);
+    } else {
+        sqlite3_finalize(m_statement);
+    }
     m_statement = nullptr;
+}
+
+sqlite3_stmt* Connection::prepare(const QByteArray& sql, unsigned traits)
+{
+    sqlite3_stmt* made = nullptr;
+    const int code =
+        sqlite3_prepare_v3(m_handle, sql.constData(), int(sql.size()) + 1, traits, &made, nullptr);
+    if (code != SQLITE_OK)
+        noteError(code);
+    return made;
+}
+
+Statement Connection::lend(Pool& pool)
+{
+    if (!pool.idle.isEmpty())
+        return {pool.idle.takeLast(), &pool.idle};
+    return {prepare(pool.sql, SQLITE_PREPARE_PERSISTENT), &pool.idle};
 }
 
 Statement Connection::statement(const QByteArray& sql)
 {
-    QList<sqlite3_stmt*>& idle = m_idle[sql];
-    if (!idle.isEmpty())
-        return {this, sql, idle.takeLast()};
-    sqlite3_stmt* made = nullptr;
-    const int code = sqlite3_prepare_v3(
-        m_handle, sql.constData(), int(sql.size()) + 1, SQLITE_PREPARE_PERSISTENT, &made, nullptr);
-    if (code != SQLITE_OK) {
-        noteError(code);
-        return {};
-    }
-    return {this, sql, made};
+    return {prepare(sql, 0), nullptr};
 }
 
 const DatabaseError& Connection::noteError(int code)
@@ -399,11 +403,11 @@ Result Connection::close()
         return Result::success();
     if (m_inTransaction)
         rollback();
-    for (const QList<sqlite3_stmt*>& statements : std::as_const(m_idle)) {
-        for (sqlite3_stmt* statement : statements)
+    for (const auto& [number, pool] : m_pools) {
+        for (sqlite3_stmt* statement : pool.idle)
             sqlite3_finalize(statement);
     }
-    m_idle.clear();
+    m_pools.clear();
     Result done;
     if (m_writer)
         done = leaveOneFile();
@@ -441,8 +445,9 @@ Result Connection::execute(const char* sql)
 Result Connection::failed(int code)
 {
     const DatabaseError& error = noteError(code);
+    const bool full = (code & 0xff) == SQLITE_FULL;
     return Result::failure(databaseSentence(faultOf(code), m_path, error.text),
-                           ErrorKind::Surroundings);
+                           full ? ErrorKind::DiskFull : ErrorKind::Surroundings);
 }
 
 Result Connection::begin()

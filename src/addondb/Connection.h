@@ -7,11 +7,12 @@
 #include "platform/Result.h"
 
 #include <QByteArray>
-#include <QHash>
+#include <QList>
 #include <QString>
 
 #include <functional>
 #include <memory>
+#include <unordered_map>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -72,12 +73,15 @@ public:
 
 private:
     friend class Connection;
-    Statement(Connection* owner, QByteArray sql, sqlite3_stmt* statement);
+
+    Statement(sqlite3_stmt* statement, QList<sqlite3_stmt*>* home)
+        : m_statement(statement), m_home(home)
+    {}
+
     void giveBack();
 
-    Connection* m_owner = nullptr;
-    QByteArray m_sql;
     sqlite3_stmt* m_statement = nullptr;
+    QList<sqlite3_stmt*>* m_home = nullptr; ///< null: ended instead of given back
 };
 
 class Connection
@@ -128,6 +132,18 @@ public:
     [[nodiscard]] const DatabaseError& lastError() const { return m_lastError; }
 
     // For Recordset.
+
+    /// The statement of that number (above 0); \a sql makes its text the first time.
+    template <typename MakeSql>
+    [[nodiscard]] Statement statement(quint32 number, const MakeSql& sql)
+    {
+        Pool& pool = m_pools[number];
+        if (pool.sql.isEmpty())
+            pool.sql = sql();
+        return lend(pool);
+    }
+
+    /// A statement that is not used again.
     [[nodiscard]] Statement statement(const QByteArray& sql);
     /// Stores and returns the engine's present error; for use right after a failed call.
     const DatabaseError& noteError(int code);
@@ -135,9 +151,17 @@ public:
     [[nodiscard]] sqlite3* handle() const { return m_handle; }
 
 private:
-    friend class Statement;
+    /// Prepared statements of one text; those on loan come back here.
+    struct Pool
+    {
+        QByteArray sql;
+        QList<sqlite3_stmt*> idle;
+    };
+
     Connection(QString path, bool readOnly);
 
+    Statement lend(Pool& pool);
+    sqlite3_stmt* prepare(const QByteArray& sql, unsigned traits);
     OpenedDatabase openFile(const QByteArray& hostFile, int flags);
     OpenedDatabase becomeWriter();
     OpenedDatabase refusedByEngine(int code);
@@ -156,7 +180,7 @@ private:
     bool m_inTransaction = false;
     int m_structure = 0;
     DatabaseError m_lastError;
-    QHash<QByteArray, QList<sqlite3_stmt*>> m_idle;
+    std::unordered_map<quint32, Pool> m_pools; ///< its elements never move
 };
 
 /// Rolled back on leaving its scope unless it was committed.

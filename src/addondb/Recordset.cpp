@@ -97,13 +97,24 @@ bool Recordset::failed(int code)
     return false;
 }
 
-bool Recordset::start(const QByteArray& sql, std::initializer_list<FieldValue> keys)
+Statement Recordset::prepared(Kind kind, std::size_t keys, const std::function<QByteArray()>& sql)
+{
+    const quint32 number =
+        (quint32(kind) + 1) << 24 | quint32(m_table) << 16 | quint32(m_index) << 8 | quint32(keys);
+    return m_connection.statement(number, sql);
+}
+
+bool Recordset::start(Kind kind,
+                      std::initializer_list<FieldValue> keys,
+                      const std::function<QByteArray()>& rest)
 {
     Q_ASSERT(m_writing == Writing::No);
     m_error = {};
     m_present = false;
     m_walk = {};
-    m_walk = m_connection.statement(sql);
+    m_walk = prepared(kind, keys.size(), [&] {
+        return kind == Kind::SamePlaces ? schema::atSamePlaces() : selection() + rest();
+    });
     if (!m_walk)
         return failed(m_connection.lastError().number);
     int number = 0;
@@ -133,31 +144,45 @@ QByteArray Recordset::selection() const
 
 bool Recordset::seek(std::initializer_list<FieldValue> keys)
 {
-    return start(selection() + " WHERE " + schema::equalTo(m_index, keys.size()) + " ORDER BY " +
-                     schema::order(m_index, ""),
-                 keys);
+    return start(Kind::Seek, keys, [&] {
+        return " WHERE " + schema::equalTo(m_index, keys.size()) + " ORDER BY " +
+               schema::order(m_index, "");
+    });
 }
 
 bool Recordset::seekFrom(std::initializer_list<FieldValue> keys)
 {
-    return start(selection() + " WHERE " + schema::atOrAfter(m_index, keys.size()) + " ORDER BY " +
-                     schema::order(m_index, ""),
-                 keys);
+    return start(Kind::SeekFrom, keys, [&] {
+        return " WHERE " + schema::atOrAfter(m_index, keys.size()) + " ORDER BY " +
+               schema::order(m_index, "");
+    });
 }
 
 bool Recordset::seekBelonging(Index index, std::initializer_list<FieldValue> keys)
 {
-    return start(selection() + " WHERE " + belonging(index, keys.size()) + " ORDER BY rowid", keys);
+    m_index = primaryKeyOf(m_table);
+    return start(Kind(int(Kind::Belonging) + int(index)), keys, [&] {
+        return " WHERE " + belonging(index, keys.size()) + " ORDER BY rowid";
+    });
+}
+
+bool Recordset::seekAtSamePlaces(qint64 masterKey)
+{
+    Q_ASSERT(m_table == Table::Addon_Details);
+    m_index = primaryKeyOf(m_table);
+    return start(Kind::SamePlaces, {masterKey}, [] { return QByteArray(); });
 }
 
 bool Recordset::moveFirst()
 {
-    return start(selection() + " ORDER BY " + schema::order(m_index, ""), {});
+    return start(Kind::First, {}, [&] { return " ORDER BY " + schema::order(m_index, ""); });
 }
 
 bool Recordset::moveLast()
 {
-    return start(selection() + " ORDER BY " + schema::order(m_index, " DESC") + " LIMIT 1", {});
+    return start(Kind::Last, {}, [&] {
+        return " ORDER BY " + schema::order(m_index, " DESC") + " LIMIT 1";
+    });
 }
 
 bool Recordset::moveNext()
@@ -223,10 +248,12 @@ void Recordset::addNew()
         slot.set = false;
     if (m_insert)
         return;
-    QByteArray sql = "INSERT INTO " + schema::quoted(m_table) + " VALUES (";
-    for (std::size_t i = 0; i < m_slots.size(); ++i)
-        sql += i == 0 ? "?" : ", ?";
-    m_insert = m_connection.statement(sql + ")");
+    m_insert = prepared(Kind::Insert, 0, [this] {
+        QByteArray sql = "INSERT INTO " + schema::quoted(m_table) + " VALUES (";
+        for (std::size_t i = 0; i < m_slots.size(); ++i)
+            sql += i == 0 ? "?" : ", ?";
+        return sql + ")";
+    });
 }
 
 void Recordset::edit()
@@ -366,39 +393,46 @@ Result Recordset::deleteRow()
 
 qint64 Recordset::count()
 {
-    return counted("SELECT count(*) FROM " + schema::quoted(m_table), {});
+    return counted(Kind::Count, {}, [] { return QByteArray(); });
 }
 
 qint64 Recordset::countMatching(std::initializer_list<FieldValue> keys)
 {
-    return counted("SELECT count(*) FROM " + schema::quoted(m_table) + " WHERE " +
-                       schema::equalTo(m_index, keys.size()),
-                   keys);
+    return counted(Kind::CountMatching, keys, [&] {
+        return " WHERE " + schema::equalTo(m_index, keys.size());
+    });
 }
 
-qint64 Recordset::counted(const QByteArray& sql, std::initializer_list<FieldValue> keys)
+qint64 Recordset::counted(Kind kind,
+                          std::initializer_list<FieldValue> keys,
+                          const std::function<QByteArray()>& condition)
 {
-    const Statement counting = m_connection.statement(sql);
-    if (!counting) {
-        failed(m_connection.lastError().number);
-        return 0;
-    }
+    m_error = {};
+    const Statement counting = prepared(kind, keys.size(), [&] {
+        return "SELECT count(*) FROM " + schema::quoted(m_table) + condition();
+    });
     int number = 0;
-    for (const FieldValue& key : keys)
-        bindValue(counting.get(), ++number, key);
-    const int code = sqlite3_step(counting.get());
+    int code = counting ? SQLITE_OK : m_connection.lastError().number;
+    if (counting) {
+        for (const FieldValue& key : keys)
+            bindValue(counting.get(), ++number, key);
+        code = sqlite3_step(counting.get());
+    }
     if (code == SQLITE_ROW)
         return sqlite3_column_int64(counting.get(), 0);
     failed(code);
     return 0;
 }
 
-Result Recordset::deleteAll(const QByteArray& condition, std::initializer_list<FieldValue> keys)
+Result Recordset::deleteAll(Kind kind,
+                            std::initializer_list<FieldValue> keys,
+                            const std::function<QByteArray()>& condition)
 {
     m_walk = {};
     m_present = false;
-    const Statement deletion =
-        m_connection.statement("DELETE FROM " + schema::quoted(m_table) + " WHERE " + condition);
+    const Statement deletion = prepared(kind, keys.size(), [&] {
+        return "DELETE FROM " + schema::quoted(m_table) + " WHERE " + condition();
+    });
     int number = 0;
     if (deletion) {
         for (const FieldValue& key : keys)
@@ -409,12 +443,16 @@ Result Recordset::deleteAll(const QByteArray& condition, std::initializer_list<F
 
 Result Recordset::deleteAllMatching(std::initializer_list<FieldValue> keys)
 {
-    return deleteAll(schema::equalTo(m_index, keys.size()), keys);
+    return deleteAll(
+        Kind::DeleteMatching, keys, [&] { return schema::equalTo(m_index, keys.size()); });
 }
 
 Result Recordset::deleteAllBelonging(Index index, std::initializer_list<FieldValue> keys)
 {
-    return deleteAll(belonging(index, keys.size()), keys);
+    m_index = primaryKeyOf(m_table);
+    return deleteAll(Kind(int(Kind::DeleteBelonging) + int(index)), keys, [&] {
+        return belonging(index, keys.size());
+    });
 }
 
 } // namespace vt

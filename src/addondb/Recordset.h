@@ -10,6 +10,7 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
 #include <initializer_list>
 #include <utility>
 #include <variant>
@@ -64,6 +65,9 @@ public:
     /// The first row whose own key is the own key of a row of \a index's table that equals \a keys
     /// (the checks of an add-on's detail rows, say); moveNext() stays among such rows.
     bool seekBelonging(Index index, std::initializer_list<FieldValue> keys);
+    /// Addon_Details only: the rows of other add-ons at the places of this one's rows, oldest
+    /// first.
+    bool seekAtSamePlaces(qint64 masterKey);
     bool moveFirst();
     /// The last row; moveNext() after it ends the walk.
     bool moveLast();
@@ -121,7 +125,27 @@ private:
         std::vector<char> bytes;
     };
 
-    bool start(const QByteArray& sql, std::initializer_list<FieldValue> keys);
+    /// Which statement of a table and index; the last two are followed by one for each index.
+    enum class Kind
+    {
+        Seek,
+        SeekFrom,
+        SamePlaces,
+        First,
+        Last,
+        Insert,
+        DeleteRow,
+        DeleteMatching,
+        Count,
+        CountMatching,
+        Belonging = 32,
+        DeleteBelonging = 96,
+    };
+
+    Statement prepared(Kind kind, std::size_t keys, const std::function<QByteArray()>& sql);
+    bool start(Kind kind,
+               std::initializer_list<FieldValue> keys,
+               const std::function<QByteArray()>& rest);
     bool step();
     bool failed(int code);
     Result run(const Statement& statement);
@@ -131,8 +155,12 @@ private:
     void setAdded(int number, const FieldValue& value);
     Result updateAdded();
     Result updateEdited();
-    qint64 counted(const QByteArray& sql, std::initializer_list<FieldValue> keys);
-    Result deleteAll(const QByteArray& condition, std::initializer_list<FieldValue> keys);
+    qint64 counted(Kind kind,
+                   std::initializer_list<FieldValue> keys,
+                   const std::function<QByteArray()>& condition);
+    Result deleteAll(Kind kind,
+                     std::initializer_list<FieldValue> keys,
+                     const std::function<QByteArray()>& condition);
 
     Connection& m_connection;
     Table m_table;

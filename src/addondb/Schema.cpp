@@ -7,6 +7,7 @@ namespace vt::schema {
 namespace {
 
 const char* const installedPlace = "vt_place(\"Installed_To_Location\", \"Installed_To_FileName\")";
+const char* const installedName = "vt_name(\"Installed_To_FileName\")";
 const char* const preferredPlace =
     "vt_place(\"Preferred_Install_To_Location\", \"Preferred_Install_To_Filename\")";
 /// Only such rows stand in the index of preferred places; the others are found by their place.
@@ -40,13 +41,14 @@ bool isRowKey(Table table, Field field)
     return false;
 }
 
-QByteArray fieldList(std::span<const Field> fields, const char* suffix = "")
+QByteArray
+fieldList(std::span<const Field> fields, const char* prefix = "", const char* suffix = "")
 {
     QByteArray list;
     for (const Field field : fields) {
         if (!list.isEmpty())
             list += ", ";
-        list += quoted(field) + suffix;
+        list += prefix + quoted(field) + suffix;
     }
     return list;
 }
@@ -101,12 +103,13 @@ QByteArray createIndex(Index index)
         info(about.table).name + "_" + about.name + "\" ON " + quoted(about.table) + " (";
     switch (about.form) {
     case IndexForm::RowKey:
-    case IndexForm::InstalledName:
         return {};
     case IndexForm::Ordered:
         return head + fieldList(about.fields) + ")";
     case IndexForm::InstalledPlace:
         return head + installedPlace + ")";
+    case IndexForm::InstalledName:
+        return head + installedName + ")";
     case IndexForm::PreferredPlace:
         return head + preferredPlace + ") WHERE " + placedElsewhere;
     }
@@ -136,24 +139,39 @@ QByteArray equalTo(Index index, std::size_t keys)
     const IndexInfo& about = info(index);
     Q_ASSERT(keys >= 1 && keys <= about.fields.size());
     const QByteArray same = equals(about.fields.first(keys));
-    const QByteArray byInstalled = QByteArray(installedPlace) + " = vt_place(?1, ?2)";
+    const QByteArray sought = keys == 2
+                                  ? QByteArray(" = vt_place(?1, ?2) AND ") + same
+                                  : " BETWEEN vt_location(?1) AND vt_location(?1) + 4294967295"
+                                    " AND " +
+                                        same;
     switch (about.form) {
     case IndexForm::RowKey:
     case IndexForm::Ordered:
         return same;
     case IndexForm::InstalledName:
-        return QByteArray(installedPlace) +
-               " BETWEEN vt_name(?1) AND vt_name(?1) + 4294967295 AND " + same;
+        return QByteArray(installedName) + " = vt_name(?1) AND " + same;
     case IndexForm::InstalledPlace:
-        Q_ASSERT(keys == 2);
-        return byInstalled + " AND " + same;
-    case IndexForm::PreferredPlace:
-        Q_ASSERT(keys == 2);
-        return "rowid IN (SELECT rowid FROM " + quoted(about.table) + " WHERE " + byInstalled +
-               " AND " + same + " UNION ALL SELECT rowid FROM " + quoted(about.table) + " WHERE " +
-               placedElsewhere + " AND " + preferredPlace + " = vt_place(?1, ?2) AND " + same + ")";
+        return installedPlace + sought;
+    case IndexForm::PreferredPlace: {
+        const QByteArray rows = "SELECT rowid FROM " + quoted(about.table) + " WHERE ";
+        return "rowid IN (" + rows + installedPlace + sought + " UNION ALL " + rows +
+               placedElsewhere + " AND " + preferredPlace + sought + ")";
+    }
     }
     return {};
+}
+
+QByteArray atSamePlaces()
+{
+    // The comparison of texts follows the hashes, so that equal hashes of other places do no harm.
+    return "SELECT other.rowid, " + fieldList(info(Table::Addon_Details).fields, "other.") +
+           " FROM \"Addon_Details\" AS mine CROSS JOIN \"Addon_Details\" AS other"
+           " ON vt_place(other.\"Installed_To_Location\", other.\"Installed_To_FileName\")"
+           " = vt_place(mine.\"Installed_To_Location\", mine.\"Installed_To_FileName\")"
+           " AND other.\"Installed_To_Location\" = mine.\"Installed_To_Location\""
+           " AND other.\"Installed_To_FileName\" = mine.\"Installed_To_FileName\""
+           " WHERE mine.\"Addon_Master_Key\" = ?1 AND other.\"Addon_Master_Key\" <> ?1"
+           " ORDER BY other.rowid";
 }
 
 QByteArray atOrAfter(Index index, std::size_t keys)
@@ -173,7 +191,7 @@ QByteArray order(Index index, const char* direction)
     const QByteArray byNumber = QByteArray("rowid") + direction;
     if (about.form != IndexForm::Ordered)
         return byNumber;
-    return fieldList(about.fields, direction) + ", " + byNumber;
+    return fieldList(about.fields, "", direction) + ", " + byNumber;
 }
 
 } // namespace vt::schema

@@ -21,14 +21,16 @@ inline constexpr int pageSize = 16384;
 /// Every statement that makes an empty database, in order.
 [[nodiscard]] QByteArrayList creation();
 [[nodiscard]] QByteArray createTable(Table table);
-/// Empty for an index that needs nothing of its own (a row key, or one that shares another's).
+/// Empty for a row key, which needs nothing of its own.
 [[nodiscard]] QByteArray createIndex(Index index);
 
 /// "rowid" and all fields, comma-separated, in the order of the table.
 [[nodiscard]] QByteArray columns(Table table);
-/// Rows whose first \a keys fields of the index equal ?1, ?2, ...
+/// Condition: the first \a keys fields of the index equal ?1, ?2, ...
 [[nodiscard]] QByteArray equalTo(Index index, std::size_t keys);
-/// Rows at or after ?1, ?2, ...; not for the indexes by hash.
+/// The rows of Addon_Details of other add-ons than ?1 at the places of its rows, oldest first.
+[[nodiscard]] QByteArray atSamePlaces();
+/// Condition: at or after ?1, ?2, ...; not for the indexes by hash.
 [[nodiscard]] QByteArray atOrAfter(Index index, std::size_t keys);
 /// The order of the index, rows that are equal by their number. \a direction: "" or " DESC".
 [[nodiscard]] QByteArray order(Index index, const char* direction);

@@ -173,9 +173,10 @@ enum class IndexForm
 {
     RowKey,         ///< the field is the row's own number: nothing is kept beside the table
     Ordered,        ///< by the fields themselves: finds equal rows and first rows, walks in order
-    InstalledPlace, ///< by a hash of location and name: finds equal rows only
-    InstalledName,  ///< by the half of that hash that is the name's: the same index of the file
-    PreferredPlace, ///< by a hash; rows that prefer the place they have stand in InstalledPlace
+    InstalledPlace, ///< by hashes of location and name; as the next two, finds equal rows only
+    PreferredPlace, ///< the same; a row that prefers the place it has stands in InstalledPlace
+                    ///< alone
+    InstalledName,  ///< by a hash of the name
 };
 
 struct IndexInfo

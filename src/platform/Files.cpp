@@ -419,11 +419,37 @@ void Files::noteChanged(QStringView path)
         m_cachedNames = 0;
         return;
     }
-    if (const auto cached = m_listings.find(above->host); cached != m_listings.end()) {
-        m_cachedNames -= cached->names.size();
-        m_listings.erase(cached);
-    }
+    updateListing(above->host, path.sliced(cut + 1));
     m_folders.remove(path.toString());
+}
+
+/// Corrects one name in a cached listing: reading a folder anew for each file written into it would
+/// take a square of time.
+void Files::updateListing(const QByteArray& hostFolder, QStringView name)
+{
+    const auto cached = m_listings.find(hostFolder);
+    if (cached == m_listings.end())
+        return;
+    m_cachedNames -= cached->names.size();
+    if (cached->epoch != m_epoch) {
+        m_listings.erase(cached);
+        return;
+    }
+    const NoCase key{name.toString()};
+    QList<QByteArray> spellings = cached->names.take(key);
+    if (const QByteArray given = name.toUtf8(); !spellings.contains(given))
+        spellings.push_back(given);
+
+    struct stat st
+    {};
+
+    spellings.removeIf([&](const QByteArray& spelling) {
+        return lstat(joinHost(hostFolder, spelling).constData(), &st) != 0;
+    });
+    std::sort(spellings.begin(), spellings.end());
+    if (!spellings.isEmpty())
+        cached->names.insert(key, spellings);
+    m_cachedNames += cached->names.size();
 }
 
 } // namespace vt

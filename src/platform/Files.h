@@ -91,6 +91,7 @@ private:
     /// The entry's own spelling inside a host folder, empty when there is none.
     QByteArray spellingIn(const QByteArray& hostFolder, QStringView name) const;
     const Listing& listing(const QByteArray& hostFolder) const;
+    void updateListing(const QByteArray& hostFolder, QStringView name);
 
     const DriveTable& m_drives;
     quint64 m_epoch = 1;

@@ -10,7 +10,14 @@ std::vector<Command> allCommands()
     constexpr Group groups[] = {
         doctorCommands,
         settingsCommands,
+        iniCommands,
+        sceneryCommands,
         archiveCommands,
+        databaseCommands,
+        addonCommands,
+        planCommands,
+        installCommands,
+        removeCommands,
     };
     std::vector<Command> all;
     for (const Group group : groups) {

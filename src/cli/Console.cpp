@@ -12,7 +12,8 @@ volatile std::sig_atomic_t stopSignals = 0;
 
 void noteStop(int number)
 {
-    if (++stopSignals > 1) {
+    stopSignals = stopSignals + 1;
+    if (stopSignals > 1) {
         std::signal(number, SIG_DFL);
         std::raise(number);
     }

@@ -131,6 +131,8 @@ private:
 
     void status(const QString& text);
     [[nodiscard]] static QString targetOf(const CAddon_Item& item);
+    /// Time of the item in its source, milliseconds since 1970 UTC; 0 when it has none.
+    [[nodiscard]] qint64 sourceTimeMs(const CAddon_Item& item) const;
     [[nodiscard]] QString sourceTextOf(const CAddon_Item& item) const;
 
     Context& m_context;

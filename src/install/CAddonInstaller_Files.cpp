@@ -80,6 +80,12 @@ QString CAddonInstaller::sourceTextOf(const CAddon_Item& item) const
     return item.sFolder_Current + item.sName;
 }
 
+qint64 CAddonInstaller::sourceTimeMs(const CAddon_Item& item) const
+{
+    const ResultOf<Content> content = m_details.source().content(item);
+    return content && content->modifiedNs > 0 ? content->modifiedNs / 1'000'000 : 0;
+}
+
 Result CAddonInstaller::InstallFiles()
 {
     decideAll();
@@ -136,11 +142,12 @@ bool CAddonInstaller::decide(File& file, const FileInfo& existing)
     file.before.size = existing.size;
     file.before.modifiedNs = existing.modifiedNs;
     const qint64 existingMs = existing.modifiedNs / 1'000'000;
-    const bool dated = item.modifiedMs > 0;
+    const qint64 newMs = sourceTimeMs(item);
+    const bool dated = newMs > 0;
     log.line(u"   File already exists.");
     if (item.size == existing.size) {
         log.line(u"   Sizes are the same.");
-        log.line(dated && qAbs(existingMs - item.modifiedMs) < sameDateMs
+        log.line(dated && qAbs(existingMs - newMs) < sameDateMs
                      ? u"   Dates are the same, too. Should be OK to install on top of it."
                      : u"   Dates are different!");
     } else {
@@ -151,7 +158,7 @@ bool CAddonInstaller::decide(File& file, const FileInfo& existing)
                            (m_details.options().replace == ReplacePolicy::Ask &&
                             m_context.settings.number(SettingKey::YesFileReplacementMethod) == 1);
     if (file.code == InstallCode::Installed && newerOnly && dated &&
-        existingMs > item.modifiedMs + sameDateMs)
+        existingMs > newMs + sameDateMs)
         file.code = InstallCode::ExistingIsNewer;
     file.decisions = log.bytes();
     return file.code != InstallCode::Cancelled;
@@ -179,8 +186,8 @@ InstallCode CAddonInstaller::askReplace(const File& file, const FileInfo& existi
     question.existingSize = existing.size;
     question.existingDate = existing.modified();
     question.newSize = item.size;
-    if (item.modifiedMs > 0)
-        question.newDate = QDateTime::fromMSecsSinceEpoch(item.modifiedMs);
+    if (const qint64 newMs = sourceTimeMs(item); newMs > 0)
+        question.newDate = QDateTime::fromMSecsSinceEpoch(newMs);
     const Button answer = m_context.services.prompts.ask(confirmFileReplace(question));
     switch (answer) {
     case Button::YesToAll:

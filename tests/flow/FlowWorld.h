@@ -4,6 +4,7 @@
 #pragma once
 
 #include "addondb/Connection.h"
+#include "demo/DemoAircraft.h"
 #include "demo/DemoSimulator.h"
 #include "install/CAddonInstallationDetails.h"
 #include "install/CAddonInstaller.h"

@@ -183,7 +183,9 @@ private Q_SLOTS:
         {
             FlowWorld world(trial(both));
             QVERIFY(world.start());
-            for (const AddonRecord& addon : *modDatabase_Addon::addons(*world.database))
+            const auto addons = modDatabase_Addon::addons(*world.database);
+            QVERIFY(addons.ok());
+            for (const AddonRecord& addon : *addons)
                 QVERIFY(world.remove(addon.key));
             empty = world.tree();
         }

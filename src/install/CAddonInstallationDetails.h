@@ -1,0 +1,212 @@
+// The installation details of one add-on: its source, its items with their proposed and chosen
+// targets, the groups with their decisions, and the checks. Decides and reads; writes nothing.
+#pragma once
+
+#include "addondb/CAddon_ItemGroup.h"
+#include "install/AddonSource.h"
+#include "install/InstallOptions.h"
+#include "install/InstallationGroup.h"
+#include "platform/Result.h"
+#include "shell/Context.h"
+#include "simconfig/engine/LineArray.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+namespace vt {
+
+/// "*** Not Selected ***", "Same target folder as item", "Do not install".
+namespace plantext {
+[[nodiscard]] QString notSelected();
+[[nodiscard]] QString sameFolderAsItem();
+[[nodiscard]] QString doNotInstall();
+} // namespace plantext
+
+/// Something that stands in the way of installing, or that the user should know.
+struct PlanProblem
+{
+    qint32 item = 0; ///< key, or 0 for the add-on as a whole
+    QString text;
+    bool blocks = false; ///< the installation is refused until it is solved
+};
+
+/// A scenery library area that the installation adds.
+struct SceneryAreaToAdd
+{
+    QString title;
+    QString folder; ///< full Windows path, ends in "\"
+    int group = -1; ///< index into sceneries
+};
+
+/// A variation as the plan tells it.
+struct PlannedVariant
+{
+    QString title;
+    QString variation;
+    QString texture;  ///< suffix in the aircraft's folder
+    QString aircraft; ///< folder, empty when it is not known
+    QString file;     ///< the aircraft.cfg that gets the section
+};
+
+class CAddonInstallationDetails
+{
+public:
+    /// \a context must outlive this.
+    explicit CAddonInstallationDetails(Context& context);
+    ~CAddonInstallationDetails();
+    CAddonInstallationDetails(const CAddonInstallationDetails&) = delete;
+    CAddonInstallationDetails& operator=(const CAddonInstallationDetails&) = delete;
+
+    /// Name under which the variations' data file is installed.
+    QString sVariantDataFilename = QStringLiteral("VT Aircraft Variant Data File.txt");
+
+    /// Lists the source, analyses it and applies the options: the whole proposal. A failure says
+    /// why the source cannot be used; problems of single items are in problems().
+    [[nodiscard]] Result prepare(const QString& sourcePath, const InstallOptions& options);
+
+    /// The details as they are now, sharing the source; for going back in the wizard.
+    [[nodiscard]] std::unique_ptr<CAddonInstallationDetails> Clone() const;
+
+    // What was found and decided.
+
+    [[nodiscard]] CAddon_ItemGroup& addon() { return *m_addon; }
+
+    [[nodiscard]] const CAddon_ItemGroup& addon() const { return *m_addon; }
+
+    [[nodiscard]] const AddonSource& source() const { return *m_source; }
+
+    [[nodiscard]] const InstallOptions& options() const { return m_options; }
+
+    [[nodiscard]] const std::vector<InstallationGroup>& groups(MappedGroup family) const;
+    [[nodiscard]] std::vector<InstallationGroup>& groups(MappedGroup family);
+
+    /// Where panels or sounds without an aircraft get a folder of their own.
+    [[nodiscard]] QString lonePartFolder(MappedGroup family) const;
+
+    /// Folder below "Addons\" for documents and other files; unique, not made yet.
+    [[nodiscard]] const QString& storageFolder() const { return m_storageFolder; }
+
+    [[nodiscard]] QList<PlanProblem> problems() const;
+    /// The first blocking problem as a failure, or success.
+    [[nodiscard]] Result installable() const;
+    [[nodiscard]] QList<SceneryAreaToAdd> sceneryAreas() const;
+    [[nodiscard]] QList<PlannedVariant> variants() const;
+    /// What the installation changes in configuration files, areas of the scenery library included.
+    [[nodiscard]] QList<ConfigChange> configChanges() const;
+    /// Bytes of all marked items.
+    [[nodiscard]] qint64 bytesNeeded() const;
+    /// Free bytes on the target drive; -1 when it cannot be told.
+    [[nodiscard]] qint64 bytesFree() const;
+
+    /// Whether the add-on holds files of that kind; categories that no file type sets come from it.
+    [[nodiscard]] bool holds(MappedGroup family) const { return !groups(family).empty(); }
+
+    // Analysis, in this order.
+
+    void AddonItemGroup_AnalyzeForWizard();
+    void AddonItemGroup_Create();
+    void AddonItemGroup_MapItemsToGroups();
+    void AddonItemGroup_InstallationGroups_Create();
+    /// Textures without aircraft belong to the aircraft of the default group.
+    void Texture_ChainDefaultGroupAircraftFolders();
+    /// Marks for every item whether its target exists now.
+    void AddonItems_UpdateTargetExists();
+
+    // Decisions.
+
+    void Options_UpdateInstallationClass(const InstallOptions& options);
+    [[nodiscard]] InstallationMethod Options_AddonInstallationMethod_Default_Get() const;
+    [[nodiscard]] InstallationMethod Missions_InstallationMethod_Default_Get() const;
+    /// All items into the File Cabinet's folder of this add-on, in their source folders.
+    void AddonItemGroup_InstallationFolders_ProcessInstallToStorage();
+    /// Back to the proposed folders.
+    void AddonItemGroup_InstallationFolders_ProcessInstallToZipFolderEntryFolder();
+
+    /// A new method and, where it wants one, a folder; items of the group follow. The result's text
+    /// says why a method is not offered.
+    Result Panel_InstallationDetails_ModifyPerInstallationMethod(int group,
+                                                                 InstallationMethod method,
+                                                                 const QString& folder = {});
+    Result Sound_InstallationDetails_ModifyPerInstallationMethod(int group,
+                                                                 InstallationMethod method,
+                                                                 const QString& folder = {});
+    Result Texture_InstallationDetails_ModifyPerInstallationMethod(int group,
+                                                                   InstallationMethod method,
+                                                                   const QString& folder = {});
+    Result Scenery_InstallationDetails_ModifyPerInstallationMethod(int group,
+                                                                   InstallationMethod method,
+                                                                   const QString& folder = {});
+    Result Missions_InstallationDetails_ModifyPerInstallationMethod(int group,
+                                                                    InstallationMethod method,
+                                                                    const QString& folder = {});
+    /// An aircraft's new folder; its panels, sounds and repaints follow.
+    Result Aircraft_InstallationDetails_Modify(int group, const QString& folder);
+    /// The aircraft that a texture group repaints.
+    Result Texture_InstallationDetails_Modify(int group, const QString& aircraftFolder);
+    void Scenery_InstallationDetails_ModifyPerSceneryLibraryUpdateSelection(int group,
+                                                                            bool update,
+                                                                            const QString& title);
+    /// Install or do not install every item of a group.
+    void Group_InstallationStatus_Modify(MappedGroup family, int group, bool install);
+
+    /// Renames on installation; refused for an empty or impossible name.
+    Result AddonItem_Rename(qint32 key, const QString& name);
+    Result AddonItem_InstallationFolder_Set(qint32 key, const QString& folder);
+
+    // Checks.
+
+    [[nodiscard]] static Result ValidateItemName(const QString& name);
+    /// The warning that a renaming of this type asks first; empty when it may go ahead.
+    [[nodiscard]] static QString renameWarning(FileType type);
+    [[nodiscard]] Result Options_InstallationChoices_Validate() const;
+    [[nodiscard]] Result Aircraft_InstallationFolders_Validate() const;
+    [[nodiscard]] Result Panel_InstallationFolders_Validate() const;
+    [[nodiscard]] Result Sound_InstallationFolders_Validate() const;
+    [[nodiscard]] Result Scenery_InstallationFolders_Validate() const;
+    [[nodiscard]] Result Texture_InstallationFolders_Validate() const;
+    [[nodiscard]] Result AI_InstallationFolders_Validate() const;
+    [[nodiscard]] Result Missions_InstallationFolders_Validate() const;
+    [[nodiscard]] Result DocumentAndOther_InstallationFolders_Validate() const;
+    [[nodiscard]] Result Texture_InstallationChoices_Validate() const;
+    [[nodiscard]] Result Scenery_InstallationChoices_Validate() const;
+    /// Gives documents whose names clash a folder each, below the add-on's storage.
+    void DocumentAndOther_AutomaticallyResolveProblems();
+    [[nodiscard]] bool AddonItemGroup_IsAnythingMarkedForInstall() const;
+
+private:
+    struct Analysis;
+    friend struct Analysis;
+
+    void nameAddon();
+    [[nodiscard]] QString fileIdText() const;
+    void applyOptions();
+    Result resolveOptionFolders();
+    [[nodiscard]] QString chosenFolder(const QString& typed) const;
+    void applySkips();
+    void applyTargets();
+    void resolveConflicts();
+    void setFolder(CAddon_Item& item, const QString& folder);
+    void moveGroup(MappedGroup family, int group, const QString& folder);
+    Result
+    modifyMethod(MappedGroup family, int group, InstallationMethod method, const QString& folder);
+    [[nodiscard]] Result validateFolders(MappedGroup family) const;
+    [[nodiscard]] bool usableFolder(const QString& folder) const;
+    [[nodiscard]] bool anyMarked(const InstallationGroup& group) const;
+    [[nodiscard]] ResultOf<QList<SceneryAreaToAdd>> newAreas(class CSceneryCfgMgr& library) const;
+    [[nodiscard]] std::unique_ptr<CSceneryCfgMgr> sceneryLibrary(Result& loaded) const;
+    void addRemark(qint32 item, const QString& text, bool blocks);
+
+    Context& m_context;
+    std::shared_ptr<AddonSource> m_source;
+    std::unique_ptr<CAddon_ItemGroup> m_addon;
+    InstallOptions m_options;
+    QString m_storageFolder;
+    std::vector<InstallationGroup> m_groups[mappedGroupCount];
+    QList<PlanProblem> m_remarks; ///< found by the analysis; checks add theirs when asked
+};
+
+} // namespace vt

@@ -1,0 +1,269 @@
+// Checks before an installation, with the texts that a user sees.
+#include "install/CAddonInstallationDetails.h"
+#include "platform/Gate.h"
+#include "platform/WinPath.h"
+#include "simconfig/CSceneryCfgMgr.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+QString noValidTargetFolder(const QString& folder)
+{
+    const QString shown = folder.isEmpty() ? plantext::notSelected() : folder;
+    return u"A file you are installing does not have a valid target folder. Look for a file with a target folder of "_s +
+           shown + u". Specify a valid target folder for this file."_s;
+}
+
+QString sameTarget()
+{
+    return u"A file you are installing has the same name and target folder as another file. You can resolve the problem in one of three ways:"_s +
+           u'\n' + u"1) Flag one of the files 'Do Not Install'."_s + u'\n' +
+           u"2) Rename one of the files."_s + u'\n' +
+           u"3) Specify a different target folder for one of the files."_s + u'\n' +
+           u"To learn more about this issue press Help."_s;
+}
+
+QString variantProblem(const QString& name)
+{
+    return u"There is a problem with the aircraft variant configuration related to "_s + name;
+}
+
+QString libraryProblem(const QString& name)
+{
+    return u"There is a problem with the scenery library configuration related to "_s + name;
+}
+
+/// Why a repaint cannot be installed; empty when it can.
+QString textureGroupProblem(const InstallationGroup& group)
+{
+    if (!group.needsAircraft)
+        return {};
+    if (group.baseMissing)
+        return u"Could not locate base aircraft."_s;
+    if (group.aircraftFolder.isEmpty())
+        return u"No aircraft folder has been specified."_s;
+    for (const VariantDetails& variant : group.variants) {
+        if (variant.title.trimmed().isEmpty() || variant.variation.trimmed().isEmpty())
+            return u"Aircraft variant details have not been specified or are incomplete."_s;
+    }
+    return {};
+}
+
+} // namespace
+
+Result CAddonInstallationDetails::ValidateItemName(const QString& name)
+{
+    if (name.trimmed().isEmpty())
+        return Result::failure(u"Please enter a name for this item."_s);
+    if (!winpath::checkComponent(name))
+        return Result::failure(u"Please enter a valid name for this item."_s);
+    return Result::success();
+}
+
+QString CAddonInstallationDetails::renameWarning(FileType type)
+{
+    switch (typeGroupOf(type)) {
+    case TypeGroup::DocumentAndOther:
+    case TypeGroup::Scenery:
+        return {};
+    default:
+        return u"Changing this item's name may cause the addon to function improperly. Continue anyway?"_s;
+    }
+}
+
+bool CAddonInstallationDetails::usableFolder(const QString& folder) const
+{
+    if (folder.isEmpty() || !winpath::isAbsolute(folder))
+        return false;
+    for (const TargetChoice& choice : m_options.targets) {
+        if (winpath::isBelow(folder, choice.folder))
+            return true;
+    }
+    if (!m_options.aircraftFolder.isEmpty() && winpath::isBelow(folder, m_options.aircraftFolder))
+        return true;
+    return m_context.services.gate.place(folder).ok();
+}
+
+Result CAddonInstallationDetails::validateFolders(MappedGroup family) const
+{
+    const QString* last = nullptr;
+    for (const CAddon_Item& item : m_addon->colAddonItems()) {
+        if (item.enumMappedGroup != family || !item.boolProcess)
+            continue;
+        if (last && last->constData() == item.sFolder_Installation.constData())
+            continue;
+        last = &item.sFolder_Installation;
+        if (!usableFolder(item.sFolder_Installation))
+            return Result::failure(noValidTargetFolder(item.sFolder_Installation));
+    }
+    for (const QList<qint32>& keys : m_addon->duplicateTargets()) {
+        for (const qint32 key : keys) {
+            if (m_addon->Search(key)->enumMappedGroup == family)
+                return Result::failure(sameTarget());
+        }
+    }
+    return Result::success();
+}
+
+Result CAddonInstallationDetails::Aircraft_InstallationFolders_Validate() const
+{
+    return validateFolders(MappedGroup::Aircraft);
+}
+
+Result CAddonInstallationDetails::Panel_InstallationFolders_Validate() const
+{
+    return validateFolders(MappedGroup::Panel);
+}
+
+Result CAddonInstallationDetails::Sound_InstallationFolders_Validate() const
+{
+    return validateFolders(MappedGroup::Sound);
+}
+
+Result CAddonInstallationDetails::Scenery_InstallationFolders_Validate() const
+{
+    return validateFolders(MappedGroup::Scenery);
+}
+
+Result CAddonInstallationDetails::Texture_InstallationFolders_Validate() const
+{
+    return validateFolders(MappedGroup::Texture);
+}
+
+Result CAddonInstallationDetails::AI_InstallationFolders_Validate() const
+{
+    if (Result traffic = validateFolders(MappedGroup::TrafficTools); !traffic)
+        return traffic;
+    return validateFolders(MappedGroup::Afcad);
+}
+
+Result CAddonInstallationDetails::Missions_InstallationFolders_Validate() const
+{
+    return validateFolders(MappedGroup::Missions);
+}
+
+Result CAddonInstallationDetails::DocumentAndOther_InstallationFolders_Validate() const
+{
+    return validateFolders(MappedGroup::DocumentAndOther);
+}
+
+Result CAddonInstallationDetails::Options_InstallationChoices_Validate() const
+{
+    if (m_addon->sGroupName.trimmed().isEmpty())
+        return Result::failure(u"Enter a name for this addon."_s);
+    return Result::success();
+}
+
+Result CAddonInstallationDetails::Texture_InstallationChoices_Validate() const
+{
+    for (const InstallationGroup& group : groups(MappedGroup::Texture)) {
+        if (!anyMarked(group))
+            continue;
+        const QString problem = textureGroupProblem(group);
+        if (!problem.isEmpty())
+            return Result::failure(variantProblem(group.name) + u". "_s + problem);
+    }
+    return Texture_InstallationFolders_Validate();
+}
+
+Result CAddonInstallationDetails::Scenery_InstallationChoices_Validate() const
+{
+    for (const InstallationGroup& group : groups(MappedGroup::Scenery)) {
+        if (anyMarked(group) && group.sceneryLibraryUpdate &&
+            group.sceneryTitle.trimmed().isEmpty())
+            return Result::failure(libraryProblem(group.name) +
+                                   u". Scenery library title is not specified."_s);
+    }
+    return Scenery_InstallationFolders_Validate();
+}
+
+bool CAddonInstallationDetails::AddonItemGroup_IsAnythingMarkedForInstall() const
+{
+    const std::vector<CAddon_Item>& items = m_addon->colAddonItems();
+    return std::any_of(
+        items.begin(), items.end(), [](const CAddon_Item& item) { return item.boolProcess; });
+}
+
+QList<PlanProblem> CAddonInstallationDetails::problems() const
+{
+    QList<PlanProblem> out;
+    for (const PlanProblem& remark : m_remarks) {
+        // What is left out is no problem any more.
+        const CAddon_Item* item = remark.item > 0 ? m_addon->Search(remark.item) : nullptr;
+        if (!item || item->boolProcess)
+            out.append(remark);
+    }
+    const bool cabinet = m_options.to == InstallTo::Cabinet;
+    for (const InstallationGroup& group : groups(MappedGroup::Texture)) {
+        const QString text = cabinet ? QString() : textureGroupProblem(group);
+        if (text.isEmpty() || !anyMarked(group))
+            continue;
+        const auto first =
+            std::find_if(group.items.cbegin(), group.items.cend(), [this](qint32 key) {
+                return m_addon->Search(key)->boolProcess;
+            });
+        out.append({*first, text + u' ' + variantProblem(group.name), true});
+    }
+    QSet<QString> toldFolders;
+    const QString* last = nullptr;
+    for (const CAddon_Item& item : m_addon->colAddonItems()) {
+        if (!item.boolProcess)
+            continue;
+        const QString& folder = item.sFolder_Installation;
+        if (last && last->constData() == folder.constData() && !folder.isEmpty())
+            continue;
+        last = &folder;
+        const bool told =
+            item.IsMappedToTextureGroup() && folder.isEmpty() &&
+            !textureGroupProblem(groups(MappedGroup::Texture)[size_t(item.groupIndex)]).isEmpty();
+        const bool unsafe = folder.isEmpty() &&
+                            std::any_of(out.cbegin(), out.cend(), [&item](const PlanProblem& p) {
+                                return p.item == item.lngKey;
+                            });
+        if (told || unsafe || toldFolders.contains(folder) || usableFolder(folder))
+            continue;
+        toldFolders.insert(folder);
+        out.append({item.lngKey, noValidTargetFolder(folder), true});
+    }
+    for (const QList<qint32>& keys : m_addon->duplicateTargets())
+        out.append({keys.at(1), sameTarget(), true});
+    if (Result named = Options_InstallationChoices_Validate(); !named)
+        out.append({0, named.text, true});
+    for (const InstallationGroup& group : groups(MappedGroup::Scenery)) {
+        if (!cabinet && anyMarked(group) && group.sceneryLibraryUpdate &&
+            group.sceneryTitle.trimmed().isEmpty())
+            out.append({group.items.first(),
+                        u"Scenery library title is not specified. "_s + libraryProblem(group.name),
+                        true});
+    }
+    if (!AddonItemGroup_IsAnythingMarkedForInstall())
+        out.append(
+            {0, u"Nothing to install. All addon files are marked 'Do Not Install'."_s, true});
+    if (!sceneryAreas().isEmpty()) {
+        Result loaded;
+        const auto library = sceneryLibrary(loaded);
+        if (!loaded.ok)
+            out.append({0, loaded.text, false});
+    }
+    return out;
+}
+
+Result CAddonInstallationDetails::installable() const
+{
+    for (const PlanProblem& problem : problems()) {
+        if (!problem.blocks)
+            continue;
+        const CAddon_Item* item = m_addon->Search(problem.item);
+        const QString name =
+            item ? u"'"_s + item->sFolder_Current + item->sName + u"': "_s : QString();
+        return Result::failure(name + problem.text);
+    }
+    return Result::success();
+}
+
+} // namespace vt

@@ -1,0 +1,52 @@
+// What a front end passes to an installation: answers given beforehand. Shared by plan and install,
+// so that both see the same proposal.
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace vt {
+
+enum class InstallTo : quint8
+{
+    Simulator,
+    Cabinet, ///< kept in the File Cabinet without being installed
+};
+
+enum class ReplacePolicy : quint8
+{
+    Ask,
+    Yes,
+    No,
+    Newer, ///< only when the source's file is more recent
+};
+
+/// A folder chosen for the items of that name (or source path, or source folder with its "\").
+struct TargetChoice
+{
+    QString name;
+    QString folder; ///< a Windows text, or relative to the simulator's folder
+};
+
+struct InstallOptions
+{
+    std::optional<QString> name;
+    std::optional<QString> description;
+    std::optional<QString> authors;
+    std::optional<int> rating; ///< 0 none, 1 to 5
+    InstallTo to = InstallTo::Simulator;
+    ReplacePolicy replace = ReplacePolicy::Ask;
+    QStringList skip; ///< names, source paths, source folders (ending in "\") or "*.ext"
+    QList<TargetChoice> targets;
+    QString aircraftFolder; ///< for textures, panels and sounds without an aircraft; or empty
+    bool noSceneryLibrary = false;
+    QString archiveSourceFolder; ///< the source archive goes there afterwards; empty: stays
+    bool deleteSource = false;
+    /// Ask before the source is moved or deleted; off where naming the option was the confirmation.
+    bool confirmSourceHandling = false;
+};
+
+} // namespace vt

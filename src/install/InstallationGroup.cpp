@@ -1,0 +1,61 @@
+#include "install/InstallationGroup.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+QList<MethodLabel> methodLabels(MappedGroup family, const DisplayNames& names)
+{
+    using Method = InstallationMethod;
+    const MethodLabel determined = {Method::Determined,
+                                    u"The folders determined by "_s + names.productName};
+    const QString sim = names.simLong;
+    switch (family) {
+    case MappedGroup::Sound:
+        return {determined,
+                {Method::ChosenFolder, u"An existing or new sound folder"_s},
+                {Method::GlobalFolder, sim + u"'s global sound folder"_s},
+                {Method::AdventureSounds, sim + u"'s adventure sound folder"_s}};
+    case MappedGroup::Texture:
+        return {determined,
+                {Method::ChosenFolder, u"An existing or new texture folder"_s},
+                {Method::GlobalFolder, sim + u"'s global texture folder"_s},
+                {Method::AddonSceneryTexture, sim + u"'s addon scenery texture folder"_s},
+                {Method::SceneryWorldTexture, sim + u"'s scenery world texture folder"_s},
+                {Method::NewRepaint,
+                 u"Install the texture files as a new skin/repaint for an existing aircraft."_s}};
+    case MappedGroup::Scenery:
+        return {determined,
+                {Method::ChosenFolder, u"An existing or new scenery folder"_s},
+                {Method::SceneryWorld, sim + u"'s Scenery\\World\\Scenery folder"_s},
+                {Method::GlobalFolder, sim + u"'s global scenery folder"_s},
+                {Method::AddonScenery, sim + u"'s addon scenery folder"_s}};
+    case MappedGroup::Panel:
+        return {determined, {Method::ChosenFolder, u"An existing or new panel folder"_s}};
+    case MappedGroup::Missions:
+        return {{Method::Determined, u"The default folders determined by "_s + names.productName},
+                {Method::ChosenFolder, u"An existing or new mission folder"_s}};
+    default:
+        return {determined};
+    }
+}
+
+QString folderHint(MappedGroup family, const DisplayNames& names, int generation)
+{
+    const QString beginning = u"Select a folder beneath "_s + names.simLong;
+    switch (family) {
+    case MappedGroup::Sound:
+        // The transposed letters have always been there.
+        return beginning +
+               (generation == FSX ? u"'s SimOjbects folder."_s : u"'s Aircraft folder."_s);
+    case MappedGroup::Aircraft:
+    case MappedGroup::Panel:
+    case MappedGroup::Texture:
+        return beginning +
+               (generation == FSX ? u"'s SimObjects folder."_s : u"'s Aircraft folder."_s);
+    default:
+        return {};
+    }
+}
+
+} // namespace vt

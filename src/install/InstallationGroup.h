@@ -1,0 +1,78 @@
+// The groups of an installation: what belongs together (one aircraft, one panel, one repaint, one
+// scenery area, ...), with the decisions made for it. Plain data; CAddonInstallationDetails rules
+// it.
+#pragma once
+
+#include "addondb/CAddon_Item.h"
+#include "shell/GlobalRecord.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace vt {
+
+/// How a group finds its target folder; which ones a family offers is in methodLabels().
+enum class InstallationMethod : quint8
+{
+    Determined,          ///< the folders determined by the program
+    ChosenFolder,        ///< an existing or new folder of the family
+    GlobalFolder,        ///< the simulator's global sound, texture or scenery folder
+    AdventureSounds,     ///< beneath the adventure sound folder
+    AddonSceneryTexture, ///< the addon scenery texture folder
+    SceneryWorldTexture, ///< the scenery world texture folder
+    NewRepaint,          ///< as a new skin of an existing aircraft
+    SceneryWorld,        ///< Scenery\World\Scenery
+    AddonScenery,        ///< the addon scenery folder
+};
+
+struct MethodLabel
+{
+    InstallationMethod method;
+    QString label;
+};
+
+/// The methods that a family's page offers, in order; the first is the default.
+[[nodiscard]] QList<MethodLabel> methodLabels(MappedGroup family, const DisplayNames& names);
+
+/// The hint under a family's folder choice; empty where a family has none.
+[[nodiscard]] QString folderHint(MappedGroup family, const DisplayNames& names, int generation);
+
+/// A new variation of an aircraft that a texture group brings.
+struct VariantDetails
+{
+    QString title;
+    QString variation;     ///< ui_variation
+    QString texture;       ///< folder suffix: "blue", "Landor\G-CIVB"; empty for plain "texture"
+    QString sourceSection; ///< "fltsim.X" in the source file, empty when the add-on brings none
+    qint32 sourceItem = 0; ///< key of the item that holds the section, or 0
+};
+
+/// A folder of a repaint that becomes a folder of the aircraft.
+struct AircraftPart
+{
+    QString sourceFolder; ///< as in the items
+    QString name;         ///< the aircraft's folder of it: "texture.blue"
+};
+
+struct InstallationGroup
+{
+    MappedGroup family = MappedGroup::None;
+    QString name;           ///< as shown on the group's tab
+    QString sourceFolder;   ///< folder in the source that the group was made from
+    QString targetFolder;   ///< where the group's own folder goes; empty: not selected
+    QString proposedFolder; ///< what the analysis chose
+    QString aircraftFolder; ///< texture, panel and sound groups: the aircraft they belong to
+    QString simName;        ///< name of the flight model ("sim=") of an aircraft or repaint
+    InstallationMethod method = InstallationMethod::Determined;
+    int aircraftGroup = -1;     ///< index of the aircraft group of this add-on, or -1
+    bool needsAircraft = false; ///< cannot be installed without an aircraft folder
+    bool baseMissing = false;   ///< the source names an aircraft that is nowhere
+    bool sceneryLibraryUpdate = false;
+    QString sceneryTitle;
+    QList<VariantDetails> variants;
+    QList<AircraftPart> parts; ///< texture groups
+    QList<qint32> items;       ///< keys, in the add-on's order
+};
+
+} // namespace vt

@@ -15,8 +15,6 @@ namespace vt {
 
 namespace {
 
-using ByteLines = QList<QByteArray>;
-
 constexpr QStringView areaStem = u"area.";
 constexpr QStringView cacheStem = u"cache.";
 constexpr auto generalSection = "GENERAL"_L1;
@@ -38,27 +36,27 @@ constexpr std::array<const char*, 6> areaKeyNames = {
     "title", "local", "remote", "active", "required", "layer"};
 static_assert(areaKeyNames.size() == AreaKeys);
 
-AreaKey areaKeyOf(const QByteArray& key)
+AreaKey areaKeyOf(QByteArrayView key)
 {
     for (size_t i = 0; i < areaKeyNames.size(); ++i) {
-        if (key.compare(areaKeyNames[i], Qt::CaseInsensitive) == 0)
+        if (ini::isKey(key, areaKeyNames[i]))
             return AreaKey(i);
     }
     return UnknownKey;
 }
 
 /// Titles and locations may hold what looks like a comment, so they are taken whole.
-std::optional<ini::EntryBytes> areaEntry(const QByteArray& line)
+std::optional<ini::EntryView> areaEntry(QByteArrayView line)
 {
     const QByteArrayView text = ini::trimmedBlanks(line);
     if (text.isEmpty() || text.front() == '[' || text.front() == '/' || text.front() == ';' ||
         text.front() == '\'')
         return std::nullopt;
-    return ini::splitBytes(text);
+    return ini::splitView(text);
 }
 
 /// One past the last entry line: what follows are blank lines and remarks on what comes next.
-qsizetype bodyEnd(const ByteLines& lines)
+qsizetype bodyEnd(const QList<QByteArray>& lines)
 {
     qsizetype end = lines.size();
     while (end > 1 && !areaEntry(lines.at(end - 1)))
@@ -71,17 +69,38 @@ QString flagText(bool value)
     return value ? u"TRUE"_s : u"FALSE"_s;
 }
 
-bool isFlag(const QByteArray& value, const char* text)
+bool isFlag(QByteArrayView value, QByteArrayView text)
 {
-    return ini::strippedBytes(value).data.compare(text, Qt::CaseInsensitive) == 0;
+    return value.compare(text, Qt::CaseInsensitive) == 0 ||
+           ini::strippedBytes(value).data.compare(text, Qt::CaseInsensitive) == 0;
 }
 
-qsizetype emptyAtEnd(const ByteLines& lines)
+/// Zero for what is no number or a negative one.
+int layerOf(QByteArrayView value)
+{
+    bool ok = false;
+    const int plain = value.toInt(&ok);
+    return std::max(0, ok ? plain : ini::strippedBytes(value).data.toInt());
+}
+
+qsizetype emptyAtEnd(const QList<QByteArray>& lines)
 {
     qsizetype count = 0;
     while (count < lines.size() && lines.at(lines.size() - 1 - count).isEmpty())
         ++count;
     return count;
+}
+
+/// The digits at the beginning; no number comes near the bound.
+int numberOf(QStringView text)
+{
+    int number = 0;
+    for (const QChar c : text.trimmed()) {
+        if (c < u'0' || c > u'9' || number > 9'999'999)
+            break;
+        number = number * 10 + c.digitValue();
+    }
+    return number;
 }
 
 QString describedArea(const CSceneryCfgItem& item)
@@ -96,9 +115,9 @@ QString describedArea(const CSceneryCfgItem& item)
 
 CSceneryCfgMgr::CSceneryCfgMgr(ConfigAccess access, QString file, QString simulatorFolder)
     : m_access(access), m_file(std::move(file)),
-      m_simulatorFolder(winpath::asFolder(simulatorFolder)), m_loaded(access.ansi)
+      m_simulatorFolder(winpath::asFolder(simulatorFolder))
 {
-    parse(m_loaded);
+    parse({});
 }
 
 // --- loading -----------------------------------------------------------------------------------
@@ -106,96 +125,129 @@ CSceneryCfgMgr::CSceneryCfgMgr(ConfigAccess access, QString file, QString simula
 Result CSceneryCfgMgr::SceneryCfg_Load()
 {
     m_loaded.clear();
-    parse(m_loaded);
+    parse({});
     m_stamp = FileStamp::of(m_access.actions, m_file);
     if (!m_stamp.exists())
         return Result::failure(u"Scenery configuration file '"_s + m_file + u"' was not found."_s,
                                ErrorKind::Surroundings);
-    LineArray lines(m_access.ansi);
-    if (const Result read = ini::INI_File_Read(m_access.actions, m_file, lines); !read)
-        return Result::failure(read.text, ErrorKind::Surroundings);
-    if (const Result editable = ini::checkEditable(lines, m_file); !editable)
+    const ResultOf<QByteArray> bytes = ini::File_ReadAllText(m_access.actions, m_file);
+    if (!bytes)
+        return Result::failure(bytes.text, ErrorKind::Surroundings);
+    if (Result editable = ini::checkEditable(*bytes, m_file); !editable)
         return editable;
-    m_loaded = lines;
+    m_loaded = *bytes;
     parse(m_loaded);
     if (m_items.isEmpty())
         return Result::success(u"Scenery configuration file does not have any scenery areas."_s);
     return Result::success();
 }
 
-void CSceneryCfgMgr::parse(const LineArray& lines)
+void CSceneryCfgMgr::parse(const QByteArray& bytes)
 {
     m_blocks = {Block()};
     m_items.clear();
     m_ids.clear();
     m_byFolder.clear();
     m_foldersIndexed = false;
-    QStringList names = {QString()};
-    if (lines.hasContent()) {
-        for (const QByteArray& line : lines.lines) {
-            if (const std::optional<QString> name = ini::sectionOfLine(lines, line)) {
-                Block block;
-                if (startsWithNoCase(*name, areaStem))
-                    block.kind = BlockKind::Area;
-                else if (startsWithNoCase(*name, cacheStem))
-                    block.kind = BlockKind::Cache;
-                else if (equalNoCase(*name, QString(generalSection)))
-                    block.kind = BlockKind::General;
-                m_blocks.push_back(block);
-                names.push_back(*name);
-            }
-            m_blocks.last().lines.push_back(line);
+    m_source = bytes;
+    const LineArray names(m_access.ansi);
+    qsizetype start = 0;
+    quint32 seen = 0;
+    const auto closeBlock = [&](qsizetype end) {
+        m_blocks.last().text = QByteArray::fromRawData(m_source.constData() + start, end - start);
+    };
+    forEachLine(m_source, [&](QByteArrayView line, qsizetype offset) {
+        const std::optional<QString> name = ini::sectionOfLine(names, line);
+        if (!name) {
+            m_blocks.last().empty = false;
+            if (m_blocks.constLast().kind == BlockKind::Area)
+                readParameter(line, m_items.last(), seen);
+            return;
         }
-    }
-    for (qsizetype i = 0; i < m_blocks.size(); ++i) {
-        if (m_blocks.at(i).kind != BlockKind::Area)
-            continue;
-        m_items.push_back(parseArea(m_blocks.at(i), names.at(i)));
-        m_ids.push_back(m_nextId++);
-    }
+        if (!m_blocks.constLast().empty)
+            closeBlock(offset - 2);
+        start = offset;
+        Block block;
+        block.empty = false;
+        if (startsWithNoCase(*name, areaStem)) {
+            block.kind = BlockKind::Area;
+            seen = 0;
+            CSceneryCfgItem item;
+            item.intArea = numberOf(QStringView(*name).sliced(areaStem.size()));
+            m_items.push_back(item);
+            m_ids.push_back(m_nextId++);
+        } else if (startsWithNoCase(*name, cacheStem)) {
+            block.kind = BlockKind::Cache;
+        } else if (equalNoCase(*name, QString(generalSection))) {
+            block.kind = BlockKind::General;
+        }
+        m_blocks.push_back(block);
+    });
+    if (!m_blocks.constLast().empty)
+        closeBlock(m_source.size());
     recount();
 }
 
-CSceneryCfgItem CSceneryCfgMgr::parseArea(const Block& block, const QString& name) const
+/// Of a key that stands twice the first counts.
+void CSceneryCfgMgr::readParameter(QByteArrayView line, CSceneryCfgItem& item, quint32& seen) const
 {
-    CSceneryCfgItem item;
-    for (const QChar c : QStringView(name).sliced(areaStem.size()).trimmed()) {
-        if (c < u'0' || c > u'9' || item.intArea > 99'999'999)
-            break;
-        item.intArea = item.intArea * 10 + c.digitValue();
+    const std::optional<ini::EntryView> entry = areaEntry(line);
+    const AreaKey key = entry ? areaKeyOf(entry->key) : UnknownKey;
+    if (key == UnknownKey || (seen & (1U << key)) != 0)
+        return;
+    seen |= 1U << key;
+    const auto text = [&] { return m_access.ansi.decode(ini::trimmedBlanks(entry->value)); };
+    switch (key) {
+    case TitleKey:
+        item.sTitle = text();
+        break;
+    case LocalKey:
+        item.sLocal = text();
+        break;
+    case RemoteKey:
+        item.sRemote = text();
+        break;
+    case ActiveKey:
+        item.boolActive = !isFlag(entry->value, "FALSE");
+        break;
+    case RequiredKey:
+        item.boolRequired = isFlag(entry->value, "TRUE");
+        break;
+    case LayerKey:
+        item.intLayer = layerOf(entry->value);
+        break;
+    case UnknownKey:
+        break;
     }
-    std::array<bool, AreaKeys> seen{};
-    for (qsizetype i = 1; i < block.lines.size(); ++i) {
-        const std::optional<ini::EntryBytes> entry = areaEntry(block.lines.at(i));
-        const AreaKey key = entry ? areaKeyOf(entry->key) : UnknownKey;
-        if (key == UnknownKey || seen[key])
+}
+
+// --- blocks ------------------------------------------------------------------------------------
+
+CSceneryCfgMgr::ByteLines CSceneryCfgMgr::linesOf(const Block& block) const
+{
+    return block.empty ? ByteLines() : LineArray::ofBytes(block.text, m_access.ansi).lines;
+}
+
+void CSceneryCfgMgr::setLines(Block& block, const ByteLines& lines)
+{
+    block.empty = lines.isEmpty();
+    block.text = lines.join("\r\n");
+}
+
+QByteArray CSceneryCfgMgr::joined() const
+{
+    QByteArray bytes;
+    bytes.reserve(m_source.size() + 256 * (m_items.size() + 1));
+    bool first = true;
+    for (const Block& block : m_blocks) {
+        if (block.empty)
             continue;
-        seen[key] = true;
-        const auto text = [&] { return m_loaded.decoded(ini::trimmedBlanks(entry->value)); };
-        switch (key) {
-        case TitleKey:
-            item.sTitle = text();
-            break;
-        case LocalKey:
-            item.sLocal = text();
-            break;
-        case RemoteKey:
-            item.sRemote = text();
-            break;
-        case ActiveKey:
-            item.boolActive = !isFlag(entry->value, "FALSE");
-            break;
-        case RequiredKey:
-            item.boolRequired = isFlag(entry->value, "TRUE");
-            break;
-        case LayerKey:
-            item.intLayer = std::max(0, ini::strippedBytes(entry->value).data.toInt());
-            break;
-        case UnknownKey:
-            break;
-        }
+        if (!first)
+            bytes.append("\r\n");
+        first = false;
+        bytes.append(block.text);
     }
-    return item;
+    return bytes;
 }
 
 void CSceneryCfgMgr::recount()
@@ -336,7 +388,7 @@ CSceneryCfgMgr::AddResult CSceneryCfgMgr::SceneryCfg_AddArea(
     return {true, Added, QString(), item.intArea, item.intLayer};
 }
 
-ResultOf<QList<QByteArray>> CSceneryCfgMgr::headLines(const CSceneryCfgItem& item) const
+ResultOf<CSceneryCfgMgr::ByteLines> CSceneryCfgMgr::headLines(const CSceneryCfgItem& item) const
 {
     QStringList texts = {u"[Area."_s + QString::number(item.intArea).rightJustified(3, u'0') +
                              u"]"_s,
@@ -355,19 +407,29 @@ ResultOf<QList<QByteArray>> CSceneryCfgMgr::headLines(const CSceneryCfgItem& ite
     return head.lines;
 }
 
-void CSceneryCfgMgr::insertArea(const CSceneryCfgItem& item, const QList<QByteArray>& head)
+void CSceneryCfgMgr::insertArea(const CSceneryCfgItem& item, const ByteLines& head)
 {
-    Block added{BlockKind::Area, head};
-    added.lines.push_back(QByteArray());
-    const qsizetype lastArea = blockOf(m_items.size() - 1);
-    const qsizetype place = lastArea < 0 ? m_blocks.size() : lastArea + 1;
+    ByteLines lines = head;
+    lines.push_back(QByteArray());
+    qsizetype place = m_blocks.size();
+    while (place > 0 && m_blocks.at(place - 1).kind != BlockKind::Area)
+        --place;
+    if (place == 0) // no area yet
+        place = m_blocks.size();
     // At the end of the file the new block must leave no trace when it goes again: each block owns
     // exactly one empty line behind it. A file that ends in an empty line keeps its line end last;
     // after any other the block's own empty line becomes the file's line end.
-    if (place == m_blocks.size() && emptyAtEnd(m_blocks.constLast().lines) > 1) {
-        m_blocks.last().lines.removeLast();
-        added.lines.push_back(QByteArray());
+    if (place == m_blocks.size()) {
+        ByteLines before = linesOf(m_blocks.constLast());
+        if (emptyAtEnd(before) > 1) {
+            before.removeLast();
+            setLines(m_blocks.last(), before);
+            lines.push_back(QByteArray());
+        }
     }
+    Block added;
+    added.kind = BlockKind::Area;
+    setLines(added, lines);
     m_blocks.insert(place, added);
     const int id = m_nextId++;
     if (m_foldersIndexed)
@@ -385,12 +447,15 @@ bool CSceneryCfgMgr::SceneryCfg_RemoveArea(qsizetype index)
     if (index < 0 || index >= m_items.size())
         return false;
     const qsizetype place = blockOf(index);
-    const ByteLines lines = m_blocks.at(place).lines;
+    const ByteLines lines = linesOf(m_blocks.at(place));
     qsizetype end = bodyEnd(lines);
     if (end < lines.size() && lines.at(end).isEmpty())
         ++end;
     m_blocks.removeAt(place);
-    m_blocks[place - 1].lines += lines.sliced(end);
+    if (end < lines.size()) {
+        Block& before = m_blocks[place - 1];
+        setLines(before, linesOf(before) + lines.sliced(end));
+    }
     m_items.removeAt(index);
     m_ids.removeAt(index); // m_byFolder may keep the id: nothing is found by it any more
     recount();
@@ -402,16 +467,17 @@ bool CSceneryCfgMgr::SceneryCfg_RemoveArea(const QString& folder, int recordedAr
     return SceneryCfg_RemoveArea(areaForFolder(folder, recordedArea));
 }
 
-QList<QByteArray> CSceneryCfgMgr::rewritten(const Block& block, const QList<QByteArray>& head)
+CSceneryCfgMgr::ByteLines CSceneryCfgMgr::rewritten(const Block& block, const ByteLines& head) const
 {
-    const qsizetype end = bodyEnd(block.lines);
+    const ByteLines old = linesOf(block);
+    const qsizetype end = bodyEnd(old);
     ByteLines lines = head;
     for (qsizetype i = 1; i < end; ++i) {
-        const std::optional<ini::EntryBytes> entry = areaEntry(block.lines.at(i));
+        const std::optional<ini::EntryView> entry = areaEntry(old.at(i));
         if (!entry || areaKeyOf(entry->key) == UnknownKey)
-            lines.push_back(block.lines.at(i));
+            lines.push_back(old.at(i));
     }
-    return lines + block.lines.sliced(end);
+    return lines + old.sliced(end);
 }
 
 Result CSceneryCfgMgr::setArea(qsizetype index, const CSceneryCfgItem& item)
@@ -424,7 +490,7 @@ Result CSceneryCfgMgr::setArea(qsizetype index, const CSceneryCfgItem& item)
     if (!head)
         return head.error();
     Block& block = m_blocks[blockOf(index)];
-    block.lines = rewritten(block, *head);
+    setLines(block, rewritten(block, *head));
     m_items[index] = item;
     m_foldersIndexed = false;
     recount();
@@ -446,7 +512,7 @@ std::optional<QString> CSceneryCfgMgr::General_Get(const QString& key) const
         if (block.kind != BlockKind::General)
             continue;
         LineArray own(m_access.ansi);
-        own.lines = block.lines;
+        own.lines = linesOf(block);
         if (std::optional<QString> value = ini::INI_Entry_Get(own, QString(generalSection), key))
             return value;
     }
@@ -458,7 +524,7 @@ Result CSceneryCfgMgr::General_Set(const QString& key, const QString& value)
     LineArray all = lines();
     if (Result set = ini::INI_Entry_Set(all, QString(generalSection), key, value); !set)
         return set;
-    parse(all);
+    parse(all.joined());
     return Result::success();
 }
 
@@ -466,23 +532,17 @@ Result CSceneryCfgMgr::General_Set(const QString& key, const QString& value)
 
 LineArray CSceneryCfgMgr::lines() const
 {
-    LineArray all(m_access.ansi);
-    ByteLines joined;
-    for (const Block& block : m_blocks)
-        joined += block.lines;
-    if (!joined.isEmpty())
-        all.lines = joined;
-    return all;
+    return LineArray::ofBytes(joined(), m_access.ansi);
 }
 
 bool CSceneryCfgMgr::modified() const
 {
-    return lines().lines != m_loaded.lines;
+    return joined() != m_loaded;
 }
 
 ConfigChange CSceneryCfgMgr::changes() const
 {
-    return {m_file, lineChanges(m_loaded, lines())};
+    return {m_file, lineChanges(LineArray::ofBytes(m_loaded, m_access.ansi), lines())};
 }
 
 } // namespace vt

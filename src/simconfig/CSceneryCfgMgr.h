@@ -147,18 +147,24 @@ private:
         Cache,
     };
 
+    /// One section, or what precedes the first.
     struct Block
     {
         BlockKind kind = BlockKind::Other;
-        QList<QByteArray> lines;
+        bool empty = true; ///< no line at all, which is less than one empty line
+        QByteArray text;   ///< lines with CR LF between; of unedited ones a view into m_source
     };
 
-    void parse(const LineArray& lines);
-    [[nodiscard]] CSceneryCfgItem parseArea(const Block& block, const QString& name) const;
-    [[nodiscard]] ResultOf<QList<QByteArray>> headLines(const CSceneryCfgItem& item) const;
-    [[nodiscard]] static QList<QByteArray> rewritten(const Block& block,
-                                                     const QList<QByteArray>& head);
-    void insertArea(const CSceneryCfgItem& item, const QList<QByteArray>& head);
+    using ByteLines = QList<QByteArray>;
+
+    void parse(const QByteArray& bytes);
+    [[nodiscard]] ByteLines linesOf(const Block& block) const;
+    static void setLines(Block& block, const ByteLines& lines);
+    [[nodiscard]] QByteArray joined() const;
+    void readParameter(QByteArrayView line, CSceneryCfgItem& item, quint32& seen) const;
+    [[nodiscard]] ResultOf<ByteLines> headLines(const CSceneryCfgItem& item) const;
+    [[nodiscard]] ByteLines rewritten(const Block& block, const ByteLines& head) const;
+    void insertArea(const CSceneryCfgItem& item, const ByteLines& head);
     [[nodiscard]] qsizetype blockOf(qsizetype index) const;
     void recount();
     void indexFolders() const;
@@ -174,8 +180,9 @@ private:
     QString m_file;
     QString m_simulatorFolder;
     FileStamp m_stamp;
-    LineArray m_loaded;
-    QList<Block> m_blocks;          ///< the file in order; the first is what precedes any header
+    QByteArray m_loaded;   ///< the file as it was read or last saved
+    QByteArray m_source;   ///< what unedited blocks point into; never changed while they live
+    QList<Block> m_blocks; ///< the file in order; the first is what precedes any header
     QList<CSceneryCfgItem> m_items; ///< of the area blocks, in their order
     QList<int> m_ids;               ///< of the areas, never used twice: what m_byFolder names
     mutable QMultiHash<QString, int> m_byFolder; ///< folded form of the location to id

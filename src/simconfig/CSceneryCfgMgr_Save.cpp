@@ -62,19 +62,17 @@ Result CSceneryCfgMgr::confirmSave(bool& readOnly)
 
 Result CSceneryCfgMgr::SceneryCfg_Save()
 {
-    if (!modified())
+    const QByteArray bytes = joined();
+    if (bytes == m_loaded)
         return Result::success(u"Nothing to write to scenery configuration file."_s);
-    const LineArray all = lines();
-    if (const Result editable = modRoutines_INI::checkEditable(all, m_file); !editable)
-        return editable;
     bool readOnly = false;
     if (Result confirmed = confirmSave(readOnly); !confirmed)
         return confirmed;
     if (const Result kept = SceneryCfg_Backup(); !kept)
         return Result::failure(u"Scenery configuration file was not updated."_s + u' ' + kept.text);
-    if (const Result written = write(all.joined(), readOnly); !written)
+    if (const Result written = write(bytes, readOnly); !written)
         return failedSave(written);
-    m_loaded = all;
+    m_loaded = bytes;
     m_stamp = FileStamp::of(m_access.actions, m_file);
     return Result::success(u"Scenery configuration file was updated."_s);
 }

@@ -114,19 +114,38 @@ StrippedBytes strippedBytes(QByteArrayView line)
     return result;
 }
 
-std::optional<EntryBytes> splitBytes(QByteArrayView line)
+std::optional<EntryView> splitView(QByteArrayView line)
 {
     const qsizetype equals = line.indexOf('=', 1);
     if (equals < 1)
         return std::nullopt;
-    EntryBytes entry;
-    entry.key.reserve(equals);
-    for (const char c : line.first(equals)) {
+    return EntryView{line.first(equals), trimmedSpaces(line.sliced(equals + 1))};
+}
+
+std::optional<EntryBytes> splitBytes(QByteArrayView line)
+{
+    const std::optional<EntryView> view = splitView(line);
+    if (!view)
+        return std::nullopt;
+    EntryBytes entry{{}, view->value.toByteArray()};
+    entry.key.reserve(view->key.size());
+    for (const char c : view->key) {
         if (!isBlankByte(c))
             entry.key.append(c);
     }
-    entry.value = trimmedSpaces(line.sliced(equals + 1)).toByteArray();
     return entry;
+}
+
+bool isKey(QByteArrayView key, const char* lowerCase)
+{
+    for (const char c : key) {
+        if (isBlankByte(c))
+            continue;
+        const char lower = c >= 'A' && c <= 'Z' ? char(c + 32) : c;
+        if (lower != *lowerCase++) // its end differs from every other character
+            return false;
+    }
+    return *lowerCase == '\0';
 }
 
 bool mayBeHeader(QByteArrayView line)
@@ -215,6 +234,16 @@ std::optional<QString> sectionOfLine(const LineArray& lines, QByteArrayView line
 {
     if (!mayBeHeader(line))
         return std::nullopt;
+    // Nearly every header is plain ASCII without a comment, a tab or a second bracket.
+    if (line.front() == '[') {
+        const auto special = [](char c) {
+            return c < ' ' || c == '/' || c == ';' || c == '\'' || c == '[' || c == ']';
+        };
+        const auto end = std::find_if(line.cbegin() + 1, line.cend(), special);
+        if (end != line.cend() && *end == ']' && std::none_of(end + 1, line.cend(), special))
+            return QString::fromLatin1(
+                trimmedSpaces(line.sliced(1, std::distance(line.cbegin(), end) - 1)));
+    }
     return INI_Line_GetSectionName(lines.decoded(strippedBytes(line).data));
 }
 

@@ -20,6 +20,13 @@ struct StrippedBytes
     bool hasComment = false;
 };
 
+/// Both point into the line; the key with its blanks.
+struct EntryView
+{
+    QByteArrayView key;
+    QByteArrayView value;
+};
+
 struct EntryBytes
 {
     QByteArray key; ///< without spaces and tabs
@@ -31,7 +38,10 @@ struct EntryBytes
 /// Spaces and tabs.
 [[nodiscard]] QByteArrayView trimmedBlanks(QByteArrayView text);
 [[nodiscard]] StrippedBytes strippedBytes(QByteArrayView line);
+[[nodiscard]] std::optional<EntryView> splitView(QByteArrayView line);
 [[nodiscard]] std::optional<EntryBytes> splitBytes(QByteArrayView line);
+/// Whether a key, its blanks left out, is \a lowerCase (ASCII) without regard to case.
+[[nodiscard]] bool isKey(QByteArrayView key, const char* lowerCase);
 /// False for nearly every line that is no header; true still needs a look at the name.
 [[nodiscard]] bool mayBeHeader(QByteArrayView line);
 /// Without spaces and tabs.

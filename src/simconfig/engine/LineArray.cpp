@@ -5,7 +5,6 @@
 #include <QHash>
 
 #include <algorithm>
-#include <cstring>
 
 using namespace Qt::StringLiterals;
 
@@ -60,22 +59,10 @@ LineArray LineArray::ofBytes(const QByteArray& bytes, const AnsiCodec& ansi)
     LineArray result(ansi);
     if (bytes.isEmpty())
         return result;
-    const char* at = bytes.constData();
-    const char* const end = at + bytes.size();
     result.lines.clear();
-    result.lines.reserve(std::count(at, end, '\n') + 1);
-    const char* lineStart = at;
-    while (at < end) {
-        const auto* cr = static_cast<const char*>(std::memchr(at, '\r', size_t(end - at)));
-        if (!cr || cr + 1 == end)
-            break;
-        at = cr + 1;
-        if (*at != '\n')
-            continue;
-        result.lines.push_back(QByteArray(lineStart, cr - lineStart));
-        lineStart = ++at;
-    }
-    result.lines.push_back(QByteArray(lineStart, end - lineStart));
+    result.lines.reserve(bytes.count('\n') + 1);
+    forEachLine(
+        bytes, [&](QByteArrayView line, qsizetype) { result.lines.push_back(line.toByteArray()); });
     return result;
 }
 

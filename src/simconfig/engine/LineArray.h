@@ -52,6 +52,21 @@ private:
     const AnsiCodec* m_ansi;
 };
 
+/// Calls visit(line, offset) for every line of \a bytes, split exactly at CR LF, without copying.
+/// Empty bytes have no line; a line end at the very end is followed by one more, empty line.
+template <typename Visit> void forEachLine(QByteArrayView bytes, Visit visit)
+{
+    qsizetype start = 0;
+    for (qsizetype cr = bytes.indexOf('\r'); cr >= 0; cr = bytes.indexOf('\r', cr + 1)) {
+        if (cr + 1 == bytes.size() || bytes[cr + 1] != '\n')
+            continue;
+        visit(bytes.sliced(start, cr - start), start);
+        start = cr + 2;
+    }
+    if (!bytes.isEmpty())
+        visit(bytes.sliced(start), start);
+}
+
 /// Which lines an edit takes away and which it brings, each in file order.
 struct LineChanges
 {

@@ -85,6 +85,36 @@ bool commentOrBlank(QByteArrayView line)
     return text.isEmpty() || text.front() == '/' || text.front() == ';' || text.front() == '\'';
 }
 
+enum class Unfit
+{
+    Utf16,
+    Nul,
+    BareLineFeed,
+};
+
+Result notEditable(Unfit why, const QString& path)
+{
+    QString cause;
+    switch (why) {
+    case Unfit::Utf16:
+        cause = u"is a UTF-16 text and is not edited. Save it as ANSI text, then try again."_s;
+        break;
+    case Unfit::Nul:
+        cause = u"holds NUL characters, so it is no ANSI text and is not edited."_s;
+        break;
+    case Unfit::BareLineFeed:
+        cause =
+            u"has lines that end in LF alone and is not edited. Repair its line ends to CR LF, then try again."_s;
+        break;
+    }
+    return Result::failure(u"'"_s + path + u"' "_s + cause);
+}
+
+bool hasUtf16Mark(const QByteArray& bytes)
+{
+    return bytes.startsWith("\xff\xfe") || bytes.startsWith("\xfe\xff");
+}
+
 Result noContent()
 {
     return Result::failure(u"The configuration file has no content."_s);
@@ -142,23 +172,27 @@ Result INI_File_Write(FileActions& actions, const QString& path, const LineArray
 
 Result checkEditable(const LineArray& lines, const QString& path)
 {
-    const QByteArray& first = lines.lines.constFirst();
-    if (first.startsWith("\xff\xfe") || first.startsWith("\xfe\xff"))
-        return Result::failure(
-            u"'"_s + path +
-            u"' is a UTF-16 text and is not edited. Save it as ANSI text, then try again."_s);
+    if (hasUtf16Mark(lines.lines.constFirst()))
+        return notEditable(Unfit::Utf16, path);
     bool bareLineFeed = false;
     for (const QByteArray& line : lines.lines) {
         if (line.contains('\0'))
-            return Result::failure(
-                u"'"_s + path +
-                u"' holds NUL characters, so it is no ANSI text and is not edited."_s);
+            return notEditable(Unfit::Nul, path);
         bareLineFeed = bareLineFeed || line.contains('\n');
     }
-    if (bareLineFeed)
-        return Result::failure(
-            u"'"_s + path +
-            u"' has lines that end in LF alone and is not edited. Repair its line ends to CR LF, then try again."_s);
+    return bareLineFeed ? notEditable(Unfit::BareLineFeed, path) : Result::success();
+}
+
+Result checkEditable(const QByteArray& bytes, const QString& path)
+{
+    if (hasUtf16Mark(bytes))
+        return notEditable(Unfit::Utf16, path);
+    if (bytes.contains('\0'))
+        return notEditable(Unfit::Nul, path);
+    for (qsizetype at = bytes.indexOf('\n'); at >= 0; at = bytes.indexOf('\n', at + 1)) {
+        if (at == 0 || bytes.at(at - 1) != '\r')
+            return notEditable(Unfit::BareLineFeed, path);
+    }
     return Result::success();
 }
 

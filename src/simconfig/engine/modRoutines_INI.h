@@ -36,6 +36,8 @@ INI_File_Write(FileActions& actions, const QString& path, const LineArray& lines
 /// Whether the lines may be edited and written back. Refused, with the file and the cause named:
 /// UTF-16, NULs, bare LF line ends (they must be repaired first).
 [[nodiscard]] Result checkEditable(const LineArray& lines, const QString& path);
+/// The same of a whole file's bytes.
+[[nodiscard]] Result checkEditable(const QByteArray& bytes, const QString& path);
 
 // --- lines -------------------------------------------------------------------------------------
 

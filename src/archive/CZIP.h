@@ -35,7 +35,8 @@ public:
     QString sExtract_Folder;       ///< destination of Extract()
     QStringList varItemsToExtract; ///< names inside the archive; "*" and "?" match any characters,
                                    ///< a folder's name stands for everything below it, and
-                                   ///< "sub\a.zip\b.txt" for an entry of an inner archive
+                                   ///< "sub\a.zip\b.txt" for an entry of an inner archive,
+                                   ///< which comes out as "b.txt"
     bool boolExtract_All = false;  ///< an empty list means every entry
     bool boolExtract_ConfirmOverwrite = false;
     bool boolErrorMessages_Show = false; ///< failures are also told in a box
@@ -84,7 +85,6 @@ public:
 
 private:
     struct Budget;
-    struct Wanted;
     struct Tally;
 
     bool finish(const Result& result, const QString& caption = {});
@@ -105,9 +105,9 @@ private:
 
     // CZIP_Extract.cpp
     Result extract();
-    [[nodiscard]] QList<Wanted> findWanted(Tally& tally) const;
-    Result checkSpace(const QList<Wanted>& wanted) const;
-    Result extractOne(const Wanted& wanted, Tally& tally);
+    [[nodiscard]] QList<EntryRef> findWanted(Tally& tally) const;
+    Result checkSpace(const QList<EntryRef>& wanted) const;
+    Result extractOne(const EntryRef& ref, Tally& tally);
     Result
     place(const EntryRef& ref, const QString& target, FileActions& actions, bool& unreadable);
 

@@ -10,12 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace vt {
 
-struct CZIP::Wanted
-{
-    EntryRef ref;
-    QString name; ///< folder and name below the destination
-};
-
 /// How an extraction stands.
 struct CZIP::Tally
 {
@@ -91,11 +85,11 @@ Result CZIP::extract()
     m_remarks.clear();
     m_count = 0;
     Tally tally;
-    const QList<Wanted> wanted = findWanted(tally);
+    const QList<EntryRef> wanted = findWanted(tally);
     if (Result space = checkSpace(wanted); !space)
         return space;
     qint64 done = 0;
-    for (const Wanted& one : wanted) {
+    for (const EntryRef& one : wanted) {
         progress(done++, wanted.size());
         if (cancelled())
             return Result::failure(u"Extraction aborted."_s, ErrorKind::Declined);
@@ -122,7 +116,7 @@ Result CZIP::extract()
 }
 
 /// The entries meant by varItemsToExtract, in listing order; a name that means none is a failure.
-QList<CZIP::Wanted> CZIP::findWanted(Tally& tally) const
+QList<EntryRef> CZIP::findWanted(Tally& tally) const
 {
     std::vector<std::vector<bool>> chosen;
     for (const CZIPFile& file : colZIPContents)
@@ -164,24 +158,22 @@ QList<CZIP::Wanted> CZIP::findWanted(Tally& tally) const
             tally.failures += u"Could not extract '"_s + raw + u"': the archive '"_s + sZIPFile +
                               u"' holds no such entry."_s;
     }
-    QList<Wanted> wanted;
+    QList<EntryRef> wanted;
     for (size_t a = 0; a < chosen.size(); ++a) {
         for (size_t i = 0; i < chosen[a].size(); ++i) {
             if (chosen[a][i])
-                wanted += {{int(a), int(i) + 1},
-                           colZIPContents[a].nestedPath +
-                               colZIPContents[a].varZIPItems[qsizetype(i)].fullName()};
+                wanted += EntryRef{int(a), int(i) + 1};
         }
     }
     return wanted;
 }
 
 /// Refused before the first byte, as far as the declared sizes tell.
-Result CZIP::checkSpace(const QList<Wanted>& wanted) const
+Result CZIP::checkSpace(const QList<EntryRef>& wanted) const
 {
     qint64 needed = 0;
-    for (const Wanted& one : wanted)
-        needed += qMin(entry(one.ref)->lngSize_Uncompressed, (qint64(1) << 62) - needed);
+    for (const EntryRef& one : wanted)
+        needed += qMin(entry(one)->lngSize_Uncompressed, (qint64(1) << 62) - needed);
     const ResultOf<qint64> available = freeBytes(m_services.files, sExtract_Folder);
     if (!available || needed <= *available)
         return Result::success();
@@ -190,16 +182,18 @@ Result CZIP::checkSpace(const QList<Wanted>& wanted) const
                            sizeText(*available) + u" are free."_s);
 }
 
-Result CZIP::extractOne(const Wanted& wanted, Tally& tally)
+Result CZIP::extractOne(const EntryRef& ref, Tally& tally)
 {
-    const CZIPFileItem& item = *entry(wanted.ref);
+    const CZIPFileItem& item = *entry(ref);
     status(u"Extracting '"_s + item.sFilename + u"'..."_s);
-    const QString cannot = u"Could not extract '"_s + wanted.name + u"'"_s;
-    if (wanted.name.isEmpty())
-        return Result::success();
-    if (Result safe = winpath::checkRelative(wanted.name); !safe)
+    const QString name = item.fullName();
+    if (name.isEmpty())
+        return Result::success(); // the archive's own top as an entry
+    const CZIPFile& file = colZIPContents[size_t(ref.archive)];
+    const QString cannot = u"Could not extract '"_s + file.nestedPath + name + u"'"_s;
+    if (Result safe = winpath::checkRelative(name); !safe)
         return Result::failure(cannot + u" from '"_s + sZIPFile + u"'. "_s + safe.text);
-    const QString target = winpath::join(winpath::asFolder(sExtract_Folder), wanted.name);
+    const QString target = winpath::join(winpath::asFolder(sExtract_Folder), name);
     if (item.kind == EntryKind::Folder) {
         Result made = m_unsynced.makeFolder(target + u'\\');
         return made ? made : Result::failure(cannot + u". "_s + made.text);
@@ -216,7 +210,7 @@ Result CZIP::extractOne(const Wanted& wanted, Tally& tally)
             return Result::success();
     }
     bool unreadable = false;
-    if (Result placed = place(wanted.ref, target, m_unsynced, unreadable); !placed)
+    if (Result placed = place(ref, target, m_unsynced, unreadable); !placed)
         return Result::failure(cannot + u". "_s + placed.text, placed.kind);
     ++tally.files;
     return Result::success();

@@ -1,0 +1,150 @@
+// ini sections, get, set, delete: the configuration file engine on one file that the user names.
+// Nothing here touches the simulator, the program folder or the database.
+#include "cli/Command.h"
+#include "platform/WinPath.h"
+#include "simconfig/engine/modRoutines_INI.h"
+
+#include <QJsonArray>
+
+using namespace Qt::StringLiterals;
+namespace ini = vt::modRoutines_INI;
+
+namespace vt::cli {
+
+namespace {
+
+/// One file as the commands below see it.
+struct IniFile
+{
+    QString path;
+    LineArray lines;
+    Result editable; ///< why it is not edited; reading is done by the profile functions then
+};
+
+ResultOf<IniFile> openIni(World& world, const Arguments& arguments)
+{
+    Services& services = world.services();
+    IniFile file{world.userPath(arguments.one(u"FILE"_s)), LineArray(services.ansi), {}};
+    if (!services.files.isFile(file.path))
+        return Result::failure(u"The file '"_s + file.path + u"' was not found."_s,
+                               ErrorKind::Surroundings);
+    if (const Result read = ini::INI_File_Read(services.actions, file.path, file.lines); !read)
+        return Result::failure(read.text, ErrorKind::Surroundings);
+    file.editable = ini::checkEditable(file.lines, file.path);
+    return file;
+}
+
+profile::ProfileFile profileOfIni(World& world, const IniFile& file)
+{
+    return ini::profileOf(world.services().actions, world.services().ansi, file.path);
+}
+
+int iniSections(World& world, const Arguments& arguments)
+{
+    const ResultOf<IniFile> file = openIni(world, arguments);
+    if (!file)
+        return world.fail(file.error());
+    const QStringList names = file->editable ? ini::INI_Sections_GetNames(file->lines)
+                                             : profileOfIni(world, *file).sections();
+    world.json(QJsonObject{{u"sections"_s, QJsonArray::fromStringList(names)}});
+    for (const QString& name : names)
+        world.say(name);
+    return Done;
+}
+
+Result noSuchEntry(const Arguments& arguments, const IniFile& file)
+{
+    return Result::failure(u"There is no entry '"_s + arguments.one(u"KEY"_s) +
+                           u"' in the section '"_s + arguments.one(u"SECTION"_s) + u"' of '"_s +
+                           file.path + u"'."_s);
+}
+
+int iniGet(World& world, const Arguments& arguments)
+{
+    const ResultOf<IniFile> file = openIni(world, arguments);
+    if (!file)
+        return world.fail(file.error());
+    const QString section = ini::INI_Section_NameStrip(arguments.one(u"SECTION"_s));
+    const QString key = arguments.one(u"KEY"_s);
+    std::optional<QString> value;
+    if (file->editable) {
+        value = ini::INI_Entry_Get(file->lines, section, key);
+    } else if (const profile::ProfileFile text = profileOfIni(world, *file);
+               text.has(section, key)) {
+        value = ini::INI_Profile_GetValue(text, section, key, QString(), profile::maxBuffer).value;
+    }
+    if (!value)
+        return world.fail(noSuchEntry(arguments, *file), {{u"ok"_s, false}, {u"value"_s, {}}});
+    world.json(QJsonObject{{u"ok"_s, true}, {u"value"_s, *value}});
+    world.say(*value);
+    return Done;
+}
+
+/// Writes the lines whole, below the file's own folder and nowhere else.
+Result writeIni(World& world, const IniFile& file)
+{
+    (void)world.userRoot(winpath::parent(file.path));
+    return ini::INI_File_Write(world.services().actions, file.path, file.lines);
+}
+
+int iniSet(World& world, const Arguments& arguments)
+{
+    const QJsonObject refused{{u"ok"_s, false}, {u"value"_s, {}}};
+    ResultOf<IniFile> file = openIni(world, arguments);
+    if (!file)
+        return world.fail(file.error(), refused);
+    const QString value = arguments.one(u"VALUE"_s);
+    Result done = file->editable;
+    if (done)
+        done = ini::INI_Entry_Set(file->lines,
+                                  ini::INI_Section_NameStrip(arguments.one(u"SECTION"_s)),
+                                  arguments.one(u"KEY"_s),
+                                  value);
+    if (!done)
+        return world.fail(
+            Result::failure(u"'"_s + file->path + u"' was not changed. "_s + done.text), refused);
+    if (const Result written = writeIni(world, *file); !written)
+        return world.fail(written, refused);
+    world.json(QJsonObject{{u"ok"_s, true}, {u"value"_s, value}});
+    return Done;
+}
+
+int iniDelete(World& world, const Arguments& arguments)
+{
+    const QJsonObject refused{{u"ok"_s, false}, {u"value"_s, {}}};
+    ResultOf<IniFile> file = openIni(world, arguments);
+    if (!file)
+        return world.fail(file.error(), refused);
+    if (!file->editable)
+        return world.fail(file->editable, refused);
+    const QString section = ini::INI_Section_NameStrip(arguments.one(u"SECTION"_s));
+    const QString key = arguments.one(u"KEY"_s);
+    const std::optional<QString> value = ini::INI_Entry_Get(file->lines, section, key);
+    if (!value || !ini::INI_Entry_Delete(file->lines, section, key))
+        return world.fail(noSuchEntry(arguments, *file), refused);
+    if (const Result written = writeIni(world, *file); !written)
+        return world.fail(written, refused);
+    world.json(QJsonObject{{u"ok"_s, true}, {u"value"_s, *value}});
+    return Done;
+}
+
+} // namespace
+
+std::vector<Command> iniCommands()
+{
+    const Positional file{"FILE", "configuration file"};
+    const Positional section{"SECTION", "section, such as \"fltsim.0\""};
+    const Positional key{"KEY", "name of the entry"};
+    return {
+        {"ini sections", "names of the sections", {file}, {}, iniSections},
+        {"ini get", "the value of one entry", {file, section, key}, {}, iniGet},
+        {"ini set",
+         "changes or adds one entry",
+         {file, section, key, {"VALUE", "new value"}},
+         {},
+         iniSet},
+        {"ini delete", "deletes one entry", {file, section, key}, {}, iniDelete},
+    };
+}
+
+} // namespace vt::cli

@@ -319,7 +319,9 @@ OpenedDatabase Connection::openFile(const QByteArray& hostFile, int flags)
 {
     sqlite3_close(m_handle);
     m_handle = nullptr;
-    int code = sqlite3_open_v2(hostFile.constData(), &m_handle, flags, nullptr);
+    // A connection belongs to one thread, so the engine need not lock itself.
+    int code =
+        sqlite3_open_v2(hostFile.constData(), &m_handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     if (code == SQLITE_OK) {
         sqlite3_extended_result_codes(m_handle, 1);
         sqlite3_busy_timeout(m_handle, waitMs);

@@ -84,6 +84,7 @@ private:
     QList<sqlite3_stmt*>* m_home = nullptr; ///< null: ended instead of given back
 };
 
+/// Belongs to the thread that opened it.
 class Connection
 {
 public:

@@ -15,7 +15,7 @@ namespace vt::schema {
 inline constexpr int applicationId = 0x56544442;
 /// Version of the structure in the file's header.
 inline constexpr int structureVersion = 1;
-/// Measured: the fastest for large installations (docs/decisions/0003-place-indexes.md).
+/// Measured: the fastest for large installations (docs/decisions/0008-place-indexes.md).
 inline constexpr int pageSize = 16384;
 
 /// Every statement that makes an empty database, in order.

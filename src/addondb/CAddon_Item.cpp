@@ -1,6 +1,9 @@
 #include "addondb/CAddon_Item.h"
 
 #include "addondb/CAddon_ItemGroup.h"
+#include "archive/CZIP.h"
+#include "platform/TempFolder.h"
+#include "platform/WinPath.h"
 
 using namespace Qt::StringLiterals;
 
@@ -64,6 +67,24 @@ CAddon_Item::FileDetails
 CAddon_Item::GetAssociatedZipFileItemDetails(const CAddon_ItemGroup& group) const
 {
     return detailsOf(group, lngKey_AssociatedZip);
+}
+
+ResultOf<QString>
+CAddon_Item::SmartUnzip(CZIP& archive, const TempFolder& temporary, const QString& base) const
+{
+    if (Result named = winpath::checkComponent(sName); !named)
+        return named;
+    const ResultOf<QString> folder = temporary.makeUnique(base, u"OPN"_s);
+    if (!folder)
+        return folder.error();
+    const QString file = *folder + sName;
+    if (archive.Entry_Extract(entry, file))
+        return file;
+    Result failed = archive.result();
+    // What is left behind is empty; the temporary folder is emptied after the operation anyway.
+    if (Result gone = temporary.remove(*folder); !gone)
+        failed.text += u' ' + gone.text;
+    return failed;
 }
 
 std::unique_ptr<CAddon_Item> CAddon_Item::Clone() const

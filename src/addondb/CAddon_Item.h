@@ -4,6 +4,7 @@
 
 #include "addondb/FileType.h"
 #include "archive/EntryRef.h"
+#include "platform/Result.h"
 
 #include <QHash>
 #include <QString>
@@ -14,6 +15,8 @@
 namespace vt {
 
 class CAddon_ItemGroup;
+class CZIP;
+class TempFolder;
 
 /// The group of the installation that an item has been mapped to.
 enum class MappedGroup : quint8
@@ -111,6 +114,12 @@ public:
 
     [[nodiscard]] FileDetails GetAssociatedFileItemDetails(const CAddon_ItemGroup& group) const;
     [[nodiscard]] FileDetails GetAssociatedZipFileItemDetails(const CAddon_ItemGroup& group) const;
+
+    /// Extracts the item's archive entry into a unique folder ("OPN...") of the temporary folder
+    /// \a base, to be opened or played: the file's full path. \a archive must have listed the
+    /// item's source. On failure the folder is gone again.
+    [[nodiscard]] ResultOf<QString>
+    SmartUnzip(CZIP& archive, const TempFolder& temporary, const QString& base) const;
 
     [[nodiscard]] std::unique_ptr<CAddon_Item> Clone() const;
 

@@ -1,5 +1,6 @@
 #include "addondb/CAddon_ItemGroup.h"
 
+#include "archive/CZIP.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
 
@@ -357,6 +358,14 @@ void CAddon_ItemGroup::AnalyzeTypes(int generation)
 {
     for (CAddon_Item& item : m_items)
         item.AnalyzeType(generation);
+}
+
+void CAddon_ItemGroup::Addon_ConfigureZipClass(CZIP& archive) const
+{
+    archive.sZIPFile = sSource_Name;
+    archive.boolImbeddedZIPs_Process = true;
+    archive.sImbeddedZIPs_ExtractionFolder.clear(); // inner archives stay in memory
+    archive.boolErrorMessages_Show = false;
 }
 
 void CAddon_ItemGroup::AddonItems_ResetNamesAndProcessFlag()

@@ -94,6 +94,8 @@ public:
 
     /// Classifies every item.
     void AnalyzeTypes(int generation);
+    /// Makes \a archive ready to list this add-on's source, inner archives included.
+    void Addon_ConfigureZipClass(CZIP& archive) const;
 
     /// Installation names and folders back to the proposals, every item marked.
     void AddonItems_ResetNamesAndProcessFlag();

@@ -45,7 +45,9 @@ public:
     [[nodiscard]] QString shortened(const QString& folder,
                                     const CAddonInstallationDetails& details) const;
 
-    QTemporaryDir dir;
+    QTemporaryDir dir{QFileInfo(QStringLiteral("/dev/shm")).isWritable()
+                          ? QStringLiteral("/dev/shm/vantrel-plan-XXXXXX")
+                          : QDir::temp().filePath(QStringLiteral("vantrel-plan-XXXXXX"))};
     DriveTable drives;
     Files files{drives};
     Gate gate{files};

@@ -142,7 +142,7 @@ int listAddons(World& world, const Arguments& arguments)
     }
     out.endArray();
     if (rows.isEmpty())
-        world.say(u"No add-ons are recorded."_s);
+        world.say(u"No recorded add-on matches."_s);
     return Done;
 }
 
@@ -376,7 +376,7 @@ int showHistory(World& world, const Arguments& arguments)
     }
     out.endArray();
     if (rows.isEmpty())
-        world.say(u"The history is empty."_s);
+        world.say(u"No installation matches."_s);
     return Done;
 }
 

@@ -94,15 +94,15 @@ int iniSet(World& world, const Arguments& arguments)
     if (!file)
         return world.fail(file.error(), refused);
     const QString value = arguments.one(u"VALUE"_s);
-    Result done = file->editable;
-    if (done)
-        done = ini::INI_Entry_Set(file->lines,
-                                  ini::INI_Section_NameStrip(arguments.one(u"SECTION"_s)),
-                                  arguments.one(u"KEY"_s),
-                                  value);
-    if (!done)
+    if (!file->editable)
+        return world.fail(file->editable, refused);
+    const Result set = ini::INI_Entry_Set(file->lines,
+                                          ini::INI_Section_NameStrip(arguments.one(u"SECTION"_s)),
+                                          arguments.one(u"KEY"_s),
+                                          value);
+    if (!set)
         return world.fail(
-            Result::failure(u"'"_s + file->path + u"' was not changed. "_s + done.text), refused);
+            Result::failure(u"'"_s + file->path + u"' was not changed. "_s + set.text), refused);
     if (const Result written = writeIni(world, *file); !written)
         return world.fail(written, refused);
     world.json(QJsonObject{{u"ok"_s, true}, {u"value"_s, value}});

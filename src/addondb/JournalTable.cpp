@@ -21,7 +21,8 @@ QString operationCounter()
 
 } // namespace
 
-ResultOf<qint64> JournalTable::begin(OperationKind kind, const QString& label)
+ResultOf<qint64>
+JournalTable::begin(OperationKind kind, const QString& label, const QList<JournalStep>& steps)
 {
     qint64 number = 0;
     const Result begun = m_database.together([&] {
@@ -37,7 +38,9 @@ ResultOf<qint64> JournalTable::begin(OperationKind kind, const QString& label)
         operations.set(Field::Label, label);
         operations.set(Field::Started, QDateTime::currentDateTime());
         operations.set(Field::Closing, QByteArray());
-        return operations.update();
+        if (Result added = operations.update(); !added)
+            return added;
+        return addSteps(number, steps);
     });
     if (!begun)
         return begun;

@@ -15,7 +15,8 @@ public:
     /// journal.
     JournalTable(Connection& database, const Gate& gate) : m_database(database), m_gate(gate) {}
 
-    ResultOf<qint64> begin(OperationKind kind, const QString& label) override;
+    ResultOf<qint64>
+    begin(OperationKind kind, const QString& label, const QList<JournalStep>& steps) override;
     Result extend(qint64 operation, const QList<JournalStep>& steps) override;
     Result apply(qint64 operation,
                  const QList<JournalStep>& steps,

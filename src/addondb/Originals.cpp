@@ -1,7 +1,6 @@
 #include "addondb/Originals.h"
 
 #include "addondb/AddonDatabase.h"
-#include "addondb/Recordset.h"
 #include "platform/Hash.h"
 #include "platform/WinPath.h"
 
@@ -91,43 +90,23 @@ QString keptName(const Gate& gate, qint64 masterKey, const QString& path)
     return keptFolder(masterKey) + relative;
 }
 
-ResultOf<Sharers>
-Sharers::load(Connection& database, qint64 masterKey, const QList<DetailRecord>& details)
+ResultOf<Sharers> Sharers::load(Connection& database, qint64 masterKey)
 {
     Sharers out;
-    const ResultOf<QList<AddonRecord>> addons = modDatabase_Addon::addons(database);
-    if (!addons)
-        return addons.error();
-    QSet<qint64> standing;
-    for (const AddonRecord& addon : *addons) {
-        const bool stands = addon.status == InstallationStatus::Installed ||
-                            addon.status == InstallationStatus::Imported;
-        if (stands && addon.key != masterKey)
-            standing.insert(addon.key);
-    }
-    if (standing.isEmpty())
-        return out;
-
-    QSet<NoCase> seen;
-    Recordset rows(database, Table::Addon_Details);
-    rows.setIndex(Index::Addon_Details_Installed_To);
-    for (const DetailRecord& detail : details) {
-        if (seen.contains(NoCase{detail.location}))
-            continue;
-        seen.insert(NoCase{detail.location});
-        for (bool any = rows.seek({detail.location}); any; any = rows.moveNext()) {
-            const qint64 owner = rows.number(Field::Addon_Master_Key);
-            if (!standing.contains(owner))
-                continue;
-            DetailRecord row;
-            row.key = rows.number(Field::Addon_Details_Key);
-            row.masterKey = owner;
-            row.location = rows.text(Field::Installed_To_Location);
-            row.name = rows.text(Field::Installed_To_FileName);
-            out.m_byPath[NoCase{row.location + row.name}].push_back(row);
+    const ResultOf<QList<DetailRecord>> rows = modDatabase_Addon::sharersOf(database, masterKey);
+    if (!rows)
+        return rows.error();
+    QHash<qint64, bool> standing;
+    for (const DetailRecord& row : *rows) {
+        auto known = standing.constFind(row.masterKey);
+        if (known == standing.cend()) {
+            const ResultOf<AddonRecord> addon = modDatabase_Addon::addon(database, row.masterKey);
+            const bool stands = addon && (addon->status == InstallationStatus::Installed ||
+                                          addon->status == InstallationStatus::Imported);
+            known = standing.insert(row.masterKey, stands);
         }
-        if (!rows.error().ok)
-            return rows.error();
+        if (*known)
+            out.m_byPath[NoCase{row.location + row.name}].push_back(row);
     }
     for (QList<DetailRecord>& list : out.m_byPath)
         std::sort(list.begin(), list.end(), [](const DetailRecord& a, const DetailRecord& b) {

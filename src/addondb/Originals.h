@@ -28,9 +28,7 @@ namespace vt::originals {
 class Sharers
 {
 public:
-    /// Looks at every folder that \a details name.
-    [[nodiscard]] static ResultOf<Sharers>
-    load(Connection& database, qint64 masterKey, const QList<DetailRecord>& details);
+    [[nodiscard]] static ResultOf<Sharers> load(Connection& database, qint64 masterKey);
 
     /// Oldest first; empty for a file of this add-on alone.
     [[nodiscard]] QList<DetailRecord> at(const QString& path) const;

@@ -53,8 +53,8 @@ QString DriveTable::toWindows(const QString& hostPath) const
     qsizetype length = 0;
     for (auto it = m_roots.cbegin(); it != m_roots.cend(); ++it) {
         const QString& root = it.value();
-        const bool covers = clean.startsWith(root) &&
-                            (clean.size() == root.size() || clean[root.size()] == u'/');
+        const bool covers =
+            clean.startsWith(root) && (clean.size() == root.size() || clean[root.size()] == u'/');
         if (covers && root.size() > length) {
             best = it.key();
             length = root.size();

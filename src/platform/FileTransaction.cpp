@@ -49,7 +49,14 @@ Result FileTransaction::begin(OperationKind kind, const QString& label)
     Q_ASSERT(m_operation == 0);
     if (const int error = m_gate.fault("commit", "begin"))
         return Result::failure(hostfile::errorText(error));
-    const ResultOf<qint64> begun = m_journal.begin(kind, label);
+    // Recovery must not take another simulator's folder for this one.
+    JournalStep home;
+    home.kind = StepKind::StagingFolder;
+    home.target = {RootId::Simulator, {}};
+    home.stagedName = m_gate.identity(RootId::Simulator);
+    if (!home.stagedName.isEmpty())
+        m_undo.push_back(home);
+    const ResultOf<qint64> begun = m_journal.begin(kind, label, m_undo);
     if (!begun)
         return begun.error();
     m_operation = *begun;

@@ -2,6 +2,7 @@
 // host, so that a link planted inside the tree cannot carry a write out of it.
 #include "platform/Gate.h"
 
+#include "platform/Hash.h"
 #include "platform/WinPath.h"
 
 #include <climits>
@@ -127,6 +128,14 @@ ResultOf<QByteArray> Gate::hostPath(QStringView path) const
     if (existing == folder)
         m_insideFolders.insert(folder);
     return host;
+}
+
+QString Gate::identity(RootId id) const
+{
+    const QString folder = rootFolder(id);
+    const QByteArray real =
+        folder.isEmpty() ? QByteArray() : canonicalFolder(m_files.hostPath(folder));
+    return real.isEmpty() ? QString() : QString::fromLatin1(xxh3(real).toHex());
 }
 
 } // namespace vt

@@ -60,6 +60,10 @@ public:
 
     [[nodiscard]] Files& files() const { return m_files; }
 
+    /// What tells this root's folder on the host from every other (a hash of where it lies, 32
+    /// hexadecimal digits); empty when the folder does not exist.
+    [[nodiscard]] QString identity(RootId id) const;
+
     /// Asked before each action that changes the disk ("place", "rename", "commit", ...): 0, or the
     /// errno that the action is to fail with. Set by tests alone, which also end the process in it.
     std::function<int(const char* action, const QByteArray& host)> faultHook;

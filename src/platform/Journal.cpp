@@ -43,6 +43,19 @@ Fingerprint readPrint(QDataStream& in)
     return print;
 }
 
+/// Whether the steps belong to the simulator's folder that is at hand: it lies where it lay, or it
+/// still holds what was staged.
+bool isSameTree(const Gate& gate, const StepRunner& runner, const QList<JournalStep>& steps)
+{
+    for (const JournalStep& step : steps) {
+        const bool home = step.kind == StepKind::StagingFolder &&
+                          step.target.root == RootId::Simulator && !step.stagedName.isEmpty();
+        if (home)
+            return step.stagedName == gate.identity(RootId::Simulator) || runner.anyStaged(steps);
+    }
+    return true;
+}
+
 Recovery recoverOne(Journal& journal, Gate& gate, const JournalOperation& operation)
 {
     Recovery out{operation, u"failed"_s, {}};
@@ -59,6 +72,12 @@ Recovery recoverOne(Journal& journal, Gate& gate, const JournalOperation& operat
         }
     }
     StepRunner runner(gate, operation.id);
+    if (!isSameTree(gate, runner, *steps)) {
+        out.texts.push_back(u"The work belongs to another simulator folder than '"_s +
+                            gate.rootFolder(RootId::Simulator) +
+                            u"'; it is finished when that one is used again."_s);
+        return out;
+    }
     Result ended = Result::success();
     if (operation.state == OperationState::Staging) {
         out.texts = runner.undo(*steps);

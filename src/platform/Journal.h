@@ -1,5 +1,5 @@
-// The journal of operations that change many files together, as seen by FileTransaction. Kept by the
-// add-on database, so that records and journal end in one commit (addondb/JournalTable).
+// The journal of operations that change many files together, as seen by FileTransaction. Kept by
+// the add-on database, so that records and journal end in one commit (addondb/JournalTable).
 #pragma once
 
 #include "platform/FileActions.h"
@@ -71,8 +71,10 @@ class Journal
 public:
     virtual ~Journal() = default;
 
-    /// A new operation in the state Staging; committed. Its number is never used again.
-    virtual ResultOf<qint64> begin(OperationKind kind, const QString& label) = 0;
+    /// A new operation in the state Staging with its first steps; committed. Its number is never
+    /// used again.
+    virtual ResultOf<qint64>
+    begin(OperationKind kind, const QString& label, const QList<JournalStep>& steps) = 0;
     /// More folders to look into when the operation is undone; committed.
     virtual Result extend(qint64 operation, const QList<JournalStep>& steps) = 0;
     /// In one commit: \a records runs inside the transaction, the steps replace what was there, the

@@ -68,21 +68,22 @@ public:
     return {std::move(caption), std::move(text), icon, {Button::Ok}, Button::Ok, {}};
 }
 
-[[nodiscard]] inline Prompt yesNo(QString caption,
-                                  QString text,
-                                  Button defaultButton,
-                                  Icon icon = Icon::Question)
+[[nodiscard]] inline Prompt
+yesNo(QString caption, QString text, Button defaultButton, Icon icon = Icon::Question)
 {
-    return {std::move(caption), std::move(text), icon, {Button::Yes, Button::No}, defaultButton, {}};
+    return {
+        std::move(caption), std::move(text), icon, {Button::Yes, Button::No}, defaultButton, {}};
 }
 
-[[nodiscard]] inline Prompt yesNoCancel(QString caption,
-                                        QString text,
-                                        Button defaultButton,
-                                        Icon icon = Icon::Question)
+[[nodiscard]] inline Prompt
+yesNoCancel(QString caption, QString text, Button defaultButton, Icon icon = Icon::Question)
 {
-    return {std::move(caption), std::move(text), icon,
-            {Button::Yes, Button::No, Button::Cancel}, defaultButton, {}};
+    return {std::move(caption),
+            std::move(text),
+            icon,
+            {Button::Yes, Button::No, Button::Cancel},
+            defaultButton,
+            {}};
 }
 
 } // namespace vt

@@ -13,6 +13,7 @@ public:
     virtual void text(const QString& panel, const QString& text) = 0;
     /// \a total 0: the length is not known.
     virtual void progress(qint64 done, qint64 total) = 0;
+
     /// Whether the user asked to stop; looked at between files only.
     virtual bool cancelled() { return false; }
 };

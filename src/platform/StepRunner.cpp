@@ -1,6 +1,6 @@
 #include "platform/StepRunner.h"
 
-#include "platform/HostFile.h"
+#include "platform/WinPath.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -15,31 +15,36 @@ namespace vt {
 
 namespace {
 
+/// Folders kept open at a time.
+constexpr qsizetype maxOpenFolders = 128;
+
 QByteArray folderOf(const QByteArray& host)
 {
     return host.first(qMax<qsizetype>(host.lastIndexOf('/'), 1));
 }
 
-bool existsOnHost(const QByteArray& host)
+/// What lies under a name of a folder: its facts, or nothing.
+std::optional<struct stat> entryAt(int folder, const QByteArray& name)
 {
     struct stat st
     {};
 
-    return lstat(host.constData(), &st) == 0;
+    if (fstatat(folder, name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0)
+        return std::nullopt;
+    return st;
 }
 
 /// Whether the file is the one described. Size and time decide; a hash decides where they differ
 /// in time alone.
-bool matches(const QByteArray& host, const Fingerprint& print)
+bool isTheFile(const std::optional<struct stat>& st,
+               const QByteArray& host,
+               const Fingerprint& print)
 {
-    struct stat st
-    {};
-
-    if (lstat(host.constData(), &st) != 0)
+    if (!st)
         return print.size < 0;
-    if (print.size < 0 || st.st_size != print.size)
+    if (print.size < 0 || st->st_size != print.size)
         return false;
-    if (qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec == print.modifiedNs)
+    if (qint64(st->st_mtim.tv_sec) * 1'000'000'000 + st->st_mtim.tv_nsec == print.modifiedNs)
         return true;
     if (print.xxh3.isEmpty())
         return false;
@@ -79,6 +84,11 @@ Result removeStaged(const QByteArray& folder, const QByteArray& prefix)
 
 } // namespace
 
+bool StepRunner::Target::is(const Fingerprint& print) const
+{
+    return isTheFile(now, host(), print);
+}
+
 QByteArray stagedPrefix(qint64 operation)
 {
     return "~vt" + QByteArray::number(operation) + '-';
@@ -94,14 +104,54 @@ QList<StepFailure> StepRunner::carryOut(const QList<JournalStep>& steps)
     return failures;
 }
 
+ResultOf<StepRunner::Target> StepRunner::locate(const Place& place)
+{
+    const qsizetype cut = place.relative.lastIndexOf(u'\\');
+    const QStringView name = QStringView(place.relative).sliced(cut + 1);
+    const QString key = QChar(char16_t(place.root)) + place.relative.first(qMax<qsizetype>(cut, 0));
+    Target target;
+    target.name = name.toUtf8();
+    if (const auto known = m_folders.constFind(key); known != m_folders.cend()) {
+        // The gate looks at the whole path once a folder, at the name alone for its neighbours.
+        if (Result checked = winpath::checkComponent(name); !checked)
+            return checked;
+        target.in = *known;
+    } else {
+        const ResultOf<QByteArray> host = m_gate.hostPath(place);
+        if (!host)
+            return host.error();
+        target.in = std::make_shared<Folder>();
+        target.in->host = folderOf(*host);
+        target.in->fd = hostfile::openFolder(target.in->host);
+        if (m_folders.size() >= maxOpenFolders)
+            m_folders.clear();
+        if (target.in->fd.valid())
+            m_folders.insert(key, target.in);
+    }
+    target.folder = target.in->fd.get();
+    target.now = entryAt(target.folder, target.name);
+    if (target.folder >= 0 && !target.now) {
+        const QByteArray own = m_gate.files().hostPath(m_gate.path(place));
+        target.name = own.sliced(own.lastIndexOf('/') + 1);
+        target.now = entryAt(target.folder, target.name);
+    }
+    return target;
+}
+
+void StepRunner::noteChanged(const Target& target)
+{
+    if (!std::exchange(target.in->changed, true))
+        m_changedFolders.insert(target.in->host);
+}
+
 Result StepRunner::carryOut(const JournalStep& step)
 {
     if (step.kind == StepKind::StagingFolder || step.kind == StepKind::KeptFolder)
         return Result::success();
-    const ResultOf<QByteArray> target = m_gate.hostPath(step.target);
+    const ResultOf<Target> target = locate(step.target);
     if (!target)
         return target.error();
-    if (const int error = m_gate.fault("carry out", *target))
+    if (const int error = m_gate.fault("carry out", target->host()))
         return systemFailure(error);
     switch (step.kind) {
     case StepKind::PlaceFile:
@@ -121,44 +171,43 @@ Result StepRunner::carryOut(const JournalStep& step)
     return Result::success();
 }
 
-Result StepRunner::placeFile(const JournalStep& step, const QByteArray& target)
+Result StepRunner::placeFile(const JournalStep& step, const Target& target)
 {
-    const QByteArray folder = folderOf(target);
-    const QByteArray staged = folder + '/' + step.stagedName.toUtf8();
-    if (!existsOnHost(staged))
-        return matches(target, step.after) ? Result::success() : changedMeanwhile();
-    if (!matches(target, step.before)) {
-        unlink(staged.constData());
+    const QByteArray staged = step.stagedName.toUtf8();
+    if (!entryAt(target.folder, staged))
+        return target.is(step.after) ? Result::success() : changedMeanwhile();
+    if (!target.is(step.before)) {
+        unlinkat(target.folder, staged.constData(), 0);
         return changedMeanwhile();
     }
-    if (rename(staged.constData(), target.constData()) != 0) {
+    if (renameat(target.folder, staged.constData(), target.folder, target.name.constData()) != 0) {
         const int error = errno;
-        unlink(staged.constData());
+        unlinkat(target.folder, staged.constData(), 0);
         return systemFailure(error);
     }
-    m_changedFolders.insert(folder);
+    noteChanged(target);
     return Result::success();
 }
 
-Result StepRunner::placeFolder(const JournalStep& step, const QByteArray& target)
+Result StepRunner::placeFolder(const JournalStep& step, const Target& target)
 {
-    const QByteArray folder = folderOf(target);
-    const QByteArray staged = folder + '/' + step.stagedName.toUtf8();
-    if (!existsOnHost(staged))
-        return existsOnHost(target) ? Result::success() : changedMeanwhile();
-    m_changedFolders.insert(folder);
-    if (renameat2(AT_FDCWD, staged.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) ==
-        0)
+    const QByteArray staged = step.stagedName.toUtf8();
+    const int at = target.folder;
+    if (!entryAt(at, staged))
+        return target.now ? Result::success() : changedMeanwhile();
+    noteChanged(target);
+    if (renameat2(at, staged.constData(), at, target.name.constData(), RENAME_NOREPLACE) == 0)
         return Result::success();
-    if (errno == EINVAL && !existsOnHost(target) &&
-        rename(staged.constData(), target.constData()) == 0)
+    if (errno == EINVAL && !target.now &&
+        renameat(at, staged.constData(), at, target.name.constData()) == 0)
         return Result::success(); // a file system without the flag
     if (errno != EEXIST && errno != ENOTEMPTY)
         return systemFailure(errno);
     // The folder came to life meanwhile: its files keep their place, ours join them.
-    Result merged = merge(staged, target);
+    const QByteArray stagedHost = target.in->host + '/' + staged;
+    Result merged = merge(stagedHost, target.host());
     if (merged)
-        (void)hostfile::removeTree(staged);
+        (void)hostfile::removeTree(stagedHost);
     return merged;
 }
 
@@ -192,37 +241,38 @@ Result StepRunner::merge(const QByteArray& staged, const QByteArray& target)
     return result;
 }
 
-Result StepRunner::move(const JournalStep& step, const QByteArray& target)
+Result StepRunner::move(const JournalStep& step, const Target& target)
 {
     const ResultOf<QByteArray> source = m_gate.hostPath(step.source);
     if (!source)
         return source.error();
-    if (!existsOnHost(*source))
-        return matches(target, step.after) ? Result::success() : changedMeanwhile();
-    if (!matches(target, step.before))
+    if (!entryAt(AT_FDCWD, *source))
+        return target.is(step.after) ? Result::success() : changedMeanwhile();
+    if (!target.is(step.before))
         return changedMeanwhile();
-    if (rename(source->constData(), target.constData()) != 0)
+    if (renameat(AT_FDCWD, source->constData(), target.folder, target.name.constData()) != 0)
         return systemFailure(errno);
-    m_changedFolders.insert(folderOf(target));
+    noteChanged(target);
     m_changedFolders.insert(folderOf(*source));
     return Result::success();
 }
 
-Result StepRunner::removeFile(const JournalStep& step, const QByteArray& target)
+Result StepRunner::removeFile(const JournalStep& step, const Target& target)
 {
-    if (!existsOnHost(target))
+    if (!target.now)
         return Result::success();
-    if (!matches(target, step.before))
+    if (!target.is(step.before))
         return changedMeanwhile();
-    if (unlink(target.constData()) != 0 && errno != ENOENT)
+    if (unlinkat(target.folder, target.name.constData(), 0) != 0 && errno != ENOENT)
         return systemFailure(errno);
-    m_changedFolders.insert(folderOf(target));
+    noteChanged(target);
     return Result::success();
 }
 
-Result StepRunner::removeFolder(const QByteArray& target)
+Result StepRunner::removeFolder(const Target& target)
 {
-    if (rmdir(target.constData()) != 0 && errno != ENOENT && errno != ENOTEMPTY && errno != EEXIST)
+    if (target.folder >= 0 && unlinkat(target.folder, target.name.constData(), AT_REMOVEDIR) != 0 &&
+        errno != ENOENT && errno != ENOTEMPTY && errno != EEXIST)
         return systemFailure(errno);
     return Result::success();
 }
@@ -271,6 +321,20 @@ QStringList StepRunner::undo(const QList<JournalStep>& steps)
                             u"' could not be deleted: "_s + removed.text);
     }
     return texts;
+}
+
+bool StepRunner::anyStaged(const QList<JournalStep>& steps) const
+{
+    const QString prefix = QString::fromLatin1(stagedPrefix(m_operation));
+    for (const JournalStep& step : steps) {
+        if (step.kind != StepKind::StagingFolder)
+            continue;
+        for (const QString& name : m_gate.files().names(m_gate.path(step.target))) {
+            if (name.startsWith(prefix))
+                return true;
+        }
+    }
+    return false;
 }
 
 } // namespace vt

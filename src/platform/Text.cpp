@@ -2,6 +2,8 @@
 
 #include <QChar>
 
+#include <cstring>
+
 using namespace Qt::StringLiterals;
 
 namespace vt {
@@ -33,7 +35,10 @@ QString foldCase(QStringView text)
 int compareNoCase(QStringView a, QStringView b)
 {
     const qsizetype n = qMin(a.size(), b.size());
-    for (qsizetype i = 0; i < n; ++i) {
+    qsizetype i = 0;
+    while (n - i >= 8 && std::memcmp(a.utf16() + i, b.utf16() + i, 16) == 0)
+        i += 8; // paths share long beginnings
+    for (; i < n; ++i) {
         const char16_t x = a[i].unicode();
         const char16_t y = b[i].unicode();
         if (x == y)
@@ -77,8 +82,10 @@ bool containsNoCase(QStringView text, QStringView part)
 
 size_t hashNoCase(QStringView text, size_t seed)
 {
-    size_t h = seed ^ 0xcbf29ce484222325ULL;
-    for (QChar c : text) {
+    // Paths differ towards their ends; their common beginnings are not worth the time.
+    constexpr qsizetype significant = 48;
+    size_t h = seed ^ 0xcbf29ce484222325ULL ^ size_t(text.size());
+    for (QChar c : text.size() > significant ? text.last(significant) : text) {
         h ^= folded(c.unicode());
         h *= 0x100000001b3ULL;
     }

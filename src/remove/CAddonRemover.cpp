@@ -142,7 +142,7 @@ Result CAddonRemover::AddonDetails_Open()
     if (!details || !checks || !kept)
         return Result::failure(u"Could not open the addon details table."_s);
     const ResultOf<originals::Sharers> sharers =
-        originals::Sharers::load(m_database, m_masterKey, *details);
+        originals::Sharers::load(m_database, m_masterKey);
     if (!sharers)
         return sharers.error();
     m_sharers = *sharers;

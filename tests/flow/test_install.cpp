@@ -1,0 +1,450 @@
+// Whole installations and removals of real-shaped add-ons: what the plan says is done, decisions
+// about existing files, damaged sources, a full disk, the scenery library, the source's handling.
+#include "addondb/AddonDatabase.h"
+#include "demo/SampleAddons.h"
+#include "flow/FlowWorld.h"
+#include "platform/WinPath.h"
+#include "support/TestMain.h"
+#include "support/ZipBuilder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <cerrno>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+using namespace vt;
+using namespace vt::test;
+
+class TestInstall : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<FlowWorld> m_world;
+    TreeSnapshot m_beginning;
+
+    QString pack(const ZipBuilder& zip)
+    {
+        const QString path = m_dir->filePath(u"pack.zip"_s);
+        if (!const_cast<ZipBuilder&>(zip).save(path))
+            qFatal("the archive cannot be written");
+        return path;
+    }
+
+    QByteArray bytesAt(const QString& relative)
+    {
+        const ResultOf<QByteArray> bytes =
+            m_world->files.read(m_world->simulatorPath(relative), 1 << 24);
+        return bytes ? *bytes : QByteArray("(missing)");
+    }
+
+    QStringList changes(Backups backups = Backups::Ignore)
+    {
+        return differences(m_beginning, m_world->tree(), backups);
+    }
+
+    QByteArray log()
+    {
+        return m_world->files.read(m_world->global.programFolder + u"INSTALL.LOG"_s, 1 << 24)
+            .value.value_or(QByteArray());
+    }
+
+    /// Two effects: one is new, the other replaces one of the simulator's.
+    QString effectsPack(quint32 stamp = 0x58B2'6000)
+    {
+        ZipOptions options;
+        options.stamp = stamp;
+        ZipBuilder zip;
+        zip.add("Effects/fx_new.fx", "new effect\r\n", options);
+        zip.add("Effects/" + existingEffect().toUtf8(), "replaced\r\n", options);
+        zip.add("Effects/fx_other.fx", "other effect\r\n", options);
+        return pack(zip);
+    }
+
+    QString existingEffect()
+    {
+        const QList<FileInfo> effects = m_world->files.list(m_world->global.effectsFolder);
+        for (const FileInfo& effect : effects) {
+            if (endsWithNoCase(effect.name, u".fx"))
+                return effect.name;
+        }
+        qFatal("the demonstration simulator has no effects");
+    }
+
+private Q_SLOTS:
+
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>(temporaryTemplate());
+        m_world = std::make_unique<FlowWorld>(m_dir->filePath(u"world"_s));
+        QVERIFY(m_world->start());
+        m_beginning = m_world->tree();
+    }
+
+    void cleanup()
+    {
+        m_world.reset();
+        m_dir.reset();
+    }
+
+    void samples_doWhatThePlanSays_andComeOutAgain_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const SampleAddon& sample : sampleAddons())
+            QTest::newRow(qPrintable(sample.name)) << sample.name;
+    }
+
+    void samples_doWhatThePlanSays_andComeOutAgain()
+    {
+        QFETCH(QString, name);
+        m_world->prompts.defaultsBeyondQueue = true;
+        const SampleAddon sample = sampleAddon(name);
+        const QString archive = writePack(m_dir->path(), name, sample.files);
+        InstallOptions options;
+        if (name == u"kestrel-repaint")
+            options.aircraftFolder =
+                m_world->global.aircraftFolder +
+                winpath::name(m_world->files.list(m_world->global.aircraftFolder).first().name);
+
+        QStringList planned;
+        QStringList areas;
+        {
+            CAddonInstallationDetails details(m_world->context);
+            const Result prepared = details.prepare(m_world->drives.toWindows(archive), options);
+            QVERIFY2(prepared.ok, qPrintable(prepared.text));
+            for (const CAddon_Item& item : details.addon().colAddonItems()) {
+                if (item.boolProcess)
+                    planned += item.sFolder_Installation + item.sName_Installation;
+            }
+            for (const SceneryAreaToAdd& area : details.sceneryAreas())
+                areas += area.folder;
+        }
+        QCOMPARE(changes(), QStringList()); // planning wrote nothing
+
+        const ResultOf<qint64> key = m_world->install(archive, options);
+        QVERIFY2(key.ok(), qPrintable(key.text));
+        QStringList done = m_world->results.texts(resultgroup::installed);
+        for (QString& text : done)
+            text.chop(qstrlen(" was installed."));
+        QCOMPARE(done, planned);
+        QCOMPARE(m_world->results.count(resultgroup::notInstalled), 0);
+        QCOMPARE(m_world->results.count(resultgroup::failedSpecialActions), 0);
+        // The tree changed by the planned files and by nothing else.
+        QSet<QString> expected;
+        for (const QString& path : std::as_const(planned))
+            expected.insert(foldCase(m_world->drives.toHost(m_world->files.spelled(path))));
+        for (const QString& line : changes()) {
+            const QString path =
+                m_world->demo.prefixHost + u'/' + line.sliced(line.indexOf(u": ") + 2);
+            const bool folder = QFileInfo(path).isDir();
+            const bool library = path.endsWith(u"Scenery.cfg") && !areas.isEmpty();
+            QVERIFY2(folder || library || expected.contains(foldCase(path)), qPrintable(line));
+        }
+        const auto recorded = modDatabase_Addon::detailsOf(*m_world->database, *key);
+        QVERIFY(recorded.ok());
+        QCOMPARE(recorded->size(), planned.size());
+
+        QVERIFY(m_world->remove(*key));
+        QVERIFY(!m_world->anyFailed);
+        QCOMPARE(changes(), QStringList());
+        QCOMPARE(m_world->files.filesBelow(m_world->global.originalsFolder), QStringList());
+        QCOMPARE(m_world->files.names(m_world->global.addonsFolder), QStringList());
+        QCOMPARE(modDatabase_Addon::addons(*m_world->database)->size(), 0);
+        const auto history = modDatabase_Addon::history(*m_world->database);
+        QVERIFY(history.ok());
+        QCOMPARE(history->size(), 1);
+        QVERIFY(history->first().dateUninstalled.isValid());
+    }
+
+    void existingFiles_areDecidedByTheUser_data()
+    {
+        QTest::addColumn<QList<Button>>("answers");
+        QTest::addColumn<int>("installed");
+        QTest::addColumn<bool>("replaced");
+        using Answers = QList<Button>;
+        QTest::newRow("yes") << Answers{Button::Yes} << 3 << true;
+        QTest::newRow("no") << Answers{Button::No} << 2 << false;
+        QTest::newRow("yes to all") << Answers{Button::YesToAll} << 3 << true;
+        QTest::newRow("no to all") << Answers{Button::NoToAll} << 2 << false;
+        QTest::newRow("cancel") << Answers{Button::Cancel} << 1 << false;
+    }
+
+    void existingFiles_areDecidedByTheUser()
+    {
+        QFETCH(QList<Button>, answers);
+        QFETCH(int, installed);
+        QFETCH(bool, replaced);
+        const QString effect = existingEffect();
+        const QByteArray old = bytesAt(u"Effects\\"_s + effect);
+        for (const Button answer : answers)
+            m_world->prompts.expect(u"The following file already exists"_s, answer);
+        const ResultOf<qint64> key = m_world->install(effectsPack());
+        QVERIFY2(key.ok(), qPrintable(key.text));
+        QCOMPARE(m_world->results.count(resultgroup::installed), installed);
+        QCOMPARE(bytesAt(u"Effects\\"_s + effect), replaced ? QByteArray("replaced\r\n") : old);
+        if (installed == 2)
+            QVERIFY(m_world->results.texts(resultgroup::notInstalled)
+                        .first()
+                        .endsWith(u"because the client decided not to install the file."));
+        QVERIFY(m_world->remove(*key));
+        QCOMPARE(changes(), QStringList());
+    }
+
+    void toAll_answersEveryLaterFile()
+    {
+        // The same add-on once more: every file exists now.
+        m_world->prompts.expect(u"already exists"_s, Button::Yes);
+        const ResultOf<qint64> first = m_world->install(effectsPack());
+        QVERIFY(first.ok());
+        m_world->prompts.expect(u"already exists"_s, Button::NoToAll);
+        const ResultOf<qint64> none = m_world->install(effectsPack());
+        QVERIFY(!none.ok()); // nothing was left to install
+        QCOMPARE(m_world->results.count(resultgroup::notInstalled), 3);
+        m_world->prompts.expect(u"already exists"_s, Button::YesToAll);
+        const ResultOf<qint64> second = m_world->install(effectsPack());
+        QVERIFY(second.ok());
+        QCOMPARE(m_world->results.count(resultgroup::installed), 3);
+        QVERIFY(m_world->remove(*first));
+        QCOMPARE(m_world->results.count(resultgroup::processed), 0);
+        QVERIFY(m_world->results.texts(resultgroup::notProcessed)
+                    .first()
+                    .endsWith(u" was NOT removed because another addon depends on it."));
+        QVERIFY(m_world->remove(*second));
+        QCOMPARE(changes(), QStringList());
+    }
+
+    void newerOnly_leavesMoreRecentFiles()
+    {
+        InstallOptions options;
+        options.replace = ReplacePolicy::Newer;
+        // The simulator's files are from 2006; 1990 is older, 2024 is more recent.
+        const QByteArray old = bytesAt(u"Effects\\"_s + existingEffect());
+        ResultOf<qint64> key = m_world->install(effectsPack(0x1421'6000), options);
+        QVERIFY(key.ok());
+        QCOMPARE(m_world->results.texts(resultgroup::notInstalled).size(), 1);
+        QVERIFY(m_world->results.texts(resultgroup::notInstalled)
+                    .first()
+                    .endsWith(u" was NOT installed because the existing file was more recent."));
+        QCOMPARE(bytesAt(u"Effects\\"_s + existingEffect()), old);
+        QVERIFY(m_world->remove(*key));
+        key = m_world->install(effectsPack(), options);
+        QVERIFY(key.ok());
+        QCOMPARE(m_world->results.count(resultgroup::installed), 3);
+        QVERIFY(m_world->remove(*key));
+        QCOMPARE(changes(), QStringList());
+    }
+
+    void readOnlyFile_isAnnounced_replaced_andComesBackReadOnly()
+    {
+        const QString effect = existingEffect();
+        const QByteArray host = QFile::encodeName(m_world->hostPath(u"Effects\\"_s + effect));
+        QCOMPARE(chmod(host, 0444), 0);
+        m_beginning = m_world->tree();
+        m_world->prompts.expect(u"The following read-only file already exists"_s, Button::Yes);
+        const ResultOf<qint64> key = m_world->install(effectsPack());
+        QVERIFY(key.ok());
+        QCOMPARE(bytesAt(u"Effects\\"_s + effect), QByteArray("replaced\r\n"));
+        QVERIFY(m_world->remove(*key));
+        QCOMPARE(changes(), QStringList()); // the snapshot tells read-only files apart
+    }
+
+    void log_tellsEveryDecision()
+    {
+        m_world->prompts.expect(u"already exists"_s, Button::Yes);
+        QVERIFY(m_world->install(effectsPack()).ok());
+        const QByteArray text = log();
+        for (const QByteArray& line :
+             {QByteArray("Installing addon ...begin.\r\n"),
+              QByteArray(44, '-') + " FX_NEW.FX\r\n     Installing file Effects\\fx_new.fx to ",
+              QByteArray("   Destination file does not exist. Install this one straightaway.\r\n"),
+              QByteArray(
+                  "   File already exists.\r\n   Sizes are different!\r\n   Ask user if file "
+                  "should be replaced-show ConfirmFileReplace dialog.\r\n   User opted to "
+                  "install this file.\r\n   Copy file to Originals.\r\n   Copy source file "
+                  "to destination.\r\n"),
+              QByteArray(136, '-') + "\r\n",
+              QByteArray("Installing addon ...end.\r\n")})
+            QVERIFY2(text.contains(line), line.constData());
+    }
+
+    void damagedEntry_isCode4_andTheOthersGoOn()
+    {
+        ZipOptions wrong;
+        wrong.crc = 0x12345678;
+        ZipBuilder zip;
+        zip.add("Effects/fx_a.fx", "good");
+        zip.add("Effects/fx_b.fx", "bad", wrong);
+        zip.add("Effects/fx_c.fx", "good");
+        const ResultOf<qint64> key = m_world->install(pack(zip));
+        QVERIFY2(key.ok(), qPrintable(key.text));
+        QCOMPARE(m_world->results.count(resultgroup::installed), 2);
+        QCOMPARE(
+            m_world->results.texts(resultgroup::notInstalled),
+            QStringList({m_world->simulatorPath(
+                u"Effects\\fx_b.fx was NOT installed because the file could not be extracted from the zip file."_s)}));
+        QCOMPARE(bytesAt(u"Effects\\fx_b.fx"_s), QByteArray("(missing)"));
+        QCOMPARE(modDatabase_Addon::detailsOf(*m_world->database, *key)->size(), 2);
+        QVERIFY(m_world->remove(*key));
+        QCOMPARE(changes(), QStringList());
+    }
+
+    void fullDisk_leavesNothingBehind_data()
+    {
+        QTest::addColumn<int>("point");
+        for (const int point : {1, 3, 5})
+            QTest::addRow("at file %d", point) << point;
+    }
+
+    void fullDisk_leavesNothingBehind()
+    {
+        QFETCH(int, point);
+        m_world->prompts.defaultsBeyondQueue = true;
+        const SampleAddon sample = sampleAddon(u"swift-aircraft"_s);
+        int left = point;
+        m_world->gate.faultHook = [&](const char* action, const QByteArray&) {
+            return qstrcmp(action, "stage") == 0 && --left <= 0 ? ENOSPC : 0;
+        };
+        const ResultOf<qint64> key =
+            m_world->install(writePack(m_dir->path(), sample.name, sample.files));
+        m_world->gate.faultHook = {};
+        QVERIFY(!key.ok());
+        QVERIFY(key.text.contains(u"the disk is full"));
+        QCOMPARE(key.kind, ErrorKind::Surroundings);
+        QCOMPARE(changes(Backups::Compare), QStringList());
+        QCOMPARE(modDatabase_Addon::addons(*m_world->database)->size(), 0);
+        QCOMPARE(m_world->files.filesBelow(m_world->global.originalsFolder), QStringList());
+    }
+
+    void changedFile_isSetAside_whenItsAddonGoes()
+    {
+        m_world->prompts.expect(u"already exists"_s, Button::Yes);
+        const ResultOf<qint64> key = m_world->install(effectsPack());
+        QVERIFY(key.ok());
+        QVERIFY(m_world->actions.replace(m_world->simulatorPath(u"Effects\\fx_new.fx"_s), "mine"));
+        QVERIFY(m_world->remove(*key));
+        QCOMPARE(changes(), QStringList());
+        const QStringList kept = m_world->files.filesBelow(m_world->global.backupsFolder);
+        QCOMPARE(kept.size(), 1);
+        QCOMPARE(*m_world->files.read(m_world->global.backupsFolder + kept.first(), 100),
+                 QByteArray("mine"));
+        QVERIFY(m_world->results.texts(resultgroup::specialActions)
+                    .join(u'\n')
+                    .contains(m_world->global.backupsFolder + kept.first()));
+    }
+
+    void missingFile_isTold_andTheRestGoes()
+    {
+        m_world->prompts.expect(u"already exists"_s, Button::Yes);
+        const ResultOf<qint64> key = m_world->install(effectsPack());
+        QVERIFY(key.ok());
+        const QString effect = existingEffect();
+        QVERIFY(QFile::remove(m_world->hostPath(u"Effects\\fx_new.fx"_s)));
+        m_world->files.newOperation();
+        QVERIFY(m_world->remove(*key));
+        QCOMPARE(m_world->results.texts(resultgroup::notProcessed),
+                 QStringList({m_world->simulatorPath(
+                     u"Effects\\fx_new.fx was NOT removed because it no longer exists."_s)}));
+        QCOMPARE(changes(), QStringList());
+        QVERIFY(effect == existingEffect());
+    }
+
+    void failedFile_staysRecorded_withItsAddon()
+    {
+        m_world->prompts.expect(u"already exists"_s, Button::Yes);
+        const ResultOf<qint64> key = m_world->install(effectsPack());
+        QVERIFY(key.ok());
+        m_world->gate.faultHook = [](const char* action, const QByteArray& host) {
+            return qstrcmp(action, "carry out") == 0 && host.endsWith("fx_new.fx") ? EACCES : 0;
+        };
+        QVERIFY(m_world->remove(*key));
+        m_world->gate.faultHook = {};
+        QVERIFY(m_world->anyFailed);
+        QVERIFY(m_world->results.texts(resultgroup::notProcessed)
+                    .contains(m_world->simulatorPath(
+                        u"Effects\\fx_new.fx was NOT removed due to an error."_s)));
+        const auto left = modDatabase_Addon::detailsOf(*m_world->database, *key);
+        QVERIFY(left.ok());
+        QCOMPARE(left->size(), 1);
+        QVERIFY(modDatabase_Addon::addon(*m_world->database, *key).ok());
+        QVERIFY(m_world->remove(*key)); // tried again
+        QVERIFY(!m_world->anyFailed);
+        QCOMPARE(changes(), QStringList());
+    }
+
+    void configuration_isBroughtToTheSimulatorsForm()
+    {
+        ZipBuilder zip;
+        zip.add("Bird/aircraft.cfg", "[fltsim.0]\ntitle=Bird\nsim=bird\n[General]\natc_type=X\n");
+        zip.add("Bird/bird.air", "air");
+        zip.add("Bird/model/model.cfg", "[models]\nnormal=bird\n");
+        zip.add("Bird/model/bird.mdl", "mdl");
+        const ResultOf<qint64> key = m_world->install(pack(zip));
+        QVERIFY2(key.ok(), qPrintable(key.text));
+        QCOMPARE(bytesAt(u"SimObjects\\Airplanes\\Bird\\aircraft.cfg"_s),
+                 QByteArray("[fltsim.0]\r\ntitle=Bird\r\nsim=bird\r\n[General]\r\natc_type=X\r\n"));
+        QCOMPARE(m_world->results.count(resultgroup::specialActions), 2);
+    }
+
+    void sceneryLibrary_isRestored_afterEveryOrder()
+    {
+        m_world->prompts.defaultsBeyondQueue = true;
+        QList<qint64> keys;
+        for (const char* name : {"Alpha", "Beta", "Gamma"}) {
+            ZipBuilder zip;
+            zip.add(QByteArray(name) + "/scenery/a.bgl", name);
+            zip.add(QByteArray(name) + "/texture/a.dds", name);
+            const ResultOf<qint64> key = m_world->install(pack(zip));
+            QVERIFY2(key.ok(), qPrintable(key.text));
+            QVERIFY(m_world->results.texts(resultgroup::specialActions)
+                        .contains(u"Scenery library was updated."_s));
+            keys.prepend(*key);
+        }
+        keys.swapItemsAt(0, 1);
+        for (const qint64 key : keys)
+            QVERIFY(m_world->remove(key));
+        QCOMPARE(changes(), QStringList());
+
+        // An area whose folder holds another's scenery stays.
+        ZipBuilder zip;
+        zip.add("Delta/scenery/a.bgl", "delta");
+        const ResultOf<qint64> key = m_world->install(pack(zip));
+        QVERIFY(key.ok());
+        const QString other = m_world->global.sceneryAddonFolder + u"Delta\\scenery\\mine.bgl"_s;
+        QVERIFY(m_world->actions.replace(other, "by hand"));
+        QVERIFY(m_world->remove(*key));
+        QVERIFY(m_world->results.texts(resultgroup::specialActions)
+                    .join(u'\n')
+                    .contains(u"because there are additional scenery files in that folder."));
+    }
+
+    void source_isArchivedOrDeleted()
+    {
+        const QString drawer = m_dir->filePath(u"drawer"_s);
+        m_world->gate.setRoot(RootId::Chosen, m_world->drives.toWindows(m_dir->path()));
+        InstallOptions options;
+        options.replace = ReplacePolicy::Yes;
+        options.archiveSourceFolder = m_world->drives.toWindows(drawer + u'/');
+        QString source = effectsPack();
+        QVERIFY(m_world->install(source, options).ok());
+        QVERIFY(!QFile::exists(source));
+        QVERIFY(QFile::exists(drawer + u"/pack.zip"_s));
+
+        options.archiveSourceFolder.clear();
+        options.deleteSource = true;
+        options.confirmSourceHandling = true;
+        m_world->prompts.expect(u"Confirm Delete Source Files"_s, Button::No);
+        source = effectsPack();
+        QVERIFY(m_world->install(source, options).ok());
+        QVERIFY(QFile::exists(source));
+        m_world->prompts.expect(u"Are you sure you want to delete "_s, Button::Yes);
+        QVERIFY(m_world->install(source, options).ok());
+        QVERIFY(!QFile::exists(source));
+    }
+};
+
+VT_TEST_CLASS(TestInstall)
+#include "test_install.moc"

@@ -332,6 +332,7 @@ Result World::needWriting()
         if (Result held = m->lock.tryLock(*m->gate, m->global.programFolder); !held)
             return unfit(held.text);
         m->files->newOperation();
+        (void)m->actions->remove(m->global.programFile(u"DEVTEST.LOG"_s));
         all.errors.startWriting();
         const bool fresh = programFolderIsFresh(*m->files, m->global);
         (void)m->locate(false); // a command that needs a simulator says so itself

@@ -24,7 +24,11 @@ void tellInstallation(World& world, const CAddonInstaller& installer, bool recor
     if (recorded)
         world.say(u"'"_s + installer.record().name + u"' was installed under the key "_s +
                   QString::number(installer.masterKey()) + u'.');
+    if (recorded)
+        world.say(installationResultsCaption(installer.record().name));
     world.say(installer.results());
+    if (!installer.movieToPlay().isEmpty())
+        world.say(u"The movie is '"_s + installer.movieToPlay() + u"'."_s);
 }
 
 int runInstall(World& world, const Arguments& arguments)

@@ -42,7 +42,7 @@ Result removeOne(World& world, const QString& typedKey, RemovalMethod method, bo
         out.key(u"results");
         remover.results().write(out);
         if (failure)
-            world.say(u"'"_s + remover.record().name + u"' was removed."_s);
+            world.say(removalResultsCaption(remover.record().name));
         world.say(remover.results());
     } else {
         out.field(u"ok", false);

@@ -32,6 +32,18 @@ Prompt confirmDeleteOfSource(const QString& source, bool folder)
 
 } // namespace
 
+QString installationResultsCaption(const QString& addon)
+{
+    return u"Installation Results - '"_s + addon + u'\'';
+}
+
+Prompt playMovieQuestion()
+{
+    return yesNo(u"Play Movie?"_s,
+                 u"This addon includes a movie. Would you like to play it now?"_s,
+                 Button::No);
+}
+
 CAddonInstaller::CAddonInstaller(Context& context,
                                  Connection& database,
                                  CAddonInstallationDetails& details)
@@ -236,6 +248,22 @@ void CAddonInstaller::Install_End()
         m_log.line(QString(u"   "_s + m_failure.text));
     m_log.line(u"Installing addon ...end.");
     m_log.flush();
+    if (m_failure)
+        askForMovie();
+}
+
+void CAddonInstaller::askForMovie()
+{
+    QString movie;
+    for (const File& file : m_files) {
+        if (file.code != InstallCode::Installed || file.item->enumAddonFileType != FileType::Movie)
+            continue;
+        if (!movie.isEmpty())
+            return; // several: no question
+        movie = targetOf(*file.item);
+    }
+    if (!movie.isEmpty() && m_context.services.prompts.ask(playMovieQuestion()) == Button::Yes)
+        m_movieToPlay = movie;
 }
 
 } // namespace vt

@@ -33,6 +33,12 @@ enum class InstallCode : qint8
 /// " was installed.", " was NOT installed because ...", as put behind the file's path.
 [[nodiscard]] QString resultPhrase(InstallCode code);
 
+/// "Installation Results - '<add-on>'".
+[[nodiscard]] QString installationResultsCaption(const QString& addon);
+
+/// "Would you like to play it now?"
+[[nodiscard]] Prompt playMovieQuestion();
+
 /// Facts of the two files that a replacement question is about.
 struct ReplaceQuestion
 {
@@ -66,6 +72,9 @@ public:
 
     /// The user ended the installation at a question; files before it are installed.
     [[nodiscard]] bool wasCancelled() const { return m_cancelled; }
+
+    /// The one movie that was installed, when the user wants to see it; the front end plays it.
+    [[nodiscard]] const QString& movieToPlay() const { return m_movieToPlay; }
 
     [[nodiscard]] qint64 masterKey() const { return m_record.key; }
 
@@ -103,6 +112,7 @@ private:
     Result SourceZipFile_Archive();
     Result SourceFiles_Delete();
     void Install_End();
+    void askForMovie();
 
     // Parts of InstallFiles.
     Result AddonAndCabinetFolders_Create();
@@ -148,6 +158,7 @@ private:
     QList<OriginalRecord> m_originals; ///< detailKey: index into m_files until recorded
     QList<AddedArea> m_areas;
     QList<ConfigBaseRecord> m_configBases;
+    QString m_movieToPlay;
     bool m_cancelled = false;
     bool m_replaceAll = false;
     bool m_replaceNone = false;

@@ -36,6 +36,11 @@ QString kindWord(Categories categories)
 
 } // namespace
 
+QString removalResultsCaption(const QString& addon)
+{
+    return u"Removal Results - '"_s + addon + u'\'';
+}
+
 Prompt confirmRemovalOfOriginal(const AddonRecord& addon, const QString& simulator)
 {
     const QString kind = kindWord(addon.categories);
@@ -86,6 +91,11 @@ bool CAddonRemover::Remove_Begin()
         (void)step(u"Private Sub SceneryLibrary_Update"_s, &R::SceneryLibrary_Update);
         (void)step(u"Private Sub AddonMasterTable_Update"_s, &R::AddonMasterTable_Update);
         (void)step(u"Private Sub CustomFolders_Delete"_s, &R::CustomFolders_Delete);
+        (void)step(u"Private Sub AddonDescriptionRecord_Delete"_s,
+                   &R::AddonDescriptionRecord_Delete);
+        (void)step(u"Private Sub AddonMasterRecord_Delete"_s, &R::AddonMasterRecord_Delete);
+        (void)step(u"Private Sub AddonCabinetAndCustomFolders_Delete"_s,
+                   &R::AddonCabinetAndCustomFolders_Delete);
         m_failure = step(u"Private Sub Changes_Apply"_s, &R::Changes_Apply);
     }
     Remove_End();
@@ -141,8 +151,7 @@ Result CAddonRemover::AddonDetails_Open()
         modDatabase_Addon::originalsOf(m_database, m_masterKey);
     if (!details || !checks || !kept)
         return Result::failure(u"Could not open the addon details table."_s);
-    const ResultOf<originals::Sharers> sharers =
-        originals::Sharers::load(m_database, m_masterKey);
+    const ResultOf<originals::Sharers> sharers = originals::Sharers::load(m_database, m_masterKey);
     if (!sharers)
         return sharers.error();
     m_sharers = *sharers;
@@ -154,8 +163,6 @@ Result CAddonRemover::AddonDetails_Open()
         m_files.push_back({detail, RemovalOutcome::Removed});
 
     m_closing.masterKey = m_masterKey;
-    m_closing.dateInstalled = m_record.dateInstalled;
-    m_closing.dateUninstalled = m_context.services.clock.now();
     return m_actions->begin(OperationKind::Removal, m_record.name);
 }
 
@@ -188,9 +195,8 @@ Result CAddonRemover::SceneryLibrary_Update()
         bool removed = false;
         const QString phrase = removeArea(library, area, removed);
         any = any || removed;
-        m_results.add(resultgroup::specialActions,
-                      u"Scenery library area covering '"_s + area.title + u'\'',
-                      phrase);
+        m_results.add(
+            resultgroup::specialActions, u"Scenery library area covering '"_s + area.title, phrase);
     }
     if (!any)
         return Result::success();
@@ -213,13 +219,13 @@ QString
 CAddonRemover::removeArea(CSceneryCfgMgr& library, const SceneryAreaRecord& area, bool& removed)
 {
     if (otherSceneryFilesIn(area.path))
-        return u" was not removed from the scenery library because there are additional scenery files in that folder."_s;
+        return u"' was not removed from the scenery library because there are additional scenery files in that folder."_s;
     const qsizetype index = library.areaForFolder(area.path, area.area);
     if (index < 0)
-        return u" was not removed from the scenery library because the area was not found."_s;
+        return u"' was not removed from the scenery library because the area was not found."_s;
     removed = library.SceneryCfg_RemoveArea(index);
-    return removed ? u" was removed from the scenery library."_s
-                   : u" was not removed from the scenery library."_s;
+    return removed ? u"' was removed from the scenery library."_s
+                   : u"' was not removed from the scenery library."_s;
 }
 
 bool CAddonRemover::otherSceneryFilesIn(const QString& areaFolder)
@@ -234,8 +240,22 @@ bool CAddonRemover::otherSceneryFilesIn(const QString& areaFolder)
 
 Result CAddonRemover::AddonMasterTable_Update()
 {
-    // The rows themselves go at the end, in one commit with the journal: see Closing.
     status(u"Updating addon master record..."_s);
+    m_closing.dateInstalled = m_record.dateInstalled;
+    m_closing.dateUninstalled = m_context.services.clock.now();
+    return Result::success();
+}
+
+Result CAddonRemover::AddonDescriptionRecord_Delete()
+{
+    // The rows themselves go at the end, in one commit with the journal: see Closing.
+    status(u"Deleting addon description record..."_s);
+    return Result::success();
+}
+
+Result CAddonRemover::AddonMasterRecord_Delete()
+{
+    status(u"Deleting addon master record..."_s);
     m_closing.whole = true;
     return Result::success();
 }

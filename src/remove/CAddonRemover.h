@@ -43,6 +43,9 @@ enum class RemovalOutcome : quint8
 /// " was removed.", " was NOT removed because ...", as put behind the file's path.
 [[nodiscard]] QString removalPhrase(RemovalOutcome outcome);
 
+/// "Removal Results - '<add-on>'".
+[[nodiscard]] QString removalResultsCaption(const QString& addon);
+
 /// "Confirm Removal of Original <kind> Addon".
 [[nodiscard]] Prompt confirmRemovalOfOriginal(const AddonRecord& addon, const QString& simulator);
 
@@ -84,6 +87,9 @@ private:
     Result SceneryLibrary_Update();
     Result AddonMasterTable_Update();
     Result CustomFolders_Delete();
+    Result AddonDescriptionRecord_Delete();
+    Result AddonMasterRecord_Delete();
+    Result AddonCabinetAndCustomFolders_Delete();
     Result Changes_Apply();
     void Remove_End();
 

@@ -1,8 +1,8 @@
 // What a removal does with files and folders.
 #include "addondb/AddonDatabase.h"
 #include "platform/WinPath.h"
-#include "shell/ErrorLog.h"
 #include "remove/CAddonRemover.h"
+#include "shell/ErrorLog.h"
 
 using namespace Qt::StringLiterals;
 
@@ -142,6 +142,14 @@ Result CAddonRemover::CustomFolders_Delete()
             return removed;
         m_closing.foldersGone.push_back(*place);
     }
+    return Result::success();
+}
+
+Result CAddonRemover::AddonCabinetAndCustomFolders_Delete()
+{
+    // The add-on's own folders are among those that CustomFolders_Delete found; what is left are
+    // the folders of the files that it had kept.
+    status(u"Deleting addon custom and cabinet folders..."_s);
     cleanKeptFolders();
     return Result::success();
 }

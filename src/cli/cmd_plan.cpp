@@ -35,9 +35,9 @@ QString sourceWord(const AddonSource& source)
     return sourceTypeWord(source.type());
 }
 
-void writeItem(JsonStream& out, const CAddon_Item& item, const CAddon_ItemGroup& addon)
+void writeItem(JsonStream& out, const CAddon_Item& item, const CAddonInstallationDetails& details)
 {
-    const QString archive = item.GetAssociatedZipFileItemDetails(addon).name;
+    const QString archive = item.GetAssociatedZipFileItemDetails(details.addon()).name;
     out.beginObject();
     out.field(u"key", item.lngKey);
     out.field(u"name", item.sName);
@@ -48,7 +48,7 @@ void writeItem(JsonStream& out, const CAddon_Item& item, const CAddon_ItemGroup&
     out.field(u"families", familyNames(familiesOf(item.enumAddonFileType)));
     out.field(u"group", mappedGroupName(item.enumMappedGroup));
     out.field(u"size", item.size);
-    out.field(u"install", item.boolProcess);
+    out.field(u"install", item.boolProcess && !details.existingIsKept(item));
     out.field(u"targetFolder", item.sFolder_Installation);
     out.field(u"targetName", item.sName_Installation);
     out.field(u"exists", item.boolTargetExists);
@@ -128,7 +128,7 @@ void writePlan(JsonStream& out,
     out.endObject();
     out.beginArray(u"items");
     for (const CAddon_Item& item : addon.colAddonItems())
-        writeItem(out, item, addon);
+        writeItem(out, item, details);
     out.endArray();
     writeDecisions(out, details);
     writeProblems(out, details, problems);
@@ -139,9 +139,9 @@ void writePlan(JsonStream& out,
 }
 
 /// "C:\...\Effects\fx_a.fx  (replaces the existing file)" and its like.
-QString targetLine(const CAddon_Item& item)
+QString targetLine(const CAddon_Item& item, const CAddonInstallationDetails& details)
 {
-    if (!item.boolProcess)
+    if (!item.boolProcess || details.existingIsKept(item))
         return plantext::doNotInstall();
     if (item.sFolder_Installation.isEmpty())
         return plantext::notSelected();
@@ -156,7 +156,8 @@ void sayPlan(World& world,
     const CAddon_ItemGroup& addon = details.addon();
     world.say(u"Add-on: "_s + addon.sGroupName);
     for (const CAddon_Item& item : addon.colAddonItems())
-        world.say(u"  "_s + item.sFolder_Current + item.sName + u" -> "_s + targetLine(item));
+        world.say(u"  "_s + item.sFolder_Current + item.sName + u" -> "_s +
+                  targetLine(item, details));
     for (const SceneryAreaToAdd& area : details.sceneryAreas())
         world.say(u"New scenery area '"_s + area.title + u"': "_s + area.folder);
     for (const PlannedVariant& variant : details.variants())

@@ -208,10 +208,30 @@ bool CAddonInstallationDetails::Analysis::isMission(int folder) const
     const SourceFolder& here = tree->at(folder);
     if (!(here.facts & FactFlight))
         return false;
-    if (here.facts & (FactMissionFile | FactPage))
+    if (here.facts & FactMissionFile)
+        return true;
+    if ((here.facts & FactPage) && hasBriefing(folder))
         return true;
     const int sound = tree->child(folder, u"sound");
     return sound >= 0 && (tree->at(sound).below & FactWave);
+}
+
+/// Whether a page is named after a flight: "Night.flt" and "Night_briefing.htm".
+bool CAddonInstallationDetails::Analysis::hasBriefing(int folder) const
+{
+    const std::vector<CAddon_Item>& items = addon.colAddonItems();
+    for (const qint32 flight : tree->itemsIn(folder)) {
+        if (items[size_t(flight)].enumAddonFileType != FileType::Flight)
+            continue;
+        const QString stem = winpath::baseName(items[size_t(flight)].sName);
+        for (const qint32 page : tree->itemsIn(folder)) {
+            const QString& name = items[size_t(page)].sName;
+            if (startsWithNoCase(name, stem) &&
+                (endsWithNoCase(name, u".htm") || endsWithNoCase(name, u".html")))
+                return true;
+        }
+    }
+    return false;
 }
 
 bool CAddonInstallationDetails::Analysis::startsItsOwn(int folder) const

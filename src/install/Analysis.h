@@ -78,6 +78,7 @@ struct CAddonInstallationDetails::Analysis
     bool takeAnchor(int folder);
     [[nodiscard]] bool isAircraft(int folder) const;
     [[nodiscard]] bool isMission(int folder) const;
+    [[nodiscard]] bool hasBriefing(int folder) const;
     [[nodiscard]] bool startsItsOwn(int folder) const;
     [[nodiscard]] bool hasStrongAnchorChild(int folder) const;
     [[nodiscard]] bool simulatorHas(const QString& relativeFolder) const;
@@ -116,6 +117,8 @@ struct CAddonInstallationDetails::Analysis
     void resolveRepaints();
     void resolveRepaint(Repaint& repaint);
     void placeParts(Repaint& repaint, const QString& aircraft);
+    /// Whether the aircraft's own configuration uses a texture folder of this suffix already.
+    [[nodiscard]] bool aircraftNames(const InstallationGroup& repaint, const QString& suffix) const;
     void makeVariants(Repaint& repaint, const QHash<int, QString>& suffixes);
     /// A folder below \a aircraft that nobody has yet; the taken one when it gets the same files.
     [[nodiscard]] QString
@@ -126,7 +129,9 @@ struct CAddonInstallationDetails::Analysis
 
     // Placing.
     void placeAll();
-    void place(CAddon_Item& item, const Claim& claim, int folder);
+    void AddonItem_InstallationFolder_DetermineFromZipFolderEntry(CAddon_Item& item,
+                                                                  const Claim& claim,
+                                                                  int folder);
     void placeFree(CAddon_Item& item, const Claim& claim, int folder);
     [[nodiscard]] bool staysIn(Kind kind, const CAddon_Item& item) const;
     void put(CAddon_Item& item, const QString& folder, MappedGroup family, int group);

@@ -212,7 +212,7 @@ void CAddonInstallationDetails::Analysis::claimMission(int folder, const QString
     for (const int child : tree->at(folder).children) {
         const SourceFolder& below = tree->at(child);
         if (below.archiveRoot || foldernames::isStrongAnchor(foldernames::anchorOf(below.name)) ||
-            isAircraft(child))
+            (below.below & (FactAircraftCfg | FactAir)))
             walk(child);
         else
             claimTree(

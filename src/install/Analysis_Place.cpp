@@ -31,7 +31,8 @@ void CAddonInstallationDetails::Analysis::placeAll()
     std::vector<CAddon_Item>& items = addon.colAddonItems_Edit();
     for (size_t i = 0; i < items.size(); ++i) {
         const int folder = tree->folderOf(i);
-        place(items[i], claims[size_t(folder)], folder);
+        AddonItem_InstallationFolder_DetermineFromZipFolderEntry(
+            items[i], claims[size_t(folder)], folder);
     }
 }
 
@@ -71,7 +72,8 @@ bool CAddonInstallationDetails::Analysis::isLeftOver(const CAddon_Item& item) co
     return names::isJunk(item.sName);
 }
 
-void CAddonInstallationDetails::Analysis::place(CAddon_Item& item, const Claim& claim, int folder)
+void CAddonInstallationDetails::Analysis::AddonItem_InstallationFolder_DetermineFromZipFolderEntry(
+    CAddon_Item& item, const Claim& claim, int folder)
 {
     const SourceFolder& here = tree->at(folder);
     if (here.unsafe || !isSafeName(item.sName)) {

@@ -13,6 +13,7 @@ namespace vt {
 namespace {
 
 constexpr qint64 sectionTextLimit = 256 << 10;
+constexpr qint64 installedConfigurationLimit = 4 << 20;
 
 QString withoutComponent(const QString& suffix)
 {
@@ -281,6 +282,27 @@ void CAddonInstallationDetails::Analysis::placeParts(Repaint& repaint, const QSt
     makeVariants(repaint, suffixes);
 }
 
+bool CAddonInstallationDetails::Analysis::aircraftNames(const InstallationGroup& repaint,
+                                                        const QString& suffix) const
+{
+    AircraftFacts facts;
+    if (repaint.aircraftGroup >= 0) {
+        const QString& source =
+            d.groups(MappedGroup::Aircraft)[size_t(repaint.aircraftGroup)].sourceFolder;
+        const CAddon_Item* cfg = addon.SearchByNameandFSZipFolder(u"aircraft.cfg", source);
+        facts = cfg ? cfgFacts.value(cfg->lngKey) : AircraftFacts();
+    } else if (!repaint.aircraftFolder.isEmpty()) {
+        const auto bytes =
+            files.read(repaint.aircraftFolder + u"aircraft.cfg"_s, installedConfigurationLimit);
+        if (bytes)
+            facts = aircraftFacts(decodedText(*bytes, d.m_context.services.ansi));
+    }
+    return std::any_of(
+        facts.sections.cbegin(), facts.sections.cend(), [&suffix](const AircraftSection& section) {
+            return equalNoCase(section.texture, suffix);
+        });
+}
+
 void CAddonInstallationDetails::Analysis::makeVariants(Repaint& repaint,
                                                        const QHash<int, QString>& suffixes)
 {
@@ -288,6 +310,8 @@ void CAddonInstallationDetails::Analysis::makeVariants(Repaint& repaint,
     QList<int> parts = suffixes.keys();
     std::sort(parts.begin(), parts.end());
     for (const int part : std::as_const(parts)) {
+        if (aircraftNames(group, suffixes.value(part)))
+            continue;
         const QString original =
             repaint.loose ? QString() : foldernames::partSuffix(tree->at(part).name);
         bool told = false;

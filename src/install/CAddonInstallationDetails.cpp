@@ -16,6 +16,8 @@ namespace vt {
 namespace {
 
 constexpr qint64 descriptionLimit = 64 << 10;
+/// Archives keep times to two seconds.
+constexpr qint64 sameTimeNs = 2'000'000'000;
 
 } // namespace
 
@@ -109,7 +111,14 @@ void CAddonInstallationDetails::AddonItemGroup_Create()
     m_addon->AnalyzeTypes(m_context.global.generation);
     QList<qint32> fileIds;
     QList<qint32> documents;
+    const bool warnAboutPrograms = m_context.settings.flag(SettingKey::WarnAboutProgramFiles);
     for (const CAddon_Item& item : m_addon->colAddonItems()) {
+        if (warnAboutPrograms && item.enumAddonFileType == FileType::Other &&
+            endsWithNoCase(item.sName, u".exe"))
+            addRemark(
+                item.lngKey,
+                u"If the executable file is an installation program, use it to install the addon. After installation, use Vantrel to import the aircraft, panel, sound or scenery."_s,
+                false);
         if (item.enumAddonFileType != FileType::Document)
             continue;
         if (equalNoCase(item.sName, u"file_id.diz"))
@@ -181,13 +190,18 @@ void CAddonInstallationDetails::AddonItemGroup_MapItemsToGroups()
 
 void CAddonInstallationDetails::AddonItemGroup_InstallationGroups_Create()
 {
-    const QString* last = nullptr;
-    for (const CAddon_Item& item : m_addon->colAddonItems()) {
-        if (!item.boolProcess || (last && last->constData() == item.sFolder_Current.constData()))
-            continue;
-        last = &item.sFolder_Current;
-        m_addon->AddonItemZipFolderEntryMappingTable_Update(item.sFolder_Current,
-                                                            item.sFolder_Installation);
+    // Documents speak for a folder only when nothing else in it does, so they come first.
+    for (const bool documents : {true, false}) {
+        const CAddon_Item* last = nullptr;
+        for (const CAddon_Item& item : m_addon->colAddonItems()) {
+            if (!item.boolProcess || item.IsMappedToDocumentGroup() != documents)
+                continue;
+            if (last && last->sFolder_Current.constData() == item.sFolder_Current.constData())
+                continue;
+            last = &item;
+            m_addon->AddonItemZipFolderEntryMappingTable_Update(item.sFolder_Current,
+                                                                item.sFolder_Installation);
+        }
     }
 }
 
@@ -389,6 +403,23 @@ void CAddonInstallationDetails::addRemark(qint32 item, const QString& text, bool
     m_remarks.append({item, text, blocks});
 }
 
+bool CAddonInstallationDetails::existingIsKept(const CAddon_Item& item) const
+{
+    if (!item.boolTargetExists || m_options.replace == ReplacePolicy::Yes)
+        return false;
+    if (m_options.replace == ReplacePolicy::No)
+        return true;
+    const bool newerOnly = m_options.replace == ReplacePolicy::Newer ||
+                           m_context.settings.number(SettingKey::YesFileReplacementMethod) == 1;
+    if (!newerOnly)
+        return false;
+    const auto existing =
+        m_context.services.files.info(item.sFolder_Installation + item.sName_Installation);
+    const auto content = m_source->content(item);
+    return existing && content && content->modifiedNs > 0 &&
+           existing->modifiedNs > content->modifiedNs + sameTimeNs;
+}
+
 // --- facts ---------------------------------------------------------------------------------------
 
 qint64 CAddonInstallationDetails::bytesNeeded() const
@@ -438,6 +469,34 @@ std::unique_ptr<CSceneryCfgMgr> CAddonInstallationDetails::sceneryLibrary(Result
     return library;
 }
 
+QStringList CAddonInstallationDetails::areaFolders(const InstallationGroup& group) const
+{
+    QStringList folders;
+    QString last;
+    for (const qint32 key : group.items) {
+        const CAddon_Item* item = m_addon->Search(key);
+        if (!item->boolProcess || item->enumAddonFileType != FileType::Scenery)
+            continue;
+        const QString& folder = item->sFolder_Installation;
+        if (folder.constData() == last.constData())
+            continue;
+        last = folder;
+        QString area;
+        if (!group.targetFolder.isEmpty() && winpath::isBelow(folder, group.targetFolder))
+            area = group.targetFolder;
+        else if (equalNoCase(winpath::name(folder), u"scenery"))
+            area = winpath::parent(winpath::withoutTrailing(folder)); // the user's own choice
+        // What lies in the simulator's own scenery is in its library already.
+        if (area.isEmpty() || winpath::isBelow(area, m_context.global.sceneryFolder) ||
+            winpath::same(area, m_context.global.sceneryAddonFolder) ||
+            winpath::same(area, m_context.global.simulatorFolder))
+            continue;
+        if (!folders.contains(area, Qt::CaseInsensitive))
+            folders.append(area);
+    }
+    return folders;
+}
+
 QList<SceneryAreaToAdd> CAddonInstallationDetails::sceneryAreas() const
 {
     QList<SceneryAreaToAdd> areas;
@@ -446,24 +505,19 @@ QList<SceneryAreaToAdd> CAddonInstallationDetails::sceneryAreas() const
     const std::vector<InstallationGroup>& sceneries = groups(MappedGroup::Scenery);
     std::unique_ptr<CSceneryCfgMgr> library;
     for (size_t i = 0; i < sceneries.size(); ++i) {
-        const InstallationGroup& group = sceneries[i];
-        if (!group.sceneryLibraryUpdate || group.targetFolder.isEmpty())
+        if (!sceneries[i].sceneryLibraryUpdate)
             continue;
-        const bool scenery =
-            std::any_of(group.items.cbegin(), group.items.cend(), [this](qint32 key) {
-                const CAddon_Item* item = m_addon->Search(key);
-                return item->boolProcess && item->enumAddonFileType == FileType::Scenery;
-            });
-        const QString& folder = group.targetFolder;
-        // What lies in the simulator's own scenery is in its library already.
-        if (!scenery || winpath::isBelow(folder, m_context.global.sceneryFolder) ||
-            winpath::same(folder, m_context.global.sceneryAddonFolder))
-            continue;
-        Result loaded;
-        if (!library)
-            library = sceneryLibrary(loaded);
-        if (library->areasOfFolder(folder).isEmpty())
-            areas.append({group.sceneryTitle, folder, int(i)});
+        for (const QString& folder : areaFolders(sceneries[i])) {
+            Result loaded;
+            if (!library)
+                library = sceneryLibrary(loaded);
+            const bool known = !library->areasOfFolder(folder).isEmpty() ||
+                               std::any_of(areas.cbegin(), areas.cend(), [&](const auto& area) {
+                                   return winpath::same(area.folder, folder);
+                               });
+            if (!known)
+                areas.append({sceneries[i].sceneryTitle, folder, int(i)});
+        }
     }
     return areas;
 }

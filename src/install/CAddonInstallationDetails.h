@@ -19,6 +19,8 @@
 
 namespace vt {
 
+class CSceneryCfgMgr;
+
 /// "*** Not Selected ***", "Same target folder as item", "Do not install".
 namespace plantext {
 [[nodiscard]] QString notSelected();
@@ -97,6 +99,9 @@ public:
     [[nodiscard]] QList<PlannedVariant> variants() const;
     /// What the installation changes in configuration files, areas of the scenery library included.
     [[nodiscard]] QList<ConfigChange> configChanges() const;
+    /// Whether the replace policy leaves the existing file at this item's target alone. A policy
+    /// that asks counts as leave to replace.
+    [[nodiscard]] bool existingIsKept(const CAddon_Item& item) const;
     /// Bytes of all marked items.
     [[nodiscard]] qint64 bytesNeeded() const;
     /// Free bytes on the target drive; -1 when it cannot be told.
@@ -196,7 +201,7 @@ private:
     [[nodiscard]] Result validateFolders(MappedGroup family) const;
     [[nodiscard]] bool usableFolder(const QString& folder) const;
     [[nodiscard]] bool anyMarked(const InstallationGroup& group) const;
-    [[nodiscard]] ResultOf<QList<SceneryAreaToAdd>> newAreas(class CSceneryCfgMgr& library) const;
+    [[nodiscard]] QStringList areaFolders(const InstallationGroup& group) const;
     [[nodiscard]] std::unique_ptr<CSceneryCfgMgr> sceneryLibrary(Result& loaded) const;
     void addRemark(qint32 item, const QString& text, bool blocks);
 

@@ -41,6 +41,8 @@ private Q_SLOTS:
     void nothingMarked_isRefused();
     void folderSource_doesNotFollowLinksOut();
     void smartUnzip_extractsTheItemAlone();
+    void replacePolicy_isTold();
+    void program_isToldAndStored();
     void anySource_givesAWholeProposal();
 };
 
@@ -68,6 +70,14 @@ void TestPlan::options_changeTheProposal()
     QCOMPARE(details.bytesNeeded(), qint64(14));
     QVERIFY(details.bytesFree() > 0);
     QVERIFY(details.installable().ok);
+
+    // A folder of one's own choice is the area that the library gets.
+    options.noSceneryLibrary = false;
+    QVERIFY(details.prepare(source, options).ok);
+    QVERIFY(details.sceneryAreas().isEmpty()); // Addon Scenery itself is known
+    options.targets = {{u"n.bgl"_s, u"Addon Scenery\\Mine\\scenery"_s}};
+    QVERIFY(details.prepare(source, options).ok);
+    QCOMPARE(details.sceneryAreas().value(0).folder, u"C:\\FSX\\Addon Scenery\\Mine\\"_s);
 
     options.skip = {u"nobody.txt"_s};
     CAddonInstallationDetails typo(world.context);
@@ -399,6 +409,50 @@ void TestPlan::smartUnzip_extractsTheItemAlone()
     lost.entry.key = 99;
     QVERIFY(!lost.SmartUnzip(archive, temporary, base));
     QCOMPARE(world.files.list(base).size(), 1);
+}
+
+void TestPlan::replacePolicy_isTold()
+{
+    PlanWorld world;
+    const QString source =
+        world.makeSource(u"fix.zip"_s, {{u"Gauges/Old.gau"_s, "2024"}, {u"Gauges/New.gau"_s, "n"}});
+    const auto kept = [&](ReplacePolicy policy, const char16_t* name) {
+        InstallOptions options;
+        options.replace = policy;
+        CAddonInstallationDetails details(world.context);
+        return details.prepare(source, options).ok &&
+               details.existingIsKept(*details.addon().SearchByName(QString::fromUtf16(name)));
+    };
+    QVERIFY(!kept(ReplacePolicy::Yes, u"old.gau"));
+    QVERIFY(!kept(ReplacePolicy::Ask, u"old.gau"));
+    QVERIFY(kept(ReplacePolicy::No, u"old.gau"));
+    QVERIFY(!kept(ReplacePolicy::No, u"new.gau"));
+    QVERIFY(kept(ReplacePolicy::Newer, u"old.gau")); // written just now, the archive is of 2024
+    QFile file(world.dir.filePath(u"FSX/Gauges/Old.gau"_s));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime(QDate(2020, 1, 1), QTime(0, 0)),
+                             QFileDevice::FileModificationTime));
+    file.close();
+    QVERIFY(!kept(ReplacePolicy::Newer, u"old.gau"));
+}
+
+void TestPlan::program_isToldAndStored()
+{
+    PlanWorld world;
+    SourceFiles files = smallPack;
+    files.emplace_back(u"North/scenery/Setup.EXE"_s, "MZ");
+    CAddonInstallationDetails details(world.context);
+    const QString source = world.makeSource(u"north.zip"_s, files);
+    QVERIFY(details.prepare(source, {}).ok);
+    QCOMPARE(details.problems().size(), 1);
+    QVERIFY(details.problems().first().text.startsWith(
+        u"If the executable file is an installation program, use it to install the addon."_s));
+    QVERIFY(details.installable().ok);
+    QVERIFY(world.targets(details).contains(
+        u"North\\scenery\\Setup.EXE -> STORE\\North\\scenery\\Setup.EXE"_s));
+    QVERIFY(world.settings.setFlag(SettingKey::WarnAboutProgramFiles, false));
+    QVERIFY(details.prepare(source, {}).ok);
+    QVERIFY(details.problems().isEmpty());
 }
 
 void TestPlan::anySource_givesAWholeProposal()

@@ -1,0 +1,261 @@
+// install, plan and remove of the real program: the JSON of a whole life of an add-on, and every
+// kind of unfit source or surroundings, each with its exit status, one sentence and no trace.
+#include "cli/CliFixture.h"
+#include "demo/DemoSimulator.h"
+#include "demo/SampleAddons.h"
+#include "support/TestMain.h"
+#include "support/TreeSnapshot.h"
+#include "support/ZipBuilder.h"
+
+#include <QJsonArray>
+#include <QRegularExpression>
+
+#include <functional>
+#include <sys/file.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace vt;
+using namespace vt::test;
+
+namespace {
+
+/// A demonstration simulator at "prefix" and a sample to install.
+struct InstallWorld : CliFixture
+{
+    InstallWorld()
+    {
+        const ResultOf<DemoSimulator> written = writeDemoSimulator(dir.filePath(u"prefix"_s));
+        [&] { QVERIFY2(written.ok(), qPrintable(written.text)); }();
+        simulator = written->simulatorHost;
+        environment.insert(u"WINEPREFIX"_s, dir.filePath(u"prefix"_s));
+        write(u"pack.zip"_s, sampleAddon(u"harbour-scenery"_s).archive());
+        before = tree();
+    }
+
+    [[nodiscard]] TreeSnapshot tree() const { return hashTree(dir.filePath(u"prefix"_s)); }
+
+    [[nodiscard]] QStringList changes() const
+    {
+        return differences(before, tree(), Backups::Ignore);
+    }
+
+    [[nodiscard]] QJsonDocument json(const QStringList& arguments, int status = 0) const
+    {
+        const Ran ran = run(QStringList{u"--json"_s} + arguments);
+        [&] { QVERIFY2(ran.status == status, ran.out + ran.err); }();
+        QJsonParseError error;
+        const QJsonDocument document = QJsonDocument::fromJson(ran.out, &error);
+        [&] { QCOMPARE(error.error, QJsonParseError::NoError); }();
+        return document;
+    }
+
+    QString simulator;
+    TreeSnapshot before;
+};
+
+using Prepare = std::function<void(InstallWorld&)>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Prepare)
+
+class TestCliInstall : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+
+    void wholeLife_isToldInJson()
+    {
+        InstallWorld world;
+        const QJsonObject plan = world.json({u"plan"_s, u"pack.zip"_s}).object();
+        for (const char* key : {"addon",
+                                "source",
+                                "items",
+                                "variants",
+                                "sceneryAreas",
+                                "configChanges",
+                                "problems",
+                                "bytesNeeded",
+                                "bytesFree"})
+            QVERIFY2(plan.contains(QLatin1StringView(key)), key);
+        QVERIFY(!world.exists(u"home"_s)); // planning made nothing
+        QStringList planned;
+        for (const QJsonValue& item : plan[u"items"].toArray()) {
+            if (item[u"install"].toBool())
+                planned += item[u"targetFolder"].toString() + item[u"targetName"].toString();
+        }
+        QVERIFY(!planned.isEmpty());
+
+        const QJsonObject installed = world.json({u"install"_s, u"pack.zip"_s}).object();
+        const QString key = QString::number(installed[u"key"].toInt());
+        QCOMPARE(installed[u"status"].toString(), u"installed"_s);
+        QStringList done;
+        for (const QJsonValue& text : installed[u"results"][u"Installed"].toArray())
+            done += text.toString().chopped(qsizetype(qstrlen(" was installed.")));
+        QCOMPARE(done, planned);
+
+        QStringList shown;
+        for (const QJsonValue& item : world.json({u"show"_s, key}).object()[u"items"].toArray()) {
+            shown += item[u"location"].toString() + item[u"name"].toString();
+            QCOMPARE(item[u"state"].toString(), u"ok"_s);
+        }
+        QCOMPARE(shown, planned);
+        const QJsonArray owners = world.json({u"owner"_s, planned.first()}).array();
+        QCOMPARE(owners.size(), 1);
+        QCOMPARE(QString::number(owners[0][u"key"].toInt()), key);
+        QCOMPARE(world.json({u"list"_s}).array().size(), 1);
+
+        // A changed file is told, and the removal sets it aside.
+        const QString changed = world.simulator + u"/Addon Scenery/"_s +
+                                QDir(world.simulator + u"/Addon Scenery"_s)
+                                    .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
+                                    .filter(QRegularExpression(u"arbour"_s))
+                                    .value(0);
+        QVERIFY(QFileInfo(changed).isDir());
+        QCOMPARE(world.run({u"validate"_s, key}).status, 0);
+        const QString file = QDir(world.dir.filePath(u"prefix"_s)).filePath(u"drive_c/"_s) +
+                             QString(planned.first()).sliced(3).replace(u'\\', u'/');
+        QFile edited(file);
+        QVERIFY2(edited.open(QIODevice::WriteOnly | QIODevice::Append), qPrintable(file));
+        edited.write("by hand");
+        edited.close();
+        const QJsonObject verdict = world.json({u"validate"_s, key}, 1).object();
+        int changedItems = 0;
+        for (const QJsonValue& item : verdict[u"items"].toArray())
+            changedItems += item[u"state"].toString() == u"changed" ? 1 : 0;
+        QCOMPARE(changedItems, 1);
+
+        const QJsonArray removed = world.json({u"remove"_s, key}).array();
+        QCOMPARE(removed.size(), 1);
+        QVERIFY(removed[0][u"ok"].toBool());
+        QCOMPARE(world.changes(), QStringList());
+        QCOMPARE(world.json({u"list"_s}).array().size(), 0);
+        QCOMPARE(world.json({u"history"_s}).array().size(), 1);
+    }
+
+    void unfit_isOneSentence_andLeavesNoTrace_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<Prepare>("prepare");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("names");
+        const auto row = [](const char* name,
+                            const QStringList& arguments,
+                            int status,
+                            const QString& names,
+                            const Prepare& prepare) {
+            QTest::newRow(name) << arguments << prepare << status << names;
+        };
+        const auto zip = [](const std::function<void(ZipBuilder&)>& fill) -> Prepare {
+            return [fill](InstallWorld& world) {
+                ZipBuilder builder;
+                fill(builder);
+                world.write(u"pack.zip"_s, builder.build());
+            };
+        };
+        const QStringList install = {u"install"_s, u"pack.zip"_s};
+        row("no such source", {u"install"_s, u"gone.zip"_s}, 3, u"gone.zip"_s, {});
+        row("not an archive", install, 3, u"pack.zip"_s, [](InstallWorld& world) {
+            world.write(u"pack.zip"_s, QByteArray(4000, 'x'));
+        });
+        row("cut short", install, 3, u"pack.zip"_s, [](InstallWorld& world) {
+            const QByteArray whole = world.read(u"pack.zip"_s);
+            world.write(u"pack.zip"_s, whole.first(whole.size() / 2));
+        });
+        row("a path that leads out", install, 1, u"evil"_s, zip([](ZipBuilder& builder) {
+                builder.add("Effects/../../../../evil.fx", "x");
+            }));
+        row("an encrypted archive", install, 1, u"secret"_s, zip([](ZipBuilder& builder) {
+                ZipOptions options;
+                options.encrypted = true;
+                builder.add("Effects/secret.fx", "x", options);
+            }));
+        row("more entries than allowed", install, 1, u"200,000"_s, zip([](ZipBuilder& builder) {
+                ZipOptions options;
+                options.level = 0;
+                for (int i = 0; i < 200'001; ++i)
+                    builder.add("a/" + QByteArray::number(i), "", options);
+                builder.zip64End();
+            }));
+        row("a simulator without its program",
+            {u"--sim"_s, u"sim"_s, u"install"_s, u"pack.zip"_s},
+            3,
+            u"fsx.exe"_s,
+            [](InstallWorld& world) {
+                world.makeSimulator();
+                QFile::remove(world.dir.filePath(u"sim/fsx.exe"_s));
+            });
+        row("no simulator",
+            {u"--sim"_s, u"nowhere"_s, u"install"_s, u"pack.zip"_s},
+            3,
+            u"nowhere"_s,
+            {});
+        row("a damaged database", install, 3, u"Vantrel.mdb"_s, [](InstallWorld& world) {
+            world.write(u"home/Vantrel.mdb"_s, QByteArray(9000, 'x'));
+        });
+        row("a missing database", install, 3, u"Vantrel.mdb"_s, [](InstallWorld& world) {
+            world.write(u"home/Originals/terrain.cfg"_s, "kept");
+        });
+        row("an unknown key", {u"remove"_s, u"77"_s}, 1, u"77"_s, {});
+        row("a key that is none", {u"remove"_s, u"many"_s}, 1, u"many"_s, {});
+        row("a wrong rating", {u"install"_s, u"pack.zip"_s, u"--rating"_s, u"6"_s}, 2, u"6"_s, {});
+        row("a wrong word",
+            {u"install"_s, u"pack.zip"_s, u"--replace"_s, u"maybe"_s},
+            2,
+            u"maybe"_s,
+            {});
+    }
+
+    void unfit_isOneSentence_andLeavesNoTrace()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(Prepare, prepare);
+        QFETCH(int, status);
+        QFETCH(QString, names);
+        InstallWorld world;
+        if (prepare)
+            prepare(world);
+        const Ran ran = world.run(arguments);
+        QVERIFY2(ran.status == status, ran.out + ran.err);
+        const QString said = QString::fromUtf8(ran.err).trimmed();
+        QVERIFY2(said.contains(names), ran.err);
+        QCOMPARE(said.count(u'\n'), 0);
+        QVERIFY2(said.endsWith(u'.') || said.endsWith(u'\''), ran.err);
+        QCOMPARE(world.changes(), QStringList());
+        const Ran again = world.run(QStringList{u"--json"_s} + arguments);
+        QCOMPARE(again.status, status);
+        if (status != 2) {
+            const QJsonDocument document = QJsonDocument::fromJson(again.out);
+            QVERIFY2(!document.isNull(), again.out);
+            if (document.isObject()) {
+                QVERIFY(!document.object()[u"error"][u"text"].toString().isEmpty());
+                QVERIFY(!document.object()[u"error"][u"kind"].toString().isEmpty());
+            }
+        }
+        QCOMPARE(world.changes(), QStringList());
+    }
+
+    void heldProgramFolder_isExit3_butReadingGoesOn()
+    {
+        InstallWorld world;
+        QCOMPARE(world.run({u"install"_s, u"pack.zip"_s}).status, 0);
+        const TreeSnapshot with = world.tree();
+        QFile lock(world.dir.filePath(u"home/Vantrel.lock"_s));
+        QVERIFY(lock.open(QIODevice::ReadWrite));
+        QVERIFY(flock(lock.handle(), LOCK_EX | LOCK_NB) == 0);
+        const Ran held = world.run({u"remove"_s, u"1"_s});
+        QCOMPARE(held.status, 3);
+        QVERIFY2(!held.err.isEmpty(), held.out);
+        QCOMPARE(differences(with, world.tree()), QStringList());
+        QCOMPARE(world.run({u"list"_s}).status, 0);
+        QCOMPARE(world.run({u"plan"_s, u"pack.zip"_s}).status, 0);
+        flock(lock.handle(), LOCK_UN);
+        QCOMPARE(world.run({u"remove"_s, u"1"_s}).status, 0);
+        QCOMPARE(world.changes(), QStringList());
+    }
+};
+
+VT_TEST_CLASS(TestCliInstall)
+#include "test_cli_install.moc"

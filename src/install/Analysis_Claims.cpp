@@ -223,18 +223,18 @@ void CAddonInstallationDetails::Analysis::claimMission(int folder, const QString
 void CAddonInstallationDetails::Analysis::claimMissionsFolder(int folder)
 {
     claimTree(folder, Kind::Mission, global.missionsFolder, MappedGroup::Missions, -1);
-    // Folders are ordered parents first, so the topmost folder with a flight is the mission.
-    for (int below = folder + 1; below < tree->count(); ++below) {
+    // Parents come first, so the topmost folder with a flight is the mission.
+    tree->forTree(folder, [&](int below) {
         const SourceFolder& here = tree->at(below);
         Claim& claim = claims[size_t(below)];
-        if (claim.kind != Kind::Mission || !tree->isBelow(below, folder))
-            continue;
-        const int above = claims[size_t(here.parent)].group;
-        if (claims[size_t(here.parent)].kind == Kind::Mission && above >= 0)
-            claim.group = above;
+        if (below == folder || claim.kind != Kind::Mission)
+            return;
+        const Claim& above = claims[size_t(here.parent)];
+        if (above.kind == Kind::Mission && above.group >= 0)
+            claim.group = above.group;
         else if (here.facts & FactFlight)
             claim.group = newGroup(MappedGroup::Missions, here.name, below, claim.target);
-    }
+    });
 }
 
 void CAddonInstallationDetails::Analysis::claimGauges(int folder)
@@ -311,12 +311,12 @@ void CAddonInstallationDetails::Analysis::resolveLoneParts()
                 part.folder);
         }
         group.proposedFolder = group.targetFolder;
-        for (int folder = part.folder; folder < tree->count(); ++folder) {
+        const qsizetype top = tree->at(part.folder).path.size();
+        tree->forTree(part.folder, [&](int folder) {
             Claim& claim = claims[size_t(folder)];
             if (claim.family == part.family && claim.group == part.group && claim.target.isEmpty())
-                claim.target = group.targetFolder +
-                               tree->at(folder).path.sliced(tree->at(part.folder).path.size());
-        }
+                claim.target = group.targetFolder + tree->at(folder).path.sliced(top);
+        });
     }
 }
 

@@ -277,30 +277,70 @@ QString CAddonInstallationDetails::Analysis::relativePath(int folder, int top) c
     return path;
 }
 
+namespace {
+
+/// Folders in the spelling of the disk. Below a folder that does not exist nothing is looked for,
+/// and each folder is looked up once.
+class FolderSpelling
+{
+public:
+    explicit FolderSpelling(const Files& files) : m_files(files) {}
+
+    QString of(const QString& folder) { return known(folder).text; }
+
+private:
+    struct Known
+    {
+        QString text;
+        bool exists = false;
+    };
+
+    const Known& known(const QString& folder)
+    {
+        const auto found = m_known.constFind(folder);
+        if (found != m_known.constEnd())
+            return *found;
+        Known result;
+        const QStringView plain = QStringView(folder).chopped(folder.endsWith(u'\\') ? 1 : 0);
+        const qsizetype cut = plain.lastIndexOf(u'\\');
+        if (cut < 0) {
+            result = {folder, true}; // a drive
+        } else {
+            const Known parent = known(folder.left(cut + 1));
+            const QString path = parent.text + plain.sliced(cut + 1).toString();
+            const auto info = parent.exists ? m_files.info(path) : std::nullopt;
+            result.exists = info && info->folder;
+            result.text = (result.exists ? parent.text + info->name : path) + u'\\';
+        }
+        return *m_known.insert(folder, result);
+    }
+
+    const Files& m_files;
+    QHash<QString, Known> m_known;
+};
+
+} // namespace
+
 void CAddonInstallationDetails::Analysis::spellTargets()
 {
-    QHash<QString, QString> spelled;
-    const QString* last = nullptr;
+    FolderSpelling spelling(files);
+    QString lastText;
     QString lastFolder;
     for (CAddon_Item& item : addon.colAddonItems_Edit()) {
         if (item.sFolder_Installation.isEmpty())
             continue;
-        if (!last || last->constData() != item.sFolder_Installation.constData()) {
-            auto found = spelled.constFind(item.sFolder_Installation);
-            if (found == spelled.constEnd())
-                found = spelled.insert(item.sFolder_Installation,
-                                       files.spelled(item.sFolder_Installation));
-            last = &found.key();
-            lastFolder = *found;
+        if (lastText.constData() != item.sFolder_Installation.constData()) {
+            lastText = item.sFolder_Installation;
+            lastFolder = spelling.of(lastText);
         }
         item.setPreferred(lastFolder, item.sName);
     }
     for (std::vector<InstallationGroup>& family : d.m_groups) {
         for (InstallationGroup& group : family) {
             if (!group.targetFolder.isEmpty())
-                group.targetFolder = files.spelled(group.targetFolder);
+                group.targetFolder = spelling.of(group.targetFolder);
             if (!group.aircraftFolder.isEmpty())
-                group.aircraftFolder = files.spelled(group.aircraftFolder);
+                group.aircraftFolder = spelling.of(group.aircraftFolder);
             group.proposedFolder = group.targetFolder;
         }
     }

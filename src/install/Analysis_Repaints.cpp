@@ -259,15 +259,15 @@ void CAddonInstallationDetails::Analysis::placeParts(Repaint& repaint, const QSt
                 asGiven ? aircraft + wanted + u'\\' : freePartName(aircraft, wanted, part, &same);
         const QString& top = tree->at(part).path;
         const auto placeFolder = [&](int below) {
-            if (claims[size_t(below)].group == repaint.group &&
-                claims[size_t(below)].family == MappedGroup::Texture && !folder.isEmpty())
-                claims[size_t(below)].target = folder + tree->at(below).path.sliced(top.size());
+            Claim& claim = claims[size_t(below)];
+            if (claim.group == repaint.group && claim.family == MappedGroup::Texture &&
+                !folder.isEmpty())
+                claim.target = folder + tree->at(below).path.sliced(top.size());
         };
-        placeFolder(part);
-        for (int below = part + 1; !repaint.loose && below < tree->count(); ++below) {
-            if (tree->isBelow(below, part))
-                placeFolder(below);
-        }
+        if (repaint.loose)
+            placeFolder(part);
+        else
+            tree->forTree(part, placeFolder);
         d.groups(MappedGroup::Texture)[size_t(repaint.group)].parts.append(
             {top, folder.isEmpty() ? wanted : winpath::name(folder)});
         // Textures for a folder that the aircraft has already are no new variation.

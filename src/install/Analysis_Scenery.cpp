@@ -112,33 +112,30 @@ void CAddonInstallationDetails::Analysis::claimAddonScenery(int folder)
 {
     const QString top = global.sceneryAddonFolder;
     claimTree(folder, Kind::Scenery, top, MappedGroup::Scenery, -1);
-    for (int below = folder + 1; below < tree->count(); ++below) {
+    tree->forTree(folder, [&](int below) {
         const SourceFolder& here = tree->at(below);
-        Claim& claim = claims[size_t(below)];
-        if (claim.kind != Kind::Scenery || claim.group >= 0 || !tree->isBelow(below, folder) ||
-            here.parent == folder)
-            continue;
-        if (!equalNoCase(here.name, u"scenery") || !(here.below & FactBgl))
-            continue;
+        if (below == folder || here.parent == folder ||
+            claims[size_t(below)].kind != Kind::Scenery || claims[size_t(below)].group >= 0 ||
+            !equalNoCase(here.name, u"scenery") || !(here.below & FactBgl))
+            return;
         // Everything below the area's folder belongs to it.
-        const int home = here.parent;
-        const int group = areaGroup(home, claims[size_t(home)].target);
-        areaNames.insert(NoCase{tree->at(home).name});
-        for (int member = home; member < tree->count(); ++member) {
+        const int group = areaGroup(here.parent, claims[size_t(here.parent)].target);
+        areaNames.insert(NoCase{tree->at(here.parent).name});
+        tree->forTree(here.parent, [&](int member) {
             Claim& part = claims[size_t(member)];
-            if (part.kind == Kind::Scenery && part.group < 0 && tree->isBelow(member, home))
+            if (part.kind == Kind::Scenery && part.group < 0)
                 part.group = group;
-        }
-    }
-    for (int below = folder; below < tree->count(); ++below) {
+        });
+    });
+    tree->forTree(folder, [&](int below) {
         const SourceFolder& here = tree->at(below);
         Claim& claim = claims[size_t(below)];
-        if (claim.kind != Kind::Scenery || !tree->isBelow(below, folder))
-            continue;
+        if (claim.kind != Kind::Scenery)
+            return;
         if (equalNoCase(here.name, u"texture"))
             claim.kind = Kind::SceneryTexture;
         if (claim.group >= 0)
-            continue;
+            return;
         // Scenery files of a folder without "scenery": the simulator only reads them from one.
         if ((here.facts & FactBgl) && here.parent == folder &&
             !equalNoCase(here.name, u"scenery")) {
@@ -148,7 +145,7 @@ void CAddonInstallationDetails::Analysis::claimAddonScenery(int folder)
         } else {
             claim.group = looseGroup(MappedGroup::Scenery);
         }
-    }
+    });
 }
 
 } // namespace vt

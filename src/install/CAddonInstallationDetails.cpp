@@ -1,11 +1,10 @@
-// Preparing: source, name, analysis, options. Decisions are in _Modify, checks in _Validate.
+// Preparing: source, name, analysis. Given answers are in _Options, decisions in _Modify, checks in
+// _Validate, what a plan tells in _Facts.
 #include "install/CAddonInstallationDetails.h"
 
 #include "install/Analysis.h"
-#include "install/CDriveFreeSpace.h"
 #include "platform/WinPath.h"
 #include "shell/Settings.h"
-#include "simconfig/CSceneryCfgMgr.h"
 
 #include <algorithm>
 
@@ -16,8 +15,6 @@ namespace vt {
 namespace {
 
 constexpr qint64 descriptionLimit = 64 << 10;
-/// Archives keep times to two seconds.
-constexpr qint64 sameTimeNs = 2'000'000'000;
 
 } // namespace
 
@@ -89,8 +86,6 @@ std::vector<InstallationGroup>& CAddonInstallationDetails::groups(MappedGroup fa
 {
     return m_groups[size_t(family)];
 }
-
-// --- analysis ------------------------------------------------------------------------------------
 
 void CAddonInstallationDetails::AddonItemGroup_AnalyzeForWizard()
 {
@@ -259,304 +254,9 @@ void CAddonInstallationDetails::AddonItems_UpdateTargetExists()
     }
 }
 
-// --- options -------------------------------------------------------------------------------------
-
-QString CAddonInstallationDetails::chosenFolder(const QString& typed) const
-{
-    const GlobalRecord& global = m_context.global;
-    if (winpath::isAbsolute(typed))
-        return winpath::asFolder(typed);
-    if (typed.startsWith(u'/'))
-        return winpath::asFolder(m_context.services.files.drives().toWindows(typed));
-    return winpath::asFolder(winpath::normalised(winpath::join(global.simulatorFolder, typed)));
-}
-
-Result CAddonInstallationDetails::resolveOptionFolders()
-{
-    const Files& files = m_context.services.files;
-    for (TargetChoice& choice : m_options.targets)
-        choice.folder = chosenFolder(choice.folder);
-    if (m_options.aircraftFolder.isEmpty())
-        return Result::success();
-    const QString typed = m_options.aircraftFolder;
-    QStringList candidates = {chosenFolder(typed)};
-    if (!winpath::isAbsolute(typed) && !typed.startsWith(u'/')) {
-        for (const QString& folder : m_context.global.aircraftTypeFolders)
-            candidates.append(winpath::asFolder(winpath::normalised(winpath::join(folder, typed))));
-    }
-    for (const QString& candidate : std::as_const(candidates)) {
-        if (files.isFile(candidate + u"aircraft.cfg"_s)) {
-            m_options.aircraftFolder = files.spelled(candidate);
-            return Result::success();
-        }
-    }
-    return Result::failure(u"Could not locate base aircraft. There is no aircraft.cfg in '"_s +
-                           candidates.first() + u"'; name the folder of an installed aircraft."_s);
-}
-
-void CAddonInstallationDetails::applyOptions()
-{
-    applySkips();
-    applyTargets();
-    resolveConflicts();
-    if (m_options.to == InstallTo::Cabinet)
-        AddonItemGroup_InstallationFolders_ProcessInstallToStorage();
-    AddonItems_UpdateTargetExists();
-}
-
-namespace {
-
-/// Whether an item is meant by a name, a source path, a source folder ("x\") or "*.ext".
-class ItemPattern
-{
-public:
-    explicit ItemPattern(const QString& typed) : m_text(typed)
-    {
-        m_text.replace(u'/', u'\\');
-        while (m_text.startsWith(u'\\'))
-            m_text.remove(0, 1);
-    }
-
-    [[nodiscard]] bool matches(const CAddon_Item& item) const
-    {
-        if (m_text.startsWith(u'*'))
-            return endsWithNoCase(item.sName, QStringView(m_text).sliced(1));
-        if (m_text.endsWith(u'\\'))
-            return startsWithNoCase(item.sFolder_Current, m_text) ||
-                   containsNoCase(item.sFolder_Current, u'\\' + m_text);
-        const qsizetype cut = m_text.lastIndexOf(u'\\');
-        if (!equalNoCase(item.sName, QStringView(m_text).sliced(cut + 1)))
-            return false;
-        const QStringView folder = QStringView(m_text).first(cut + 1);
-        return folder.isEmpty() || equalNoCase(item.sFolder_Current, folder) ||
-               endsWithNoCase(item.sFolder_Current, u'\\' + folder.toString());
-    }
-
-    /// The item's folder below a matched source folder.
-    [[nodiscard]] QString below(const CAddon_Item& item) const
-    {
-        if (!m_text.endsWith(u'\\'))
-            return {};
-        const qsizetype at = startsWithNoCase(item.sFolder_Current, m_text)
-                                 ? 0
-                                 : indexOfNoCase(item.sFolder_Current, u'\\' + m_text) + 1;
-        return item.sFolder_Current.sliced(at + m_text.size());
-    }
-
-private:
-    QString m_text;
-};
-
-} // namespace
-
-void CAddonInstallationDetails::applySkips()
-{
-    for (const QString& name : std::as_const(m_options.skip)) {
-        const ItemPattern pattern(name);
-        bool found = false;
-        for (CAddon_Item& item : m_addon->colAddonItems_Edit()) {
-            if (!pattern.matches(item))
-                continue;
-            found = true;
-            item.boolProcess = false;
-        }
-        if (!found) {
-            addRemark(
-                0, u"There is no '"_s + name + u"' in the add-on that could be left out."_s, true);
-        }
-    }
-}
-
-void CAddonInstallationDetails::applyTargets()
-{
-    for (const TargetChoice& choice : std::as_const(m_options.targets)) {
-        const ItemPattern pattern(choice.name);
-        bool found = false;
-        const QString spelled = m_context.services.files.spelled(choice.folder);
-        for (CAddon_Item& item : m_addon->colAddonItems_Edit()) {
-            if (!pattern.matches(item))
-                continue;
-            found = true;
-            setFolder(item, spelled + pattern.below(item));
-        }
-        if (!found) {
-            addRemark(0,
-                      u"There is no '"_s + choice.name +
-                          u"' in the add-on that could go to another folder."_s,
-                      true);
-        }
-    }
-}
-
-void CAddonInstallationDetails::resolveConflicts()
-{
-    const auto same = [this](const CAddon_Item& a, const CAddon_Item& b) {
-        return m_source->sameBytes(a, b);
-    };
-    if (m_addon->AutomaticallyResolveConflicts(same).isEmpty())
-        return;
-    DocumentAndOther_AutomaticallyResolveProblems();
-}
-
 void CAddonInstallationDetails::addRemark(qint32 item, const QString& text, bool blocks)
 {
     m_remarks.append({item, text, blocks});
-}
-
-bool CAddonInstallationDetails::existingIsKept(const CAddon_Item& item) const
-{
-    if (!item.boolTargetExists || m_options.replace == ReplacePolicy::Yes)
-        return false;
-    if (m_options.replace == ReplacePolicy::No)
-        return true;
-    const bool newerOnly = m_options.replace == ReplacePolicy::Newer ||
-                           m_context.settings.number(SettingKey::YesFileReplacementMethod) == 1;
-    if (!newerOnly)
-        return false;
-    const auto existing =
-        m_context.services.files.info(item.sFolder_Installation + item.sName_Installation);
-    const auto content = m_source->content(item);
-    return existing && content && content->modifiedNs > 0 &&
-           existing->modifiedNs > content->modifiedNs + sameTimeNs;
-}
-
-// --- facts ---------------------------------------------------------------------------------------
-
-qint64 CAddonInstallationDetails::bytesNeeded() const
-{
-    qint64 bytes = 0;
-    for (const CAddon_Item& item : m_addon->colAddonItems())
-        bytes += item.boolProcess ? item.size : 0;
-    return bytes;
-}
-
-qint64 CAddonInstallationDetails::bytesFree() const
-{
-    CDriveFreeSpace space(m_context.services.files);
-    space.sDrive = m_options.to == InstallTo::Cabinet ? m_context.global.programFolder
-                                                      : m_context.global.simulatorFolder;
-    return space.Compute();
-}
-
-QString CAddonInstallationDetails::lonePartFolder(MappedGroup family) const
-{
-    Settings& settings = m_context.settings;
-    const bool panel = family == MappedGroup::Panel;
-    const bool below = settings.flag(panel ? SettingKey::AutoPlacePanelsInSubfolder
-                                           : SettingKey::AutoPlaceSoundsInSubfolder);
-    if (!below)
-        return m_context.global.aircraftFolder;
-    QString name = winpath::safeName(settings.text(panel ? SettingKey::AutoPlacePanelsFolderName
-                                                         : SettingKey::AutoPlaceSoundsFolderName));
-    if (name.isEmpty())
-        name = winpath::safeName(m_addon->sGroupName);
-    return m_context.global.aircraftFolder + name + u'\\';
-}
-
-bool CAddonInstallationDetails::anyMarked(const InstallationGroup& group) const
-{
-    return std::any_of(group.items.cbegin(), group.items.cend(), [this](qint32 key) {
-        return m_addon->Search(key)->boolProcess;
-    });
-}
-
-std::unique_ptr<CSceneryCfgMgr> CAddonInstallationDetails::sceneryLibrary(Result& loaded) const
-{
-    auto library = std::make_unique<CSceneryCfgMgr>(ConfigAccess(m_context.services),
-                                                    m_context.global.sceneryCfgFile,
-                                                    m_context.global.simulatorFolder);
-    loaded = library->SceneryCfg_Load();
-    return library;
-}
-
-QStringList CAddonInstallationDetails::areaFolders(const InstallationGroup& group) const
-{
-    QStringList folders;
-    QString last;
-    for (const qint32 key : group.items) {
-        const CAddon_Item* item = m_addon->Search(key);
-        if (!item->boolProcess || item->enumAddonFileType != FileType::Scenery)
-            continue;
-        const QString& folder = item->sFolder_Installation;
-        if (folder.constData() == last.constData())
-            continue;
-        last = folder;
-        QString area;
-        if (!group.targetFolder.isEmpty() && winpath::isBelow(folder, group.targetFolder))
-            area = group.targetFolder;
-        else if (equalNoCase(winpath::name(folder), u"scenery"))
-            area = winpath::parent(winpath::withoutTrailing(folder)); // the user's own choice
-        // What lies in the simulator's own scenery is in its library already.
-        if (area.isEmpty() || winpath::isBelow(area, m_context.global.sceneryFolder) ||
-            winpath::same(area, m_context.global.sceneryAddonFolder) ||
-            winpath::same(area, m_context.global.simulatorFolder))
-            continue;
-        if (!folders.contains(area, Qt::CaseInsensitive))
-            folders.append(area);
-    }
-    return folders;
-}
-
-QList<SceneryAreaToAdd> CAddonInstallationDetails::sceneryAreas() const
-{
-    QList<SceneryAreaToAdd> areas;
-    if (m_options.to == InstallTo::Cabinet)
-        return areas;
-    const std::vector<InstallationGroup>& sceneries = groups(MappedGroup::Scenery);
-    std::unique_ptr<CSceneryCfgMgr> library;
-    for (size_t i = 0; i < sceneries.size(); ++i) {
-        if (!sceneries[i].sceneryLibraryUpdate)
-            continue;
-        for (const QString& folder : areaFolders(sceneries[i])) {
-            Result loaded;
-            if (!library)
-                library = sceneryLibrary(loaded);
-            const bool known = !library->areasOfFolder(folder).isEmpty() ||
-                               std::any_of(areas.cbegin(), areas.cend(), [&](const auto& area) {
-                                   return winpath::same(area.folder, folder);
-                               });
-            if (!known)
-                areas.append({sceneries[i].sceneryTitle, folder, int(i)});
-        }
-    }
-    return areas;
-}
-
-QList<ConfigChange> CAddonInstallationDetails::configChanges() const
-{
-    const QList<SceneryAreaToAdd> areas = sceneryAreas();
-    if (areas.isEmpty())
-        return {};
-    Result loaded;
-    const std::unique_ptr<CSceneryCfgMgr> library = sceneryLibrary(loaded);
-    if (!loaded.ok)
-        return {};
-    for (const SceneryAreaToAdd& area : areas)
-        library->SceneryCfg_AddArea(area.title, area.folder, false);
-    ConfigChange change = library->changes();
-    if (change.lines.isEmpty())
-        return {};
-    return {change};
-}
-
-QList<PlannedVariant> CAddonInstallationDetails::variants() const
-{
-    QList<PlannedVariant> out;
-    if (m_options.to == InstallTo::Cabinet)
-        return out;
-    for (const InstallationGroup& group : groups(MappedGroup::Texture)) {
-        if (!anyMarked(group))
-            continue;
-        for (const VariantDetails& variant : group.variants) {
-            out.append({variant.title,
-                        variant.variation,
-                        variant.texture,
-                        group.aircraftFolder,
-                        group.aircraftFolder.isEmpty() ? QString()
-                                                       : group.aircraftFolder + u"aircraft.cfg"_s});
-        }
-    }
-    return out;
 }
 
 } // namespace vt

@@ -71,6 +71,15 @@ public:
     [[nodiscard]] int child(int folder, QStringView name) const;
     /// First item directly in the folder with this name, or nullptr.
     [[nodiscard]] const CAddon_Item* file(int folder, QStringView name) const;
+
+    /// Calls \a visit for the folder and every one below it, parents first.
+    template <typename Visit> void forTree(int folder, const Visit& visit) const
+    {
+        visit(folder);
+        for (const int child : at(folder).children)
+            forTree(child, visit);
+    }
+
     /// Whether \a folder is \a ancestor or lies below it.
     [[nodiscard]] bool isBelow(int folder, int ancestor) const;
 

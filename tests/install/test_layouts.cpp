@@ -58,6 +58,7 @@ private Q_SLOTS:
     void backslashNamesInAnyCase_meetTheExistingSpelling();
     void aiPack_keepsSubfoldersOfSuffixes();
     void existingFolderOfTheAircraft_isNotTakenByARepaint();
+    void texturesThatAreNamedOrPresent_areNoNewVariation();
     void sameRepaintTwice_isInstalledOnce();
     void plainFile_isAnAddon();
     void patchFolder_goesOverTheMainFiles();
@@ -206,6 +207,18 @@ void TestLayouts::targets_data()
           u"world/texture/x.bmp -> SIM/Scenery/World/texture/x.bmp"_s,
           u"0601/SCENERY/y.bgl -> SIM/Scenery/0601/scenery/y.bgl"_s,
           u"propdefs/mine.xml -> SIM/PropDefs/mine.xml"_s}},
+        {"an area beside the world's scenery in one folder",
+         "Lake Field.zip",
+         {u"Scenery/a.bgl"_s, u"Scenery/World/Scenery/w.bgl"_s, u"Scenery/0601/scenery/y.bgl"_s},
+         {u"Scenery/a.bgl -> SIM/Addon Scenery/Lake Field/scenery/a.bgl"_s,
+          u"World/Scenery/w.bgl -> SIM/Scenery/World/scenery/w.bgl"_s,
+          u"0601/scenery/y.bgl -> SIM/Scenery/0601/scenery/y.bgl"_s}},
+        {"the simulator's own textures beside its other folders",
+         "sky.zip",
+         {u"Sky/Texture/cloud.bmp"_s, u"Sky/Effects/fx_s.fx"_s, u"Sky/ShadersHLSL/x.fxh"_s},
+         {u"Texture/cloud.bmp -> SIM/Texture/cloud.bmp"_s,
+          u"Effects/fx_s.fx -> SIM/Effects/fx_s.fx"_s,
+          u"ShadersHLSL/x.fxh -> STORE/x.fxh"_s}},
         {"a folder of a gauge stays together, modules go to their folder",
          "gauges.zip",
          {u"Glass Cockpit/main.xml|gauge"_s,
@@ -281,10 +294,11 @@ void TestLayouts::targets_data()
           u"old.mdl -> STORE/old.mdl"_s}},
         {"a panel without an aircraft gets a folder of its own",
          "Wide Panel.zip",
-         {u"panel/panel.cfg"_s, u"panel/wide.bmp"_s, u"panel/readme.txt"_s},
+         {u"panel/panel.cfg"_s, u"panel/wide.bmp"_s, u"panel/readme.txt"_s, u"panel/set.exe"_s},
          {u"panel/panel.cfg -> SIM/SimObjects/Airplanes/Wide Panel/panel/panel.cfg"_s,
           u"panel/wide.bmp -> SIM/SimObjects/Airplanes/Wide Panel/panel/wide.bmp"_s,
-          u"panel/readme.txt -> STORE/readme.txt"_s}},
+          u"panel/readme.txt -> STORE/readme.txt"_s,
+          u"panel/set.exe -> STORE/set.exe"_s}},
         {"a set with step folders",
          "set.zip",
          {u"Set/main_patch/SimObjects/Airplanes/C/aircraft.cfg|cfg"_s,
@@ -473,6 +487,30 @@ void TestLayouts::existingFolderOfTheAircraft_isNotTakenByARepaint()
     const Result refused = lost.prepare(source, options);
     QVERIFY(!refused.ok);
     QVERIFY(refused.text.contains(u"Could not locate base aircraft."_s));
+}
+
+void TestLayouts::texturesThatAreNamedOrPresent_areNoNewVariation()
+{
+    PlanWorld world;
+    world.writeInSimulator(u"SimObjects/Airplanes/B747/texture.old/a.dds"_s);
+    const QString tree = u"SimObjects/Airplanes/"_s;
+    const QString source = world.makeSource(
+        u"set.zip"_s,
+        {{tree + u"B747/texture.old/a.dds"_s, "present in the simulator"},
+         {tree + u"B747/texture.new/a.dds"_s, "new"},
+         {tree + u"C/aircraft.cfg"_s,
+          aircraftCfg("C", "c") + "[fltsim.1]\r\ntitle=C 2\r\nsim=c\r\ntexture=two\r\n"},
+         {tree + u"C/c.air"_s, "x"},
+         {u"extras/"_s + tree + u"C/texture.two/a.dds"_s, "named by the aircraft"}});
+    CAddonInstallationDetails details(world.context);
+    QVERIFY(details.prepare(source, {}).ok);
+    QVERIFY2(details.installable().ok, qPrintable(details.installable().text));
+    QVERIFY(world.targets(details).contains(
+        u"extras\\SimObjects\\Airplanes\\C\\texture.two\\a.dds -> SIM\\SimObjects\\Airplanes\\C\\texture.two\\a.dds"_s));
+    const QList<PlannedVariant> variants = details.variants();
+    QCOMPARE(variants.size(), 1);
+    QCOMPARE(variants.first().texture, u"new"_s);
+    QCOMPARE(variants.first().aircraft, u"C:\\FSX\\SimObjects\\Airplanes\\B747\\"_s);
 }
 
 void TestLayouts::sameRepaintTwice_isInstalledOnce()

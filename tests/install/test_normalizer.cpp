@@ -107,6 +107,8 @@ void TestNormalizer::facts_giveAFolderName_data()
     QTest::newRow("maker in the type")
         << u"[fltsim.0]\ntitle=A\nui_manufacturer=Northwind\nui_type=northwind C2\n[fltsim.1]\n"_s
         << u"northwind C2"_s;
+    QTest::newRow("slashes in the title")
+        << u"[fltsim.0]\ntitle=Air//Sea // comment\n"_s << u"AirSea"_s;
     QTest::newRow("nothing told") << u"[fltsim.0]\nsim=a\n"_s << QString();
 }
 

@@ -45,6 +45,18 @@ static QDataStream& operator>>(QDataStream& in, ConfigBaseRecord& r)
     return in >> r.file >> r.keptFile >> r.lastWrittenSize >> r.lastWrittenHash >> r.edits;
 }
 
+static QDataStream& operator<<(QDataStream& out, const SceneryAreaRecord& r)
+{
+    return out << r.masterKey << r.detailKey << r.area << r.enabled << r.layer << r.path << r.title
+               << r.parameters;
+}
+
+static QDataStream& operator>>(QDataStream& in, SceneryAreaRecord& r)
+{
+    return in >> r.masterKey >> r.detailKey >> r.area >> r.enabled >> r.layer >> r.path >>
+           r.title >> r.parameters;
+}
+
 namespace {
 
 constexpr quint8 closingFormat = 1;
@@ -54,7 +66,7 @@ bool unpack(const QByteArray& bytes, InstallationClosing& closing)
     QDataStream in(bytes);
     in.setVersion(QDataStream::Qt_6_4);
     quint8 format = 0;
-    in >> format >> closing.masterKey;
+    in >> format >> closing.masterKey >> closing.library;
     return format == closingFormat && in.status() == QDataStream::Ok;
 }
 
@@ -66,7 +78,7 @@ bool unpack(const QByteArray& bytes, RemovalClosing& closing)
     in >> format >> closing.masterKey >> closing.dateInstalled >> closing.dateUninstalled >>
         closing.whole >> closing.detailKeys >> closing.passedOn >> closing.originalsGone >>
         closing.foldersGone >> closing.configBases >> closing.configBasesGone >> closing.failed >>
-        closing.sceneryAreasKept;
+        closing.areasPassedOn >> closing.library >> closing.sceneryAreasKept;
     return format == closingFormat && in.status() == QDataStream::Ok;
 }
 
@@ -97,6 +109,14 @@ Result closeInstallation(Connection& database,
 {
     if (failed.isEmpty())
         return Result::success();
+    if (closing.library.root != RootId::None && failed.contains(closing.library)) {
+        // The library is as it was: there are no areas, and what it was before is not known to us.
+        if (Result gone = modDatabase_Addon::deleteSceneryAreasOf(database, closing.masterKey);
+            !gone)
+            return gone;
+        if (Result gone = modDatabase_Addon::deleteConfigBase(database, closing.library); !gone)
+            return gone;
+    }
     const ResultOf<QList<DetailRecord>> rows = detailsAt(database, gate, closing.masterKey, failed);
     if (!rows)
         return rows.error();
@@ -147,6 +167,8 @@ Result closeRemoval(Connection& database,
 {
     using namespace modDatabase_Addon;
     const QList<Place> failed = closing.failed + failedSteps;
+    const bool libraryFailed =
+        closing.library.root != RootId::None && failedSteps.contains(closing.library);
     for (const OriginalRecord& original : closing.passedOn) {
         if (Result passed = setOriginal(database, original); !passed)
             return passed;
@@ -184,21 +206,39 @@ Result closeRemoval(Connection& database,
             return areas.error();
         for (const SceneryAreaRecord& area : *areas) {
             const bool goes = closing.whole || closing.detailKeys.contains(area.detailKey);
-            if (!goes || closing.sceneryAreasKept.contains(area.detailKey))
+            if (!goes || libraryFailed || closing.sceneryAreasKept.contains(area.detailKey))
                 continue;
             if (Result gone = deleteSceneryArea(database, area); !gone)
                 return gone;
         }
     }
+    if (!closing.areasPassedOn.isEmpty()) {
+        if (Result passed = addSceneryAreas(database, closing.areasPassedOn); !passed)
+            return passed;
+    }
     for (const ConfigBaseRecord& base : closing.configBases) {
+        if (libraryFailed)
+            break;
         if (Result written = setConfigBase(database, base); !written)
             return written;
     }
     for (const Place& file : closing.configBasesGone) {
+        if (libraryFailed)
+            break;
         if (Result gone = deleteConfigBase(database, file); !gone)
             return gone;
     }
-    return deleteFolders(database, closing.foldersGone);
+    // A folder in which something stayed is still the installation's.
+    QList<Place> gone;
+    for (const Place& folder : closing.foldersGone) {
+        const QString path = gate.path(folder);
+        const bool holds = std::any_of(failed.cbegin(), failed.cend(), [&](const Place& place) {
+            return winpath::isBelow(gate.path(place), path);
+        });
+        if (!holds)
+            gone.push_back(folder);
+    }
+    return deleteFolders(database, gone);
 }
 
 } // namespace
@@ -208,7 +248,7 @@ QByteArray packClosing(const InstallationClosing& closing)
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setVersion(QDataStream::Qt_6_4);
-    out << closingFormat << closing.masterKey;
+    out << closingFormat << closing.masterKey << closing.library;
     return bytes;
 }
 
@@ -220,7 +260,7 @@ QByteArray packClosing(const RemovalClosing& closing)
     out << closingFormat << closing.masterKey << closing.dateInstalled << closing.dateUninstalled
         << closing.whole << closing.detailKeys << closing.passedOn << closing.originalsGone
         << closing.foldersGone << closing.configBases << closing.configBasesGone << closing.failed
-        << closing.sceneryAreasKept;
+        << closing.areasPassedOn << closing.library << closing.sceneryAreasKept;
     return bytes;
 }
 

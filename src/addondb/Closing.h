@@ -19,6 +19,7 @@ namespace vt {
 struct InstallationClosing
 {
     qint64 masterKey = 0;
+    Place library; ///< the scenery library, when areas were added to it
 
     friend bool operator==(const InstallationClosing&, const InstallationClosing&) = default;
 };
@@ -36,8 +37,10 @@ struct RemovalClosing
     QList<Place> foldersGone;       ///< own folders to be forgotten
     QList<ConfigBaseRecord> configBases;
     QList<Place> configBasesGone;
-    QList<Place> failed;            ///< known beforehand not to go
-    QList<qint64> sceneryAreasKept; ///< detail keys of areas whose removal failed
+    QList<Place> failed;                    ///< known beforehand not to go
+    QList<SceneryAreaRecord> areasPassedOn; ///< to add-ons with scenery in the same folder
+    Place library;                          ///< the scenery library, when it is changed
+    QList<qint64> sceneryAreasKept;         ///< detail keys of areas whose removal failed
 };
 
 [[nodiscard]] QByteArray packClosing(const InstallationClosing& closing);

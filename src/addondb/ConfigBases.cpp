@@ -79,7 +79,8 @@ ResultOf<Undone> afterRemoval(Connection& database,
                               FileTransaction& actions,
                               const GlobalRecord& global,
                               const QString& file,
-                              const QByteArray& before)
+                              const QByteArray& before,
+                              bool last)
 {
     Undone out;
     const ResultOf<Place> place = gate.place(file);
@@ -91,8 +92,8 @@ ResultOf<Undone> afterRemoval(Connection& database,
     const QString keptPath =
         base->keptFile.isEmpty() ? QString() : global.originalsFolder + base->keptFile;
     const bool untouched = !keptPath.isEmpty() && isLastWritten(before, *base);
-    --base->edits;
-    if (base->edits <= 0) {
+    base->edits = qMax<qint64>(base->edits - 1, 1);
+    if (last) {
         out.forgotten = true;
         if (untouched) {
             const ResultOf<QByteArray> old = gate.files().read(keptPath, baseLimit);
@@ -103,7 +104,8 @@ ResultOf<Undone> afterRemoval(Connection& database,
             }
         }
         if (!keptPath.isEmpty()) {
-            (void)actions.remove(keptPath); // a kept file that stays behind harms nobody
+            // A kept file that stays behind harms nobody.
+            (void)(out.restored ? actions.removeOnce(keptPath, file) : actions.remove(keptPath));
             (void)actions.removeEmptyFolder(winpath::parent(keptPath));
         }
         return out;

@@ -35,12 +35,13 @@ struct Undone
 };
 
 /// To be called after a removal took its entries out of \a file (in \a actions); \a before is the
-/// file's content from before that.
+/// file's content from before that, \a last whether no add-on has entries in it any more.
 [[nodiscard]] ResultOf<Undone> afterRemoval(Connection& database,
                                             Gate& gate,
                                             FileTransaction& actions,
                                             const GlobalRecord& global,
                                             const QString& file,
-                                            const QByteArray& before);
+                                            const QByteArray& before,
+                                            bool last);
 
 } // namespace vt::configbases

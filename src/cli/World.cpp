@@ -273,6 +273,11 @@ Result World::Parts::finishInterrupted()
     for (const Recovery& recovery : recoveries)
         for (const QString& text : recovery.texts)
             errors->report(u"Application_Startup : Recovery"_s, text);
+    for (const Recovery& recovery : recoveries) {
+        if (recovery.outcome == u"failed")
+            return unfit(u"The interrupted operation on '"_s + recovery.operation.label +
+                         u"' could not be finished. "_s + recovery.texts.value(0));
+    }
     return Result::success();
 }
 

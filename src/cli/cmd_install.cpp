@@ -55,13 +55,18 @@ int runInstall(World& world, const Arguments& arguments)
     tellInstallation(world, installer, reached);
     if (!reached)
         return world.fail(installer.failure());
-    world.out().endObject();
     if (installer.wasCancelled())
-        return Declined;
-    const Results& results = installer.results();
-    const bool whole = results.count(resultgroup::notInstalled) == 0 &&
-                       results.count(resultgroup::failedSpecialActions) == 0;
-    return whole ? Done : Partly;
+        return world.fail(Result::failure(
+            u"The installation of '"_s + installer.record().name + u"' was ended early; "_s +
+                QString::number(installer.results().count(resultgroup::installed)) +
+                u" files are installed and can be removed."_s,
+            ErrorKind::Declined));
+    if (installer.failedFiles() > 0)
+        return world.fail(Result::failure(QString::number(installer.failedFiles()) +
+                                          u" files of '"_s + installer.record().name +
+                                          u"' could not be installed. "_s + installer.cause()));
+    world.out().endObject();
+    return installer.results().count(resultgroup::failedSpecialActions) == 0 ? Done : Partly;
 }
 
 } // namespace

@@ -202,6 +202,15 @@ Result CAddonInstaller::SourceFiles_Delete()
                       u" was NOT deleted because not everything in it was installed."_s);
         return Result::success();
     }
+    // A folder that was unpacked in its very place is the add-on now.
+    for (const File& file : m_files) {
+        if (winpath::isBelow(targetOf(*file.item), source)) {
+            m_results.add(resultgroup::specialActions,
+                          source,
+                          u" was not deleted because the addon was installed there."_s);
+            return Result::success();
+        }
+    }
     if (options.confirmSourceHandling &&
         services.prompts.ask(confirmDeleteOfSource(source, folder)) != Button::Yes)
         return Result::success();

@@ -73,6 +73,11 @@ public:
     /// The user ended the installation at a question; files before it are installed.
     [[nodiscard]] bool wasCancelled() const { return m_cancelled; }
 
+    /// Files that could not be installed although they were to be, and why the first one was not.
+    [[nodiscard]] qsizetype failedFiles() const { return m_failedFiles; }
+
+    [[nodiscard]] const QString& cause() const { return m_cause; }
+
     /// The one movie that was installed, when the user wants to see it; the front end plays it.
     [[nodiscard]] const QString& movieToPlay() const { return m_movieToPlay; }
 
@@ -133,7 +138,7 @@ private:
 
     // Parts of SceneryLibrary_Update and Changes_Apply.
     Result addAreas(class CSceneryCfgMgr& library);
-    Result record();
+    Result recordAddon();
     Result recordFiles();
     Result recordAreas(const QList<DetailRecord>& details);
     void applyFailures(const QList<StepFailure>& failures);
@@ -152,6 +157,9 @@ private:
     std::unique_ptr<FileTransaction> m_actions;
     InstallLog m_log;
     Results m_results;
+    Results m_libraryResults; ///< told once the library is in its place
+    QString m_cause;          ///< why the first file that failed did so
+    qsizetype m_failedFiles = 0;
     Result m_failure;
     AddonRecord m_record;
     std::vector<File> m_files;

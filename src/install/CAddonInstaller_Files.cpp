@@ -300,6 +300,8 @@ Result CAddonInstaller::InstallFileFrontEnd(File& file)
     Result installed = InstallFile(file);
     if (!installed) {
         m_log.line(QString(u"   "_s + installed.text));
+        if (m_cause.isEmpty())
+            m_cause = installed.text;
         m_context.errors.report(u"Private Function InstallFile"_s, installed.text);
     }
     m_log.fileEnd();
@@ -314,9 +316,18 @@ Result CAddonInstaller::InstallFile(File& file)
         m_log.line(u"   Destination file does not exist. Install this one straightaway.");
     else
         m_log.raw(file.decisions);
+    if (file.code == InstallCode::Error)
+        return Result::failure(u"'"_s + target +
+                               u"' could not be written: a folder of that name lies there."_s);
     if (file.code != InstallCode::Installed)
         return Result::success();
 
+    bool sourceFailed = false;
+    const ResultOf<Content> content = contentOf(file, sourceFailed);
+    if (!content) {
+        file.code = InstallCode::NotExtracted;
+        return content.error();
+    }
     if (file.exists) {
         if (Result kept = keepOriginal(file, target); !kept) {
             file.code = InstallCode::Error;
@@ -324,12 +335,6 @@ Result CAddonInstaller::InstallFile(File& file)
         }
     }
     m_log.line(u"   Copy source file to destination.");
-    bool sourceFailed = false;
-    const ResultOf<Content> content = contentOf(file, sourceFailed);
-    if (!content) {
-        file.code = InstallCode::NotExtracted;
-        return content.error();
-    }
     if (!file.exists && !m_actions->info(item.sFolder_Installation))
         m_log.line(QString(u"      Creating destination folder "_s + item.sFolder_Installation));
     const ResultOf<Fingerprint> placed = m_actions->placeOver(target, *content, file.before);

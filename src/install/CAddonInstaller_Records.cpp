@@ -74,23 +74,23 @@ Result CAddonInstaller::SceneryLibrary_Update()
                            m_context.global.simulatorFolder);
     if (Result loaded = library.SceneryCfg_Load(); !loaded)
         return failed(loaded);
+    (void)addAreas(library); // each area's failure is told by itself
+    if (m_areas.isEmpty())
+        return Result::success();
     ResultOf<ConfigBaseRecord> base =
         configbases::beforeEdit(m_database, services.gate, *m_actions, m_context.global, file);
     if (!base)
         return failed(base.error());
-    (void)addAreas(library); // each area's failure is told by itself
-    if (m_areas.isEmpty())
-        return Result::success();
     if (Result saved = library.SceneryCfg_Save(); !saved)
         return failed(saved);
     if (Result noted = configbases::afterEdit(*m_actions, file, *base); !noted)
         return failed(noted);
     m_configBases.push_back(*base);
     for (const AddedArea& area : std::as_const(m_areas))
-        m_results.add(resultgroup::specialActions,
-                      u"A new scenery library area was added to cover scenery in '"_s +
-                          area.wanted.folder + u'\'');
-    m_results.add(resultgroup::specialActions, u"Scenery library was updated."_s);
+        m_libraryResults.add(resultgroup::specialActions,
+                             u"A new scenery library area was added to cover scenery in '"_s +
+                                 area.wanted.folder + u'\'');
+    m_libraryResults.add(resultgroup::specialActions, u"Scenery library was updated."_s);
     return Result::success();
 }
 
@@ -135,17 +135,22 @@ Result CAddonInstaller::Changes_Apply()
                    : Result::failure(
                          u"Nothing was installed: none of the files could be, or was to be, installed."_s);
     }
-    const InstallationClosing closing{m_record.key};
+    InstallationClosing closing{m_record.key, {}};
+    if (!m_configBases.isEmpty())
+        closing.library = m_configBases.first().file;
     const ResultOf<QList<StepFailure>> applied =
-        m_actions->apply(packClosing(closing), [this] { return record(); });
+        m_actions->apply(packClosing(closing), [this] { return recordAddon(); });
     if (!applied)
         return applied.error();
     applyFailures(*applied);
     tellFiles();
+    m_results.append(std::move(m_libraryResults));
+    if (!m_actions->closingFailure().isEmpty())
+        m_results.add(resultgroup::failedSpecialActions, m_actions->closingFailure());
     return Result::success();
 }
 
-Result CAddonInstaller::record()
+Result CAddonInstaller::recordAddon()
 {
     if (!createAddon(m_database, m_record))
         return Result::failure(u"Could not create a master record for the addon."_s);
@@ -233,9 +238,13 @@ void CAddonInstaller::applyFailures(const QList<StepFailure>& failures)
                 winpath::isBelow(targetOf(*file.item), failure.path))
                 file.code = InstallCode::Error;
         }
-        if (winpath::same(failure.path, m_context.global.sceneryCfgFile))
+        if (m_cause.isEmpty())
+            m_cause = u"'"_s + failure.path + u"': "_s + failure.text;
+        if (winpath::same(failure.path, m_context.global.sceneryCfgFile)) {
+            m_libraryResults = Results();
             m_results.add(resultgroup::failedSpecialActions,
                           u"Scenery library was NOT updated due to an error."_s);
+        }
     }
 }
 
@@ -243,6 +252,7 @@ void CAddonInstaller::tellFiles()
 {
     for (const File& file : m_files) {
         const bool installed = file.code == InstallCode::Installed;
+        m_failedFiles += file.code == InstallCode::Error || file.code == InstallCode::NotExtracted;
         m_results.add(installed ? resultgroup::installed : resultgroup::notInstalled,
                       targetOf(*file.item),
                       resultPhrase(file.code));

@@ -72,7 +72,7 @@ ResultOf<Fingerprint> DirectActions::place(const QString& path, const Content& c
                          temporary,
                          content,
                          m_sync == Sync::Each,
-                         exists && S_ISREG(st.st_mode) ? st.st_mode & 07777 : 0644);
+                         exists && S_ISREG(st.st_mode) ? st.st_mode & 0777 : 0644);
     if (!print)
         return Result::failure(u"'"_s + path + u"' could not be written. "_s + print.text,
                                print.kind);

@@ -145,7 +145,7 @@ ResultOf<FileTransaction::Folder> FileTransaction::folderFor(const QString& fold
     QString existing = folder;
     while (!existing.isEmpty() && !m_gate.files().isFolder(existing) &&
            !m_folders.contains(NoCase{existing})) {
-        if (m_gate.files().exists(existing))
+        if (m_gate.files().exists(existing) || m_pending.contains(NoCase{existing}))
             return refused(folder, "made", ENOTDIR);
         firstMissing = existing;
         existing = withoutTrailing(winpath::parent(existing));
@@ -267,6 +267,8 @@ FileTransaction::placeOver(const QString& path, const Content& content, const Fi
     const ResultOf<Folder> folder = folderFor(path.first(cut));
     if (!folder)
         return folder.error();
+    if (m_folders.contains(NoCase{path}))
+        return refused(path, "written", EISDIR);
     if (const int error = m_gate.fault("stage", folder->host))
         return refused(path, "written", error);
 
@@ -286,7 +288,7 @@ FileTransaction::placeOver(const QString& path, const Content& content, const Fi
             if (const auto now = m_gate.files().info(path)) {
                 name = now->name;
                 if (fstatat(folder->fd->get(), name.toUtf8().constData(), &st, 0) == 0)
-                    mode = st.st_mode & 07777;
+                    mode = st.st_mode & 0777;
             }
         }
         if (step < 0) {
@@ -327,6 +329,25 @@ FileTransaction::placeOver(const QString& path, const Content& content, const Fi
 Result FileTransaction::keep(const QString& from, const QString& to)
 {
     const QString folder = withoutTrailing(winpath::parent(to));
+    const QString name = winpath::name(to);
+    auto known = m_folders.constFind(NoCase{folder});
+    if (known == m_folders.cend()) {
+        if (Result made = openKeptFolder(from, to, folder); !made)
+            return made;
+        known = m_folders.constFind(NoCase{folder});
+    }
+    if (Result checked = winpath::checkComponent(name); !checked)
+        return checked;
+    const QByteArray target = known->host + '/' + name.toUtf8();
+    if (const int error = m_gate.fault("keep", target))
+        return refused(from, "kept", error);
+    m_stagedAny = true;
+    return hostfile::linkOrCopy(m_gate.files().hostPath(from), target);
+}
+
+Result
+FileTransaction::openKeptFolder(const QString& from, const QString& to, const QString& folder)
+{
     const bool announced =
         std::any_of(m_keptFolders.cbegin(), m_keptFolders.cend(), [&](const QString& kept) {
             return winpath::isBelow(to, kept);
@@ -337,21 +358,19 @@ Result FileTransaction::keep(const QString& from, const QString& to)
     const ResultOf<QByteArray> target = m_gate.hostPath(to);
     if (!target)
         return target.error();
-    if (const int error = m_gate.fault("keep", *target))
-        return refused(from, "kept", error);
-    const QByteArray targetFolder = target->first(target->lastIndexOf('/'));
-    auto known = m_folders.constFind(NoCase{folder});
-    if (known == m_folders.cend()) {
-        if (Result made = hostfile::makeFolders(targetFolder); !made)
-            return made;
-        m_gate.files().noteChanged(folder);
-        Folder entry;
-        entry.host = targetFolder;
-        entry.fd = std::make_shared<hostfile::Descriptor>(hostfile::openFolder(targetFolder));
-        m_folders.insert(NoCase{folder}, entry);
-    }
-    m_stagedAny = true;
-    return hostfile::linkOrCopy(m_gate.files().hostPath(from), *target);
+    Folder entry;
+    entry.host = target->first(target->lastIndexOf('/'));
+    const auto syncAbove = [](const QByteArray& made) {
+        hostfile::syncFolder(made.first(qMax<qsizetype>(made.lastIndexOf('/'), 1)));
+    };
+    if (Result made = hostfile::makeFolders(entry.host, syncAbove); !made)
+        return made;
+    m_gate.files().noteChanged(folder);
+    entry.fd = std::make_shared<hostfile::Descriptor>(hostfile::openFolder(entry.host));
+    if (!entry.fd->valid())
+        return refused(from, "kept", errno);
+    m_folders.insert(NoCase{folder}, entry);
+    return Result::success();
 }
 
 Result FileTransaction::copy(const QString& from, const QString& to)
@@ -458,7 +477,7 @@ Result FileTransaction::move(const QString& from, const QString& to, const Finge
     if (!renames) {
         const ResultOf<Fingerprint> placed =
             placeOver(to, hostfile::contentOf(m_gate.files().hostPath(from)), before);
-        return placed ? removeKnown(from, moved) : placed.error();
+        return placed ? removeOnce(from, to) : placed.error();
     }
     const ResultOf<Place> sourcePlace = m_gate.place(from);
     const ResultOf<Place> target = m_gate.place(to);
@@ -472,6 +491,30 @@ Result FileTransaction::move(const QString& from, const QString& to, const Finge
     step.source = *sourcePlace;
     step.before = before;
     step.after = moved;
+    m_steps.push_back(step);
+    return Result::success();
+}
+
+Result FileTransaction::removeOnce(const QString& path, const QString& target)
+{
+    const auto staged = m_pending.constFind(NoCase{target});
+    const auto now = m_gate.files().info(path);
+    if (!now || staged == m_pending.cend() || staged->fate != Fate::Staged)
+        return refused(path, "deleted", ENOENT);
+    const ResultOf<Place> source = m_gate.place(path);
+    const ResultOf<Place> place = m_gate.place(target);
+    if (!source)
+        return source.error();
+    if (!place)
+        return place.error();
+    JournalStep step;
+    step.kind = StepKind::RemoveSource;
+    step.source = *source;
+    step.target = *place;
+    step.before.size = now->size;
+    step.before.modifiedNs = now->modifiedNs;
+    step.after.size = staged->info.size;
+    step.after.modifiedNs = staged->info.modifiedNs;
     m_steps.push_back(step);
     return Result::success();
 }
@@ -548,9 +591,8 @@ ResultOf<QList<StepFailure>> FileTransaction::apply(const QByteArray& closing,
     if (const int error = m_gate.fault("commit", "end"))
         return Result::failure(hostfile::errorText(error));
     if (Result ended = m_journal.end(operation, failed); !ended)
-        return Result::failure(
-            u"The files were changed, but their records could not be closed: "_s + ended.text +
-            u" They are closed at the next start."_s);
+        m_closingFailure = u"The files were changed, but their records could not be closed: "_s +
+                           ended.text + u" They are closed at the next start."_s;
     return failures;
 }
 

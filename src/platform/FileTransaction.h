@@ -64,10 +64,18 @@ public:
     /// system, by a staged copy otherwise.
     Result move(const QString& from, const QString& to, const Fingerprint& before);
 
+    /// \a path goes once \a target, which was staged before, is in its place; else it stays.
+    Result removeOnce(const QString& path, const QString& target);
+
     /// Syncs, commits (\a records inside the commit), carries out, ends the journal's operation.
     /// The failures are those of single files; a failed result means that nothing has changed.
     ResultOf<QList<StepFailure>> apply(const QByteArray& closing,
                                        const std::function<Result()>& records);
+
+    /// Set when apply() brought everything about but could not close the records: they are closed
+    /// at the next start.
+    [[nodiscard]] const QString& closingFailure() const { return m_closingFailure; }
+
     /// Takes everything back; also done by the destructor.
     void abandon();
 
@@ -106,6 +114,7 @@ private:
     ResultOf<Folder> folderFor(const QString& folder);
     ResultOf<Folder> stagedFolder(const QString& folder, const QString& firstMissing);
     Result tellStagingFolder(const QString& folder);
+    Result openKeptFolder(const QString& from, const QString& to, const QString& folder);
     ResultOf<Fingerprint> fingerprintNow(const QString& path);
     QString nextStagedName(const char* ending);
     QByteArray hostOf(const QString& path, const Pending& pending) const;
@@ -125,6 +134,7 @@ private:
     QSet<NoCase> m_told;
     QStringList m_keptFolders;
     QStringList m_madeFolders;
+    QString m_closingFailure;
 };
 
 } // namespace vt

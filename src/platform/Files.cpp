@@ -190,7 +190,18 @@ std::optional<FileInfo> Files::info(QStringView path) const
     if (!above.exists)
         return std::nullopt;
     const QStringView name = path.sliced(cut + 1);
-    if (stat(joinHost(above.host, name.toUtf8()).constData(), &st) == 0)
+    const QByteArray exact = name.toUtf8();
+    // A listing that holds already saves the look at a spelling that is not there.
+    if (const auto held = m_listings.constFind(above.host);
+        held != m_listings.cend() && held->epoch == m_epoch) {
+        const auto spellings = held->names.constFind(NoCase{name.toString()});
+        if (spellings != held->names.cend() && !spellings->contains(exact)) {
+            const QByteArray& own = spellings->first();
+            if (stat(joinHost(above.host, own).constData(), &st) == 0)
+                return infoOf(st, QString::fromUtf8(own));
+        }
+    }
+    if (stat(joinHost(above.host, exact).constData(), &st) == 0)
         return infoOf(st, name.toString());
     const QByteArray own = spellingIn(above.host, name);
     if (own.isEmpty() || stat(joinHost(above.host, own).constData(), &st) != 0)

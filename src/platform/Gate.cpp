@@ -62,10 +62,14 @@ QString Gate::rootFolder(RootId id) const
 
 const Gate::Root* Gate::covering(QStringView path) const
 {
+    // What is named for one call never stands before a root that lasts: its places are not stored.
+    const auto lasts = [](const Root& root) { return root.id != RootId::Chosen; };
     const Root* best = nullptr;
     for (const Root& root : m_roots) {
-        if (winpath::isBelow(path, root.folder) &&
-            (!best || root.folder.size() > best->folder.size()))
+        if (!winpath::isBelow(path, root.folder))
+            continue;
+        if (!best || (lasts(root) && !lasts(*best)) ||
+            (lasts(root) == lasts(*best) && root.folder.size() > best->folder.size()))
             best = &root;
     }
     return best;

@@ -306,13 +306,14 @@ Result copyFile(const QByteArray& from, const QByteArray& to, bool sync)
     if (!folder.valid())
         return failed("copied", from, errno);
     const ResultOf<Fingerprint> copied =
-        create(folder.get(), to.sliced(cut + 1), contentOf(from), sync, st.st_mode & 07777);
+        create(folder.get(), to.sliced(cut + 1), contentOf(from), sync, st.st_mode & 0777);
     return copied ? Result::success() : copied.error();
 }
 
 Result linkOrCopy(const QByteArray& from, const QByteArray& to)
 {
-    if (link(from.constData(), to.constData()) == 0)
+    // The file behind a link is kept, not the link: that would lead nowhere from its new place.
+    if (linkat(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), AT_SYMLINK_FOLLOW) == 0)
         return Result::success();
     if (errno == EEXIST || errno == ENOENT || errno == ENOSPC || errno == EROFS)
         return failed("kept", from, errno);

@@ -14,6 +14,11 @@ namespace {
 
 constexpr quint8 stepFormat = 1;
 
+bool hasSource(StepKind kind)
+{
+    return kind == StepKind::Move || kind == StepKind::RemoveSource;
+}
+
 void writePlace(QDataStream& out, const Place& place)
 {
     out << quint8(place.root) << place.relative.toUtf8();
@@ -123,7 +128,7 @@ QByteArray packSteps(const QList<JournalStep>& steps, qsizetype from, qsizetype 
         const JournalStep& step = steps[i];
         out << quint8(step.kind);
         writePlace(out, step.target);
-        if (step.kind == StepKind::Move)
+        if (hasSource(step.kind))
             writePlace(out, step.source);
         out << step.stagedName.toUtf8();
         writePrint(out, step.before);
@@ -148,13 +153,13 @@ bool unpackSteps(const QByteArray& bytes, QList<JournalStep>& steps)
         in >> kind;
         step.kind = StepKind(kind);
         step.target = readPlace(in);
-        if (step.kind == StepKind::Move)
+        if (hasSource(step.kind))
             step.source = readPlace(in);
         in >> staged;
         step.stagedName = QString::fromUtf8(staged);
         step.before = readPrint(in);
         step.after = readPrint(in);
-        if (kind < quint8(StepKind::StagingFolder) || kind > quint8(StepKind::RemoveFolder))
+        if (kind < quint8(StepKind::StagingFolder) || kind > quint8(StepKind::RemoveSource))
             return false;
         steps.push_back(step);
     }

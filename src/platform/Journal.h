@@ -41,6 +41,7 @@ enum class StepKind : quint8
     Move = 5,        ///< source becomes target, both on one file system
     RemoveFile = 6,
     RemoveFolder = 7, ///< only when it is empty
+    RemoveSource = 8, ///< source goes, once the target is what it became
 };
 
 /// One step. Paths are (root, relative); no host path is ever stored.
@@ -48,7 +49,7 @@ struct JournalStep
 {
     StepKind kind = StepKind::StagingFolder;
     Place target;
-    Place source;       ///< Move
+    Place source;       ///< Move, RemoveSource
     QString stagedName; ///< PlaceFile, PlaceFolder
     Fingerprint before; ///< what the target must be now; size -1: nothing; xxh3 may be empty
     Fingerprint after;  ///< PlaceFile, Move: what it becomes

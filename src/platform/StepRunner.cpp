@@ -29,7 +29,7 @@ std::optional<struct stat> entryAt(int folder, const QByteArray& name)
     struct stat st
     {};
 
-    if (fstatat(folder, name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0)
+    if (fstatat(folder, name.constData(), &st, 0) != 0)
         return std::nullopt;
     return st;
 }
@@ -163,7 +163,10 @@ Result StepRunner::carryOut(const JournalStep& step)
     case StepKind::RemoveFile:
         return removeFile(step, *target);
     case StepKind::RemoveFolder:
-        return removeFolder(*target);
+        removeFolder(*target);
+        return Result::success();
+    case StepKind::RemoveSource:
+        return removeSource(step, *target);
     case StepKind::StagingFolder:
     case StepKind::KeptFolder:
         break;
@@ -269,12 +272,28 @@ Result StepRunner::removeFile(const JournalStep& step, const Target& target)
     return Result::success();
 }
 
-Result StepRunner::removeFolder(const Target& target)
+Result StepRunner::removeSource(const JournalStep& step, const Target& target)
 {
-    if (target.folder >= 0 && unlinkat(target.folder, target.name.constData(), AT_REMOVEDIR) != 0 &&
-        errno != ENOENT && errno != ENOTEMPTY && errno != EEXIST)
+    const ResultOf<QByteArray> source = m_gate.hostPath(step.source);
+    if (!source)
+        return source.error();
+    const auto now = entryAt(AT_FDCWD, *source);
+    if (!now)
+        return Result::success();
+    if (!target.is(step.after) || !isTheFile(now, *source, step.before))
+        return Result::failure(
+            u"what was kept for it stays, because the file is not in its place."_s);
+    if (unlink(source->constData()) != 0 && errno != ENOENT)
         return systemFailure(errno);
+    m_changedFolders.insert(folderOf(*source));
     return Result::success();
+}
+
+void StepRunner::removeFolder(const Target& target)
+{
+    // One that stays, for whatever reason, is no failure: it is tried again with the next removal.
+    if (target.folder >= 0 && unlinkat(target.folder, target.name.constData(), AT_REMOVEDIR) == 0)
+        noteChanged(target);
 }
 
 void StepRunner::syncFolders()

@@ -61,7 +61,8 @@ private:
     Result merge(const QByteArray& staged, const QByteArray& target);
     Result move(const JournalStep& step, const Target& target);
     Result removeFile(const JournalStep& step, const Target& target);
-    static Result removeFolder(const Target& target);
+    Result removeSource(const JournalStep& step, const Target& target);
+    void removeFolder(const Target& target);
     void noteChanged(const Target& target);
 
     Gate& m_gate;

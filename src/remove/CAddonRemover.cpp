@@ -190,20 +190,29 @@ Result CAddonRemover::SceneryLibrary_Update()
     const ResultOf<QByteArray> before = m_actions->read(file, libraryLimit);
     if (!before)
         return failed(before.error());
+    const ResultOf<QList<SceneryAreaRecord>> everyArea =
+        modDatabase_Addon::sceneryAreas(m_database);
+    const bool last = everyArea && everyArea->size() == areas->size();
     bool any = false;
     for (const SceneryAreaRecord& area : *areas) {
         bool removed = false;
         const QString phrase = removeArea(library, area, removed);
         any = any || removed;
-        m_results.add(
+        m_libraryResults.add(
             resultgroup::specialActions, u"Scenery library area covering '"_s + area.title, phrase);
     }
     if (!any)
-        return Result::success();
+        return Result::success(); // what was told stands: nothing is to be written
     if (Result saved = library.SceneryCfg_Save(); !saved)
         return failed(saved);
-    const ResultOf<configbases::Undone> undone = configbases::afterRemoval(
-        m_database, services.gate, *m_actions, m_context.global, file, *before);
+    const ResultOf<configbases::Undone> undone =
+        configbases::afterRemoval(m_database,
+                                  services.gate,
+                                  *m_actions,
+                                  m_context.global,
+                                  file,
+                                  *before,
+                                  last && m_closing.areasPassedOn.isEmpty());
     if (!undone)
         return failed(undone.error());
     const ResultOf<Place> place = services.gate.place(file);
@@ -211,14 +220,16 @@ Result CAddonRemover::SceneryLibrary_Update()
         m_closing.configBases.push_back(*undone->record);
     if (undone->forgotten && place)
         m_closing.configBasesGone.push_back(*place);
-    m_results.add(resultgroup::specialActions, u"Scenery library was updated."_s);
+    if (place)
+        m_closing.library = *place;
+    m_libraryResults.add(resultgroup::specialActions, u"Scenery library was updated."_s);
     return Result::success();
 }
 
 QString
 CAddonRemover::removeArea(CSceneryCfgMgr& library, const SceneryAreaRecord& area, bool& removed)
 {
-    if (otherSceneryFilesIn(area.path))
+    if (otherSceneryFilesIn(area))
         return u"' was not removed from the scenery library because there are additional scenery files in that folder."_s;
     const qsizetype index = library.areaForFolder(area.path, area.area);
     if (index < 0)
@@ -228,14 +239,30 @@ CAddonRemover::removeArea(CSceneryCfgMgr& library, const SceneryAreaRecord& area
                    : u"' was not removed from the scenery library."_s;
 }
 
-bool CAddonRemover::otherSceneryFilesIn(const QString& areaFolder)
+bool CAddonRemover::otherSceneryFilesIn(const SceneryAreaRecord& area)
 {
-    const QString folder = winpath::asFolder(areaFolder) + u"Scenery\\"_s;
+    const QString folder = winpath::asFolder(area.path) + u"Scenery\\"_s;
+    bool any = false;
     for (const QString& name : m_context.services.files.names(folder)) {
-        if (endsWithNoCase(name, u".bgl") && m_actions->info(folder + name))
+        if (!endsWithNoCase(name, u".bgl") || !m_actions->info(folder + name))
+            continue;
+        any = true;
+        // The area now belongs to the add-on whose scenery it shows, and goes with that one.
+        const ResultOf<QList<DetailRecord>> owners =
+            modDatabase_Addon::ownersOf(m_database, folder, name);
+        if (!owners)
+            continue;
+        for (const DetailRecord& owner : *owners) {
+            if (owner.masterKey == m_masterKey)
+                continue;
+            SceneryAreaRecord passed = area;
+            passed.masterKey = owner.masterKey;
+            passed.detailKey = owner.key;
+            m_closing.areasPassedOn.push_back(passed);
             return true;
+        }
     }
-    return false;
+    return any;
 }
 
 Result CAddonRemover::AddonMasterTable_Update()
@@ -268,6 +295,10 @@ Result CAddonRemover::Changes_Apply()
     if (!applied)
         return applied.error();
     tellFiles(*applied);
+    if (!m_actions->closingFailure().isEmpty()) {
+        m_anyFailed = true;
+        m_results.add(resultgroup::failedSpecialActions, m_actions->closingFailure());
+    }
     Settings& settings = m_context.settings;
     if (settings.flag(SettingKey::AutoOptimize))
         settings.setNumber(SettingKey::DatabaseHistory,

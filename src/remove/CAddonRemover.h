@@ -95,7 +95,7 @@ private:
 
     Result RemoveFile(File& file);
     void tellRelease(const File& file, const originals::Release& release);
-    bool otherSceneryFilesIn(const QString& areaFolder);
+    bool otherSceneryFilesIn(const SceneryAreaRecord& area);
     QString removeArea(class CSceneryCfgMgr& library, const SceneryAreaRecord& area, bool& removed);
     void cleanKeptFolders();
     [[nodiscard]] QStringList emptiedFolders();
@@ -113,6 +113,7 @@ private:
     originals::Sharers m_sharers;
     AppendFile m_log;
     Results m_results;
+    Results m_libraryResults; ///< told once the library is in its place
     Result m_failure;
     AddonRecord m_record;
     RemovalClosing m_closing;

@@ -49,9 +49,12 @@ QString removalPhrase(RemovalOutcome outcome)
 Result CAddonRemover::RemoveFiles()
 {
     status(u"Processing addon files..."_s);
-    const QString setAsideFolder = m_context.global.backupsFolder +
-                                   winpath::safeName(m_record.name) + u" - "_s +
-                                   QString::number(m_masterKey) + u'\\';
+    const QString setAsideBase = m_context.global.backupsFolder + winpath::safeName(m_record.name) +
+                                 u" - "_s + QString::number(m_masterKey);
+    QString setAsideFolder = setAsideBase + u'\\';
+    // A folder of this removal alone: an earlier one may have set files aside as well.
+    for (int n = 2; m_context.services.files.exists(setAsideFolder); ++n)
+        setAsideFolder = setAsideBase + u' ' + QString::number(n) + u'\\';
     m_release = std::make_unique<originals::ReleaseContext>(
         originals::ReleaseContext{m_context.services.gate,
                                   *m_actions,
@@ -161,7 +164,17 @@ QStringList CAddonRemover::emptiedFolders()
         return {};
     QSet<NoCase> ownPaths;
     QSet<NoCase> candidates;
-    const QString storageName = winpath::safeName(m_record.name);
+    const auto isStorage = [this](const QString& name) {
+        QString own = winpath::safeName(m_record.name);
+        if (own.isEmpty())
+            own = u"Addon"_s;
+        if (equalNoCase(name, own))
+            return true;
+        bool numbered = false; // "<name> 2", where the name was taken
+        if (startsWithNoCase(name, QString(own + u' ')))
+            (void)QStringView(name).sliced(own.size() + 1).toInt(&numbered);
+        return numbered;
+    };
     for (const Place& place : *own) {
         const QString path = m_context.services.gate.path(place) + u'\\';
         ownPaths.insert(NoCase{path});
@@ -169,7 +182,7 @@ QStringList CAddonRemover::emptiedFolders()
         const QString above = winpath::parent(path);
         if ((winpath::same(above, m_context.global.addonsFolder) ||
              winpath::same(above, m_context.global.cabinetFolder)) &&
-            startsWithNoCase(winpath::name(path), storageName))
+            isStorage(winpath::name(path)))
             candidates.insert(NoCase{path});
     }
     QSet<NoCase> seen;
@@ -225,6 +238,7 @@ void CAddonRemover::tellFiles(const QList<StepFailure>& failures)
     QHash<NoCase, QString> failed;
     for (const StepFailure& failure : failures) {
         failed.insert(NoCase{failure.path}, failure.text);
+        m_anyFailed = true;
         m_context.errors.report(u"Private Sub Changes_Apply"_s,
                                 failure.path + u": "_s + failure.text);
     }
@@ -241,10 +255,10 @@ void CAddonRemover::tellFiles(const QList<StepFailure>& failures)
                       path,
                       removalPhrase(file.outcome));
     }
-    if (failed.contains(NoCase{m_context.global.sceneryCfgFile})) {
-        m_anyFailed = true;
+    if (failed.contains(NoCase{m_context.global.sceneryCfgFile}))
         m_results.add(resultgroup::failedSpecialActions, u"Scenery library was NOT updated."_s);
-    }
+    else
+        m_results.append(std::move(m_libraryResults));
 }
 
 } // namespace vt

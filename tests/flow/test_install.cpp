@@ -421,6 +421,107 @@ private Q_SLOTS:
                     .contains(u"because there are additional scenery files in that folder."));
     }
 
+    void sharedArea_goesWithTheLastOfItsAddons_inEveryOrder()
+    {
+        m_world->prompts.defaultsBeyondQueue = true;
+        QStringList packs;
+        for (const char* name : {"one", "two", "three"}) {
+            ZipBuilder zip;
+            zip.add("Bay/scenery/" + QByteArray(name) + ".bgl", name);
+            zip.add("Bay/scenery/same.bgl", name);
+            if (qstrcmp(name, "three") == 0)
+                zip.add("Cove/scenery/a.bgl", name);
+            packs += m_dir->filePath(QLatin1StringView(name) + u".zip"_s);
+            QVERIFY(zip.save(packs.last()));
+        }
+        QList<int> in = {0, 1, 2};
+        do {
+            QList<int> out = {0, 1, 2};
+            do {
+                QMap<int, qint64> keys;
+                for (const int pack : std::as_const(in)) {
+                    const ResultOf<qint64> key = m_world->install(packs[pack]);
+                    QVERIFY2(key.ok(), qPrintable(key.text));
+                    keys[pack] = *key;
+                }
+                for (const int pack : std::as_const(out))
+                    QVERIFY(m_world->remove(keys[pack]));
+                const QStringList wrong = changes();
+                QVERIFY2(wrong.isEmpty(),
+                         qPrintable(u"in %1%2%3 out %4%5%6: "_s.arg(in[0])
+                                        .arg(in[1])
+                                        .arg(in[2])
+                                        .arg(out[0])
+                                        .arg(out[1])
+                                        .arg(out[2]) +
+                                    wrong.value(0)));
+            } while (std::next_permutation(out.begin(), out.end()));
+        } while (std::next_permutation(in.begin(), in.end()));
+    }
+
+    void fileAndFolderOfOneName_leaveNothingUnrecorded()
+    {
+        ZipBuilder zip;
+        zip.add("Effects/a.fx", "file");
+        zip.add("Effects/a.fx/b.fx", "below it");
+        zip.add("Effects/c.fx", "other");
+        const ResultOf<qint64> key = m_world->install(pack(zip));
+        if (key.ok()) {
+            const auto recorded = modDatabase_Addon::detailsOf(*m_world->database, *key);
+            QVERIFY(recorded.ok());
+            QCOMPARE(recorded->size(), m_world->results.count(resultgroup::installed));
+            QVERIFY(m_world->remove(*key));
+        }
+        QCOMPARE(changes(), QStringList());
+    }
+
+    void linkAsTarget_isReplacedAndItsContentComesBack()
+    {
+        const QString effect = existingEffect();
+        const QString host = m_world->hostPath(u"Effects\\"_s + effect);
+        const QByteArray old = bytesAt(u"Effects\\"_s + effect);
+        QVERIFY(QFile::rename(host, m_dir->filePath(u"elsewhere.fx"_s)));
+        QVERIFY(QFile::link(m_dir->filePath(u"elsewhere.fx"_s), host));
+        m_world->prompts.expect(u"already exists"_s, Button::Yes);
+        const ResultOf<qint64> key = m_world->install(effectsPack());
+        QVERIFY(key.ok());
+        QCOMPARE(m_world->results.count(resultgroup::installed), 3);
+        QVERIFY(m_world->remove(*key));
+        QVERIFY(!m_world->anyFailed);
+        QCOMPARE(bytesAt(u"Effects\\"_s + effect), old);
+    }
+
+    void secondRemoval_doesNotTouchWhatTheFirstSetAside()
+    {
+        m_world->prompts.expect(u"already exists"_s, Button::Yes);
+        const ResultOf<qint64> key = m_world->install(effectsPack());
+        QVERIFY(key.ok());
+        for (const char* name : {"fx_new.fx", "fx_other.fx"})
+            QVERIFY(m_world->actions.replace(
+                m_world->simulatorPath(u"Effects\\"_s + QLatin1StringView(name)), "mine"));
+        const auto failAt = [](const char* wanted, const char* ending) {
+            return [wanted, ending](const char* action, const QByteArray& host) {
+                return qstrcmp(action, wanted) == 0 && host.endsWith(ending) ? EACCES : 0;
+            };
+        };
+        m_world->gate.faultHook = failAt("carry out", "fx_other.fx");
+        QVERIFY(m_world->remove(*key));
+        QVERIFY(m_world->anyFailed);
+        m_world->gate.faultHook = failAt("commit", "apply");
+        QVERIFY(!m_world->remove(*key)); // taken back
+        m_world->gate.faultHook = {};
+        m_world->files.newOperation();
+        QVERIFY(m_world->files.filesBelow(m_world->global.backupsFolder)
+                    .join(u'\n')
+                    .contains(u"fx_new.fx"));
+        QVERIFY(m_world->remove(*key));
+        QCOMPARE(changes(), QStringList());
+        QCOMPARE(m_world->files.filesBelow(m_world->global.backupsFolder)
+                     .filter(u"fx_other.fx"_s)
+                     .isEmpty(),
+                 false);
+    }
+
     void source_isArchivedOrDeleted()
     {
         const QString drawer = m_dir->filePath(u"drawer"_s);

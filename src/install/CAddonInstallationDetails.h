@@ -107,6 +107,9 @@ public:
     /// Free bytes on the target drive; -1 when it cannot be told.
     [[nodiscard]] qint64 bytesFree() const;
 
+    /// One sentence when the add-on does not fit on the disk; else empty.
+    [[nodiscard]] QString spaceProblem() const;
+
     /// Whether the add-on holds files of that kind; categories that no file type sets come from it.
     [[nodiscard]] bool holds(MappedGroup family) const { return !groups(family).empty(); }
 

@@ -54,6 +54,16 @@ qint64 CAddonInstallationDetails::bytesFree() const
     return space.Compute();
 }
 
+QString CAddonInstallationDetails::spaceProblem() const
+{
+    const qint64 needed = bytesNeeded();
+    const qint64 available = bytesFree();
+    if (available < 0 || needed <= available)
+        return {};
+    return u"'"_s + m_addon->sGroupName + u"' needs "_s + sizeText(needed) + u", but only "_s +
+           sizeText(available) + u" are free on the disk. Make room and try again."_s;
+}
+
 QString CAddonInstallationDetails::lonePartFolder(MappedGroup family) const
 {
     Settings& settings = m_context.settings;

@@ -80,13 +80,8 @@ bool CAddonInstallationDetails::usableFolder(const QString& folder) const
 {
     if (folder.isEmpty() || !winpath::isAbsolute(folder))
         return false;
-    for (const TargetChoice& choice : m_options.targets) {
-        if (winpath::isBelow(folder, choice.folder))
-            return true;
-    }
-    if (!m_options.aircraftFolder.isEmpty() && winpath::isBelow(folder, m_options.aircraftFolder))
-        return true;
-    return m_context.services.gate.place(folder).ok();
+    const ResultOf<Place> place = m_context.services.gate.place(folder);
+    return place && place->root != RootId::Chosen; // that one is gone with this call
 }
 
 Result CAddonInstallationDetails::validateFolders(MappedGroup family) const
@@ -241,6 +236,13 @@ QList<PlanProblem> CAddonInstallationDetails::problems() const
                         u"Scenery library title is not specified. "_s + libraryProblem(group.name),
                         true});
     }
+    if (cabinet)
+        out.append(
+            {0,
+             u"The add-on cannot be put into the File Cabinet yet; install it to the simulator."_s,
+             true});
+    if (const QString space = spaceProblem(); !space.isEmpty())
+        out.append({0, space, true});
     if (!AddonItemGroup_IsAnythingMarkedForInstall())
         out.append(
             {0, u"Nothing to install. All addon files are marked 'Do Not Install'."_s, true});

@@ -4,7 +4,6 @@
 
 #include "addondb/AddonDatabase.h"
 #include "addondb/JournalTable.h"
-#include "platform/DiskSpace.h"
 #include "platform/TempFolder.h"
 #include "platform/WinPath.h"
 #include "shell/RunStep.h"
@@ -100,18 +99,10 @@ Result CAddonInstaller::Install_Preliminaries()
     m_log.open(m_context.services.gate, m_context.global.programFolder + u"INSTALL.LOG"_s);
     m_log.line(u"Installing addon ...begin.");
     status(u"Installing addon..."_s);
-    if (m_details.options().to == InstallTo::Cabinet)
-        return Result::failure(
-            u"The add-on cannot be put into the File Cabinet yet; install it to the simulator."_s);
+    if (const QString space = m_details.spaceProblem(); !space.isEmpty())
+        return Result::failure(space, ErrorKind::Surroundings);
     if (Result ready = m_details.installable(); !ready)
         return ready;
-    const qint64 needed = m_details.bytesNeeded();
-    const qint64 available = m_details.bytesFree();
-    if (available >= 0 && needed > available)
-        return Result::failure(u"'"_s + m_details.addon().sGroupName + u"' needs "_s +
-                                   sizeText(needed) + u", but only "_s + sizeText(available) +
-                                   u" are free on the simulator's disk. Make room and try again."_s,
-                               ErrorKind::Surroundings);
     return Result::success();
 }
 

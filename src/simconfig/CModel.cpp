@@ -21,7 +21,8 @@ bool CModel::Load(const QString& configurationFile)
     const profile::ProfileFile file =
         modRoutines_INI::profileOf(m_access.actions, m_access.ansi, configurationFile);
     const auto value = [&file](const QString& section, const QString& key) {
-        return modRoutines_INI::INI_Profile_GetValue(file, section, key, {}, modelValueBuffer).value;
+        return modRoutines_INI::INI_Profile_GetValue(file, section, key, {}, modelValueBuffer)
+            .value;
     };
     sModelEntry_Normal = value(u"models"_s, u"normal"_s);
     sModelEntry_Crash = value(u"models"_s, u"crash"_s);

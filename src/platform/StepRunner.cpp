@@ -335,6 +335,8 @@ QStringList StepRunner::undo(const QList<JournalStep>& steps)
         const Result removed = step.kind == StepKind::KeptFolder
                                    ? hostfile::removeTree(*host)
                                    : removeStaged(*host, stagedPrefix(m_operation));
+        // Gone for good before the journal forgets it.
+        hostfile::syncFolder(step.kind == StepKind::KeptFolder ? folderOf(*host) : *host);
         if (!removed)
             texts.push_back(u"What was left in '"_s + m_gate.path(step.target) +
                             u"' could not be deleted: "_s + removed.text);

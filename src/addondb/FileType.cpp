@@ -296,6 +296,22 @@ TypeGroup typeGroupOf(FileType type)
     return type == FileType::Unknown ? TypeGroup::Single : typeRows[size_t(type) - 1].group;
 }
 
+bool isSimulatorConfiguration(FileType type)
+{
+    switch (type) {
+    case FileType::AircraftConfiguration:
+    case FileType::ModelConfiguration:
+    case FileType::PanelConfiguration:
+    case FileType::SoundConfiguration:
+    case FileType::SoundAIConfiguration:
+    case FileType::TextureConfiguration:
+    case FileType::SimConfiguration:
+        return true;
+    default:
+        return false;
+    }
+}
+
 bool isSimulatorModule(QStringView name)
 {
     static constexpr QStringView modules[] = {

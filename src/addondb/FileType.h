@@ -102,6 +102,10 @@ enum class TypeGroup : quint8
 [[nodiscard]] const QStringList& familyNames(Families families);
 [[nodiscard]] TypeGroup typeGroupOf(FileType type);
 
+/// Whether files of this type are configuration files that the simulator reads (34 to 37, 39 to
+/// 41).
+[[nodiscard]] bool isSimulatorConfiguration(FileType type);
+
 /// Whether the name is one of the fixed list of simulator modules, without regard to case.
 [[nodiscard]] bool isSimulatorModule(QStringView name);
 /// Whether the name is a picture browser's cache ("thumbs.db", "pspbrwse.jbf").

@@ -1,11 +1,11 @@
 // What an installation does with single files: decide and ask, keep what is replaced, stage.
 #include "addondb/Originals.h"
 #include "install/CAddonInstaller.h"
-#include "install/ConfigNormalizer.h"
 #include "platform/Hash.h"
 #include "platform/WinPath.h"
 #include "shell/ErrorLog.h"
 #include "shell/Settings.h"
+#include "simconfig/engine/ConfigNormalizer.h"
 
 #include <QLocale>
 

@@ -1,6 +1,7 @@
-#include "install/ConfigNormalizer.h"
+#include "simconfig/engine/ConfigNormalizer.h"
 
 #include <QStringDecoder>
+#include <QStringList>
 
 #include <algorithm>
 
@@ -89,22 +90,6 @@ QByteArray withCrLf(const QByteArray& bytes)
 }
 
 } // namespace
-
-bool isSimulatorConfiguration(FileType type)
-{
-    switch (type) {
-    case FileType::AircraftConfiguration:
-    case FileType::ModelConfiguration:
-    case FileType::PanelConfiguration:
-    case FileType::SoundConfiguration:
-    case FileType::SoundAIConfiguration:
-    case FileType::TextureConfiguration:
-    case FileType::SimConfiguration:
-        return true;
-    default:
-        return false;
-    }
-}
 
 ResultOf<NormalizedConfig> normalizeConfig(const QByteArray& bytes, const AnsiCodec& ansi)
 {

@@ -73,6 +73,10 @@ public:
     /// Windows program and is neither a script ("#!") nor a program of this host (ELF).
     [[nodiscard]] bool isWindowsProgram(const QString& program) const;
 
+    /// Whether a program of that file name ("fsx.exe", without regard to case) runs on this host,
+    /// by whomever it was started. One that is known to run in another prefix does not count.
+    [[nodiscard]] bool isRunning(QStringView program) const;
+
 private:
     struct Prepared
     {

@@ -3,6 +3,7 @@
 #include "support/TestMain.h"
 
 #include <QElapsedTimer>
+#include <QProcess>
 
 #include <csignal>
 
@@ -29,6 +30,8 @@ private Q_SLOTS:
     void crashIsTold();
     void longOutputIsCut();
     void detachedOutlives();
+    void running_data();
+    void running();
     void commandLines_data();
     void commandLines();
 
@@ -244,6 +247,58 @@ void TestProcesses::detachedOutlives()
     }
     QVERIFY(waitFor([&] { return QFile::exists(disk.host(u"FSX/result"_s)); }));
     QCOMPARE(disk.read(u"FSX/result"_s), QByteArray("done\n"));
+}
+
+void TestProcesses::running_data()
+{
+    QTest::addColumn<QString>("ending"); ///< behind the name of the program's file
+    QTest::addColumn<QString>("loader"); ///< is started with the file behind it; empty: the file
+    QTest::addColumn<QString>("prefix");
+    QTest::addColumn<bool>("running");
+    QTest::newRow("itself") << u".exe"_s << u""_s << u"own"_s << true;
+    QTest::newRow("prefix by a link") << u".EXE"_s << u""_s << u"link"_s << true;
+    QTest::newRow("another prefix") << u".exe"_s << u""_s << u"other"_s << false;
+    QTest::newRow("no prefix told") << u".exe"_s << u""_s << u""_s << true;
+    QTest::newRow("longer name") << u".exe.old"_s << u""_s << u"own"_s << false;
+    QTest::newRow("by the loader") << u".exe"_s << u"wine64"_s << u"own"_s << true;
+    QTest::newRow("looked at") << u".exe"_s << u"editor"_s << u"own"_s << false;
+}
+
+void TestProcesses::running()
+{
+    QFETCH(QString, ending);
+    QFETCH(QString, loader);
+    QFETCH(QString, prefix);
+    QFETCH(bool, running);
+    Disk disk;
+    QDir(disk.folder.path()).mkpath(u"own"_s);
+    QDir(disk.folder.path()).mkpath(u"other"_s);
+    QVERIFY(QFile::link(disk.host(u"own"_s), disk.host(u"link"_s)));
+    // Other runs of this test on the same host have other names.
+    const QString name = u"sim"_s + QString::number(QCoreApplication::applicationPid());
+    script(disk, u"FSX/"_s + name + ending, "echo\nread end\n");
+    QString program = disk.host(u"FSX/"_s + name + ending);
+    QStringList arguments;
+    if (!loader.isEmpty()) {
+        arguments = {program};
+        program = disk.host(loader);
+        QVERIFY(QFile::copy(QFileInfo(u"/bin/sh"_s).canonicalFilePath(), program));
+    }
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(u"WINEPREFIX"_s);
+    if (!prefix.isEmpty())
+        environment.insert(u"WINEPREFIX"_s, disk.host(prefix));
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments);
+    QVERIFY(process.waitForReadyRead());
+    Processes::Setup by = setup();
+    by.hostPrefix = disk.host(u"own"_s);
+    const Processes processes(disk.files, by);
+    QCOMPARE(processes.isRunning(name.toUpper() + u".Exe"_s), running);
+    process.closeWriteChannel();
+    QVERIFY(process.waitForFinished());
+    QVERIFY(!processes.isRunning(name + u".exe"_s));
 }
 
 void TestProcesses::commandLines_data()

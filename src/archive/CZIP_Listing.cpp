@@ -17,7 +17,7 @@ struct CZIP::Budget
 {
     qint64 sourceBytes = 0;
     qint64 entries = 0;
-    qint64 unpackedBytes = 0;
+    UnpackTally unpacked;
     qint64 memoryBytes = 64LL << 20; ///< for inner archives held in memory
 };
 
@@ -128,26 +128,22 @@ Result CZIP::listArchive(const std::shared_ptr<ByteSource>& source, CZIPFile& fi
         const CZIPFileItem& item =
             file.varZIPItems.emplace_back(itemOf(entry, int(file.varZIPItems.size()) + 1));
         file.lngTotal_SizeCompressed += entry.packed;
-        file.lngTotal_SizeUncompressed +=
-            qMin(entry.size, (qint64(1) << 62) - file.lngTotal_SizeUncompressed);
         file.boolHasImbeddedZIPs = file.boolHasImbeddedZIPs || isInnerArchive(item);
     }
+    file.lngTotal_SizeUncompressed = (*directory)->unpacked().bytes;
     file.lngTotal_Items = qint64(entries.size());
     file.reader = std::make_shared<ZipReader>(*directory, m_scratch);
 
     budget.entries += file.lngTotal_Items;
-    budget.unpackedBytes +=
-        qMin(file.lngTotal_SizeUncompressed, (qint64(1) << 62) - budget.unpackedBytes);
+    budget.unpacked.add((*directory)->unpacked());
     m_count = int(budget.entries);
     if (budget.entries > ziplimits::entries)
         return Result::failure(
             u"The archive '"_s + sZIPFile +
             u"' is refused: with the archives inside it it holds more entries than the limit of 200,000."_s);
-    if (budget.unpackedBytes > ziplimits::ratioFreeBytes &&
-        budget.unpackedBytes / ziplimits::ratio > budget.sourceBytes)
-        return Result::failure(
-            u"The archive '"_s + sZIPFile +
-            u"' is refused: with the archives inside it it would unpack to more than 200 times its size."_s);
+    if (const QString excess = budget.unpacked.excess(budget.sourceBytes); !excess.isEmpty())
+        return Result::failure(u"The archive '"_s + sZIPFile +
+                               u"' is refused: with the archives inside it it "_s + excess);
     return Result::success();
 }
 

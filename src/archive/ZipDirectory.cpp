@@ -58,6 +58,28 @@ EntryKind kindOf(QByteArrayView name, quint16 madeBy, quint32 attributes)
 
 } // namespace
 
+void UnpackTally::add(const ZipEntry& entry)
+{
+    const bool dense = entry.size / ziplimits::ratio > entry.packed;
+    add(UnpackTally{entry.size, dense ? entry.size : 0});
+}
+
+void UnpackTally::add(const UnpackTally& other)
+{
+    constexpr qint64 most = qint64(1) << 62;
+    bytes += qMin(other.bytes, most - bytes);
+    denseBytes += qMin(other.denseBytes, most - denseBytes);
+}
+
+QString UnpackTally::excess(qint64 sourceBytes) const
+{
+    if (bytes > ziplimits::ratioFreeBytes && bytes / ziplimits::ratio > sourceBytes)
+        return u"would unpack to more than 200 times its size."_s;
+    if (denseBytes > ziplimits::denseFreeBytes)
+        return u"holds more than 512 MB that unpack to more than 200 times their packed size."_s;
+    return {};
+}
+
 /// What the end records say, checked against the file's size.
 struct ZipDirectory::EndRecord
 {
@@ -427,12 +449,10 @@ Result ZipDirectory::Parser::checkOverlaps()
 
 Result ZipDirectory::Parser::checkRatio()
 {
-    qint64 total = 0;
     for (const ZipEntry& entry : m_d.m_entries)
-        total += qMin(entry.size, (qint64(1) << 62) - total);
-    if (total > ziplimits::ratioFreeBytes && total / ziplimits::ratio > m_d.m_source->size())
-        return tooMuch(u"it would unpack to more than 200 times its size."_s);
-    return Result::success();
+        m_d.m_unpacked.add(entry);
+    const QString excess = m_d.m_unpacked.excess(m_d.m_source->size());
+    return excess.isEmpty() ? Result::success() : tooMuch(u"it "_s + excess);
 }
 
 } // namespace vt

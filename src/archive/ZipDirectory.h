@@ -19,8 +19,9 @@ namespace ziplimits {
 
 constexpr qint64 entries = 200'000;            ///< in one source, inner archives included
 constexpr qint64 directoryBytes = 128LL << 20; ///< of one archive
-constexpr int ratio = 200;                     ///< unpacked to packed size of a whole source, ...
-constexpr qint64 ratioFreeBytes = 1LL << 30;   ///< ... looked at from this unpacked size on
+constexpr int ratio = 200;                     ///< unpacked to packed size, ...
+constexpr qint64 ratioFreeBytes = 1LL << 30;   ///< ... looked at from this size of all entries on
+constexpr qint64 denseFreeBytes = 1LL << 29;   ///< unpacked, of entries that alone are over ratio
 constexpr int nesting = 8;                     ///< archives inside archives
 constexpr qint64 wholeEntryBytes = 32LL << 20; ///< up to here entries are read whole
 
@@ -45,6 +46,19 @@ struct ZipEntry
     [[nodiscard]] bool encrypted() const { return (flags & 0x2001) != 0; }
 };
 
+/// What entries would unpack to. One rule for an archive alone and for one with those inside it.
+struct UnpackTally
+{
+    qint64 bytes = 0;
+    qint64 denseBytes = 0; ///< of entries whose own ratio is over the limit, whatever pads them
+
+    void add(const ZipEntry& entry);
+    void add(const UnpackTally& other);
+    /// Why a source of that size that unpacks to all this is refused ("would unpack to more than
+    /// ..."); empty when it is not.
+    [[nodiscard]] QString excess(qint64 sourceBytes) const;
+};
+
 class ZipDirectory
 {
 public:
@@ -63,6 +77,8 @@ public:
         return QByteArrayView(m_bytes).sliced(entry.nameAt, entry.nameBytes);
     }
 
+    [[nodiscard]] const UnpackTally& unpacked() const { return m_unpacked; }
+
     /// Where the entries' data must end.
     [[nodiscard]] qint64 dataEnd() const { return m_directoryOffset; }
 
@@ -78,6 +94,7 @@ private:
     std::vector<ZipEntry> m_entries;
     qint64 m_directoryOffset = 0;
     qint64 m_prefix = 0;
+    UnpackTally m_unpacked;
 };
 
 } // namespace vt

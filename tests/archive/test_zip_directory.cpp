@@ -317,6 +317,14 @@ void TestZipDirectory::refused_data()
                  {.size = 100'000'000, .packed = 100'000, .raw = QByteArray(100'000, 'b')});
     QTest::newRow("ratio") << bomb.build() << int(ZIP_ER_INCONS) << true
                            << u"more than 200 times its size"_s;
+    ZipBuilder padded;
+    padded.add("pad", QByteArray(3'000'000, 'p'), {.level = 0});
+    for (int i = 0; i < 9; ++i)
+        padded.add(QByteArray::number(i),
+                   {},
+                   {.size = 100'000'000, .packed = 100'000, .raw = QByteArray(100'000, 'b')});
+    QTest::newRow("ratio of padded entries") << padded.build() << int(ZIP_ER_INCONS) << true
+                                             << u"more than 200 times their packed size"_s;
 }
 
 void TestZipDirectory::refused()

@@ -11,7 +11,7 @@ namespace vt {
 
 namespace {
 
-CAddon_Item::FileDetails detailsOf(const CAddon_ItemGroup& group, qint32 key)
+CAddon_Item::FileDetails fileDetailsOf(const CAddon_ItemGroup& group, qint32 key)
 {
     const CAddon_Item* item = key > 0 ? group.GetCAddon_ItemGivenKey(key) : nullptr;
     return item ? CAddon_Item::FileDetails{item->sName, item->sFolder_Current}
@@ -60,13 +60,13 @@ void CAddon_Item::Item_TallyTypes(TypeTally& tally) const
 CAddon_Item::FileDetails
 CAddon_Item::GetAssociatedFileItemDetails(const CAddon_ItemGroup& group) const
 {
-    return detailsOf(group, lngKey_AssociatedItem);
+    return fileDetailsOf(group, lngKey_AssociatedItem);
 }
 
 CAddon_Item::FileDetails
 CAddon_Item::GetAssociatedZipFileItemDetails(const CAddon_ItemGroup& group) const
 {
-    return detailsOf(group, lngKey_AssociatedZip);
+    return fileDetailsOf(group, lngKey_AssociatedZip);
 }
 
 ResultOf<QString>

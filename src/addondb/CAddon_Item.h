@@ -53,8 +53,11 @@ public:
     bool boolScenery_Activate = true;
     /// Whether a file stands at the installation place now; filled by the plan.
     bool boolTargetExists = false;
-    /// Shown by listings of the source as encrypted: it cannot be extracted.
-    bool boolEncrypted = false;
+    /// Whether a folder stands there instead; filled with boolTargetExists.
+    bool boolTargetIsFolder = false;
+    /// Off for an entry that its archive's listing shows to be encrypted, or packed in a way that
+    /// nobody here can unpack.
+    bool boolExtractable = true;
     qint16 intScenery_Area = 0;
 
     QString sName;           ///< as found in the source

@@ -206,7 +206,14 @@ Result closeRemoval(Connection& database,
             return areas.error();
         for (const SceneryAreaRecord& area : *areas) {
             const bool goes = closing.whole || closing.detailKeys.contains(area.detailKey);
-            if (!goes || libraryFailed || closing.sceneryAreasKept.contains(area.detailKey))
+            const bool passedOn = std::any_of(closing.areasPassedOn.cbegin(),
+                                              closing.areasPassedOn.cend(),
+                                              [&area](const SceneryAreaRecord& passed) {
+                                                  return passed.area == area.area &&
+                                                         winpath::same(passed.path, area.path);
+                                              });
+            if (!goes || (libraryFailed && !passedOn) ||
+                closing.sceneryAreasKept.contains(area.detailKey))
                 continue;
             if (Result gone = deleteSceneryArea(database, area); !gone)
                 return gone;

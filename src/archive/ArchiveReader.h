@@ -11,6 +11,10 @@ class ArchiveReader
 public:
     virtual ~ArchiveReader() = default;
 
+    /// Whether the entry can be read as far as its header tells; a failure names archive, entry and
+    /// cause (encrypted, a method that is not known, a link). Reads nothing.
+    [[nodiscard]] virtual Result readable(int key) const = 0;
+
     /// Hands the entry's bytes to \a sink in order: up to 32 MiB in one piece after the check sum
     /// was compared, larger ones in pieces. Success means that exactly the declared number of bytes
     /// came with the right check sum; a failure names archive, entry and cause. A sink that refuses

@@ -84,6 +84,13 @@ qint64 CZIP::modifiedNs(const CZIPFileItem& item)
     return ms < 0 ? -1 : ms * 1'000'000;
 }
 
+Result CZIP::entryReadable(const EntryRef& ref) const
+{
+    if (!entry(ref))
+        return Result::failure(u"The archive '"_s + sZIPFile + u"' has no such entry."_s);
+    return colZIPContents[size_t(ref.archive)].reader->readable(ref.key);
+}
+
 ResultOf<Content> CZIP::entryContent(const EntryRef& ref)
 {
     const CZIPFileItem* item = entry(ref);

@@ -68,6 +68,9 @@ public:
     /// The entry's bytes for FileActions::place(): size, time and a checked transfer. Valid as long
     /// as this object and its listing. A transfer that fails says so with archive, entry, cause.
     [[nodiscard]] ResultOf<Content> entryContent(const EntryRef& ref);
+    /// Whether the entry can be extracted as far as its header tells; the text names archive, entry
+    /// and cause.
+    [[nodiscard]] Result entryReadable(const EntryRef& ref) const;
     /// The entry's bytes in memory; refused when larger than \a limit.
     [[nodiscard]] ResultOf<QByteArray> entryBytes(const EntryRef& ref, qint64 limit);
     /// Null when there is no such entry.
@@ -101,7 +104,6 @@ private:
     ResultOf<std::shared_ptr<ByteSource>>
     unpackInner(const EntryRef& ref, CZIPFile& inner, Budget& budget, bool& damaged);
     Result test();
-    Result testEntries(const CZIPFile& file);
 
     // CZIP_Extract.cpp
     Result extract();

@@ -39,6 +39,8 @@ QString methodName(int method)
         return u"XZ"_s;
     case 98:
         return u"PPMd"_s;
+    case 99:
+        return u"AES (encrypted)"_s;
     default:
         return u"number "_s + QString::number(method);
     }
@@ -74,11 +76,16 @@ ZipReader::~ZipReader()
         m_scratch->window.source = nullptr;
 }
 
+Result ZipReader::told(const ZipEntry& entry, const QString& why) const
+{
+    return Result::failure(u"The entry '"_s + entry.folder + entry.name + u"' of the archive '"_s +
+                           m_directory->source().name() + u"' "_s + why);
+}
+
 Result ZipReader::failed(const ZipEntry& entry, int code, const QString& why)
 {
     m_code = code;
-    return Result::failure(u"The entry '"_s + entry.folder + entry.name + u"' of the archive '"_s +
-                           m_directory->source().name() + u"' "_s + why);
+    return told(entry, why);
 }
 
 Result ZipReader::wrongCrc(const ZipEntry& entry)
@@ -86,29 +93,46 @@ Result ZipReader::wrongCrc(const ZipEntry& entry)
     return failed(entry, ZIP_ER_CRC, u"is damaged: its check sum (CRC) is wrong."_s);
 }
 
-Result ZipReader::read(int key, const Content::Sink& sink)
+Result ZipReader::check(int key, int& code) const
 {
-    m_code = ZIP_ER_OK;
     const std::vector<ZipEntry>& entries = m_directory->entries();
     if (key < 1 || size_t(key) > entries.size()) {
-        m_code = ZIP_ER_NOENT;
+        code = ZIP_ER_NOENT;
         return Result::failure(u"The archive '"_s + m_directory->source().name() +
                                u"' has no entry number "_s + QString::number(key) + u'.');
     }
     const ZipEntry& entry = entries[size_t(key - 1)];
+    code = ZIP_ER_OPNOTSUPP;
+    if (entry.kind == EntryKind::Link)
+        return told(entry, u"is a link, which is never extracted."_s);
+    if (entry.kind == EntryKind::Device)
+        return told(entry, u"is no file and is never extracted."_s);
+    code = ZIP_ER_ENCRNOTSUPP;
+    if (entry.kind == EntryKind::File && entry.encrypted())
+        return told(entry, u"is encrypted and cannot be extracted."_s);
+    code = ZIP_ER_COMPNOTSUPP;
+    if (entry.kind == EntryKind::File && entry.method != 0 && entry.method != 8 &&
+        !canStreamMethod(entry.method))
+        return told(entry,
+                    u"is packed by the method "_s + methodName(entry.method) +
+                        u", which cannot be unpacked."_s);
+    code = ZIP_ER_OK;
+    return Result::success();
+}
+
+Result ZipReader::readable(int key) const
+{
+    int code = ZIP_ER_OK;
+    return check(key, code);
+}
+
+Result ZipReader::read(int key, const Content::Sink& sink)
+{
+    if (Result checked = check(key, m_code); !checked)
+        return checked;
+    const ZipEntry& entry = m_directory->entries()[size_t(key - 1)];
     if (entry.kind == EntryKind::Folder)
         return Result::success();
-    if (entry.kind == EntryKind::Link)
-        return failed(entry, ZIP_ER_OPNOTSUPP, u"is a link, which is never extracted."_s);
-    if (entry.kind == EntryKind::Device)
-        return failed(entry, ZIP_ER_OPNOTSUPP, u"is no file and is never extracted."_s);
-    if (entry.encrypted())
-        return failed(entry, ZIP_ER_ENCRNOTSUPP, u"is encrypted and cannot be extracted."_s);
-    if (entry.method != 0 && entry.method != 8 && !canStreamMethod(entry.method))
-        return failed(entry,
-                      ZIP_ER_COMPNOTSUPP,
-                      u"is packed by the method "_s + methodName(entry.method) +
-                          u", which cannot be unpacked."_s);
     const bool whole = entry.size <= ziplimits::wholeEntryBytes &&
                        entry.packed <= ziplimits::wholeEntryBytes + roomStep;
     if (whole && (entry.method == 0 || entry.method == 8))

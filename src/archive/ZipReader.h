@@ -44,8 +44,10 @@ public:
     ZipReader(std::shared_ptr<const ZipDirectory> directory, std::shared_ptr<ZipScratch> scratch);
     ~ZipReader() override;
 
-    /// Key k is entry k - 1 of the directory. A folder has no bytes; encrypted entries, links,
-    /// devices and unknown methods are refused.
+    [[nodiscard]] Result readable(int key) const override;
+
+    /// Key k is entry k - 1 of the directory. A folder has no bytes; what is not readable() is
+    /// refused.
     Result read(int key, const Content::Sink& sink) override;
 
     [[nodiscard]] int lastCode() const override { return m_code; }
@@ -53,6 +55,9 @@ public:
     [[nodiscard]] const ZipDirectory& directory() const { return *m_directory; }
 
 private:
+    /// Why the entry cannot be read, by its header alone; success when nothing is known.
+    Result check(int key, int& code) const;
+    [[nodiscard]] Result told(const ZipEntry& entry, const QString& why) const;
     Result failed(const ZipEntry& entry, int code, const QString& why);
     Result wrongCrc(const ZipEntry& entry);
     /// \a bytes from \a offset, valid until the next call.

@@ -85,6 +85,7 @@ ResultOf<InstallOptions> installOptionsOf(World& world, const Arguments& argumen
         const QString typed = arguments.value(u"--archive-source"_s);
         out.archiveSourceFolder = writes ? world.userRoot(typed) : world.userPath(typed);
     }
+    out.updateReadOnlyLibrary = world.options().answer == u"yes";
     out.deleteSource = arguments.has(u"--delete-source"_s);
     return out;
 }

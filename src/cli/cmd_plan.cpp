@@ -48,14 +48,16 @@ void writeItem(JsonStream& out, const CAddon_Item& item, const CAddonInstallatio
     out.field(u"families", familyNames(familiesOf(item.enumAddonFileType)));
     out.field(u"group", mappedGroupName(item.enumMappedGroup));
     out.field(u"size", item.size);
-    out.field(u"install", item.boolProcess && !details.existingIsKept(item));
+    out.field(u"install", details.willBeInstalled(item));
     out.field(u"targetFolder", item.sFolder_Installation);
     out.field(u"targetName", item.sName_Installation);
     out.field(u"exists", item.boolTargetExists);
     out.endObject();
 }
 
-void writeDecisions(JsonStream& out, const CAddonInstallationDetails& details)
+void writeDecisions(JsonStream& out,
+                    const CAddonInstallationDetails& details,
+                    const PlanFacts& facts)
 {
     out.beginArray(u"variants");
     for (const PlannedVariant& variant : details.variants()) {
@@ -69,7 +71,7 @@ void writeDecisions(JsonStream& out, const CAddonInstallationDetails& details)
     }
     out.endArray();
     out.beginArray(u"sceneryAreas");
-    for (const SceneryAreaToAdd& area : details.sceneryAreas()) {
+    for (const SceneryAreaToAdd& area : facts.sceneryAreas()) {
         out.beginObject();
         out.field(u"title", area.title);
         out.field(u"folder", area.folder);
@@ -77,7 +79,7 @@ void writeDecisions(JsonStream& out, const CAddonInstallationDetails& details)
     }
     out.endArray();
     out.beginArray(u"configChanges");
-    for (const ConfigChange& change : details.configChanges()) {
+    for (const ConfigChange& change : facts.configChanges()) {
         out.beginObject();
         out.field(u"file", change.file);
         out.field(u"added", change.lines.added);
@@ -108,9 +110,7 @@ void writeProblems(JsonStream& out,
     out.endArray();
 }
 
-void writePlan(JsonStream& out,
-               const CAddonInstallationDetails& details,
-               const QList<PlanProblem>& problems)
+void writePlan(JsonStream& out, const CAddonInstallationDetails& details, const PlanFacts& facts)
 {
     const CAddon_ItemGroup& addon = details.addon();
     out.beginObject();
@@ -130,8 +130,8 @@ void writePlan(JsonStream& out,
     for (const CAddon_Item& item : addon.colAddonItems())
         writeItem(out, item, details);
     out.endArray();
-    writeDecisions(out, details);
-    writeProblems(out, details, problems);
+    writeDecisions(out, details, facts);
+    writeProblems(out, details, facts.problems);
     out.field(u"eliminatedDuplicates", addon.Array_sarrayEliminatedDuplicateItems_Get());
     out.field(u"bytesNeeded", details.bytesNeeded());
     out.field(u"bytesFree", details.bytesFree());
@@ -141,7 +141,7 @@ void writePlan(JsonStream& out,
 /// "C:\...\Effects\fx_a.fx  (replaces the existing file)" and its like.
 QString targetLine(const CAddon_Item& item, const CAddonInstallationDetails& details)
 {
-    if (!item.boolProcess || details.existingIsKept(item))
+    if (!details.willBeInstalled(item))
         return plantext::doNotInstall();
     if (item.sFolder_Installation.isEmpty())
         return plantext::notSelected();
@@ -149,23 +149,19 @@ QString targetLine(const CAddon_Item& item, const CAddonInstallationDetails& det
            (item.boolTargetExists ? u"  (a file stands there already)"_s : QString());
 }
 
-void sayPlan(World& world,
-             const CAddonInstallationDetails& details,
-             const QList<PlanProblem>& problems)
+void sayPlan(World& world, const CAddonInstallationDetails& details, const PlanFacts& facts)
 {
     const CAddon_ItemGroup& addon = details.addon();
     world.say(u"Add-on: "_s + addon.sGroupName);
     for (const CAddon_Item& item : addon.colAddonItems())
         world.say(u"  "_s + item.sFolder_Current + item.sName + u" -> "_s +
                   targetLine(item, details));
-    for (const SceneryAreaToAdd& area : details.sceneryAreas())
+    for (const SceneryAreaToAdd& area : facts.sceneryAreas())
         world.say(u"New scenery area '"_s + area.title + u"': "_s + area.folder);
     for (const PlannedVariant& variant : details.variants())
         world.say(u"Aircraft variation '"_s + variant.title + u"', texture "_s + variant.texture);
-    for (const PlanProblem& problem : problems) {
-        const CAddon_Item* item = addon.Search(problem.item);
-        world.say(u"Problem: "_s + (item ? item->sName + u": "_s : QString()) + problem.text);
-    }
+    for (const PlanProblem& problem : facts.problems)
+        world.say(u"Problem: "_s + problem.sentence(addon));
 }
 
 int runPlan(World& world, const Arguments& arguments)
@@ -179,11 +175,11 @@ int runPlan(World& world, const Arguments& arguments)
     const QString source = world.userPath(arguments.one(u"SOURCE"_s));
     if (Result prepared = details.prepare(source, *options); !prepared)
         return world.fail(prepared);
-    const QList<PlanProblem> problems = details.problems();
+    const PlanFacts facts = details.facts();
     if (world.options().json)
-        writePlan(world.out(), details, problems);
+        writePlan(world.out(), details, facts);
     else
-        sayPlan(world, details, problems);
+        sayPlan(world, details, facts);
     return Done;
 }
 

@@ -163,7 +163,7 @@ void AddonSource::fillFromArchive(CAddon_ItemGroup& group) const
             item.sName = entry.sFilename;
             item.sFolder_Current = folders.of(entry.sPath);
             item.size = entry.lngSize_Uncompressed;
-            item.boolEncrypted = entry.boolEncrypted;
+            item.boolExtractable = listed.reader->readable(entry.lngKey).ok;
             item.entry = {int(i), entry.lngKey};
             const qint32 key = group.Add(std::move(item)).lngKey;
             if (isArchiveName(entry.sFilename))
@@ -197,6 +197,11 @@ ResultOf<Content> AddonSource::content(const CAddon_Item& item) const
         return Result::failure(u"'"_s + item.sName + u"' is no file of '"_s + m_path + u"'."_s);
     }
     return contentOfFile(m_services.files, filePath(item), m_folderFiles[at]);
+}
+
+Result AddonSource::readable(const CAddon_Item& item) const
+{
+    return m_archive ? m_archive->entryReadable(item.entry) : Result::success();
 }
 
 ResultOf<QByteArray> AddonSource::read(const CAddon_Item& item, qint64 limit) const

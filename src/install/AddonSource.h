@@ -47,6 +47,8 @@ public:
 
     /// The item's bytes for FileActions::place(); valid as long as this object.
     [[nodiscard]] ResultOf<Content> content(const CAddon_Item& item) const;
+    /// Whether the item can be extracted as far as the listing tells; the text says why not.
+    [[nodiscard]] Result readable(const CAddon_Item& item) const;
     /// The item's bytes; refused when larger than \a limit.
     [[nodiscard]] ResultOf<QByteArray> read(const CAddon_Item& item, qint64 limit) const;
     /// Whether two items hold the same bytes, by size and check sum (folders: by content).

@@ -2,6 +2,8 @@
 #include "install/Analysis.h"
 #include "platform/WinPath.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 namespace names = vt::foldernames;
 
@@ -89,12 +91,17 @@ void CAddonInstallationDetails::Analysis::AddonItem_InstallationFolder_Determine
         leaveOut(item);
         return;
     }
-    if (item.boolEncrypted) {
-        d.addRemark(
-            item.lngKey,
-            u"'"_s + item.sFolder_Current + item.sName +
-                u"' is encrypted and cannot be extracted. Unpack the archive with its password and install the folder, or leave the file out."_s,
-            true);
+    if (!item.boolExtractable) {
+        const QString why = d.m_source->readable(item).text;
+        const QStringList& listing = d.m_source->remarks(); // tells inner archives already
+        if (std::none_of(listing.cbegin(), listing.cend(), [&why](const QString& remark) {
+                return remark.contains(why);
+            }))
+            d.addRemark(
+                item.lngKey,
+                why +
+                    u" It will not be installed. Unpack the archive by other means and install the folder instead."_s,
+                false);
     }
     if (claim.container && item.enumAddonFileType == FileType::AircraftConfiguration) {
         leaveOut(item);

@@ -91,7 +91,7 @@ bool CAddonInstallationDetails::Analysis::sectionsIn(int folder, Repaint& repain
         const bool text = item.enumAddonFileType == FileType::Document ||
                           (item.enumAddonFileType == FileType::Texture &&
                            foldernames::isUntypedDocument(item.sName));
-        if (!text || item.size > sectionTextLimit || item.boolEncrypted)
+        if (!text || item.size > sectionTextLimit || !item.boolExtractable)
             continue;
         const auto bytes = d.m_source->read(item, sectionTextLimit);
         if (!bytes || !bytes->contains('['))

@@ -54,6 +54,15 @@ Result CAddonInstallationDetails::prepare(const QString& sourcePath, const Insta
     if (!source)
         return source.error();
     m_source = std::move(*source);
+    if (!m_options.archiveSourceFolder.isEmpty() && m_source->path().endsWith(u'\\'))
+        return Result::failure(
+            u"Only a source archive can be archived, and '"_s + m_source->path() +
+                u"' is a folder. Leave that option out, or have the source files deleted."_s,
+            ErrorKind::Usage);
+    if (!m_options.archiveSourceFolder.isEmpty() && m_options.deleteSource)
+        return Result::failure(
+            u"The source can be archived or deleted after the installation, not both."_s,
+            ErrorKind::Usage);
     if (m_source->files() == 0) {
         return Result::failure(u"The add-on '"_s + m_source->path() +
                                    u"' holds no files, so there is nothing to install."_s,
@@ -224,6 +233,7 @@ void CAddonInstallationDetails::AddonItems_UpdateTargetExists()
     {
         bool exists = false;
         QSet<NoCase> names;
+        QSet<NoCase> folders;
     };
 
     QHash<QString, Known> folders;
@@ -231,6 +241,7 @@ void CAddonInstallationDetails::AddonItems_UpdateTargetExists()
     const Known* last = nullptr;
     for (CAddon_Item& item : m_addon->colAddonItems_Edit()) {
         item.boolTargetExists = false;
+        item.boolTargetIsFolder = false;
         if (item.sFolder_Installation.isEmpty())
             continue;
         if (!last || lastText.constData() != item.sFolder_Installation.constData()) {
@@ -240,10 +251,8 @@ void CAddonInstallationDetails::AddonItems_UpdateTargetExists()
                 Known known;
                 known.exists = files.isFolder(lastText);
                 if (known.exists) {
-                    for (const FileInfo& info : files.list(lastText)) {
-                        if (!info.folder)
-                            known.names.insert(NoCase{info.name});
-                    }
+                    for (const FileInfo& info : files.list(lastText))
+                        (info.folder ? known.folders : known.names).insert(NoCase{info.name});
                 }
                 found = folders.insert(lastText, known);
             }
@@ -251,6 +260,8 @@ void CAddonInstallationDetails::AddonItems_UpdateTargetExists()
         }
         item.boolTargetExists =
             last->exists && last->names.contains(NoCase{item.sName_Installation});
+        item.boolTargetIsFolder =
+            last->exists && last->folders.contains(NoCase{item.sName_Installation});
     }
 }
 

@@ -21,11 +21,13 @@ namespace vt {
 
 class CSceneryCfgMgr;
 
-/// "*** Not Selected ***", "Same target folder as item", "Do not install".
 namespace plantext {
+/// "*** Not Selected ***", "Same target folder as item", "Do not install".
 [[nodiscard]] QString notSelected();
 [[nodiscard]] QString sameFolderAsItem();
 [[nodiscard]] QString doNotInstall();
+/// "A file you are installing does not have a valid target folder. ..."; \a folder may be empty.
+[[nodiscard]] QString noValidTargetFolder(const QString& folder);
 } // namespace plantext
 
 /// Something that stands in the way of installing, or that the user should know.
@@ -34,14 +36,49 @@ struct PlanProblem
     qint32 item = 0; ///< key, or 0 for the add-on as a whole
     QString text;
     bool blocks = false; ///< the installation is refused until it is solved
+
+    /// The text, with the file's name before it where it does not name the file itself.
+    [[nodiscard]] QString sentence(const CAddon_ItemGroup& addon) const;
 };
 
 /// A scenery library area that the installation adds.
 struct SceneryAreaToAdd
 {
     QString title;
-    QString folder; ///< full Windows path, ends in "\"
-    int group = -1; ///< index into sceneries
+    QString folder;  ///< full Windows path, ends in "\"
+    int group = -1;  ///< index into sceneries
+    QString refusal; ///< why the library does not take it; empty when it does
+};
+
+/// What the installation does to the scenery library.
+struct LibraryChanges
+{
+    QList<SceneryAreaToAdd> areas;
+    ConfigChange change; ///< no lines when nothing changes
+    QString problem;     ///< why the library as a whole stays as it is; empty when it does not
+};
+
+/// What a plan tells beyond its items.
+struct PlanFacts
+{
+    LibraryChanges library;
+    QList<PlanProblem> problems;
+
+    /// The areas that are added.
+    [[nodiscard]] QList<SceneryAreaToAdd> sceneryAreas() const;
+    /// The changes of all configuration files.
+    [[nodiscard]] QList<ConfigChange> configChanges() const;
+    /// The first blocking problem as a failure, or success.
+    [[nodiscard]] Result installable(const CAddon_ItemGroup& addon) const;
+};
+
+/// How the date of the file at an item's target compares with the item's own.
+enum class DateOrder : quint8
+{
+    Unknown, ///< the item has none
+    Same,    ///< as far as archives keep them
+    ExistingIsNewer,
+    ItemIsNewer,
 };
 
 /// A variation as the plan tells it.
@@ -92,17 +129,23 @@ public:
     /// Folder below "Addons\" for documents and other files; unique, not made yet.
     [[nodiscard]] const QString& storageFolder() const { return m_storageFolder; }
 
-    [[nodiscard]] QList<PlanProblem> problems() const;
-    /// The first blocking problem as a failure, or success.
-    [[nodiscard]] Result installable() const;
-    [[nodiscard]] QList<SceneryAreaToAdd> sceneryAreas() const;
+    /// Problems, areas and configuration changes as things are now; worked out anew at each call.
+    [[nodiscard]] PlanFacts facts() const;
+
+    [[nodiscard]] QList<PlanProblem> problems() const { return facts().problems; }
+
+    [[nodiscard]] Result installable() const { return facts().installable(*m_addon); }
+
     [[nodiscard]] QList<PlannedVariant> variants() const;
-    /// What the installation changes in configuration files, areas of the scenery library included.
-    [[nodiscard]] QList<ConfigChange> configChanges() const;
+    [[nodiscard]] DateOrder compareDates(const CAddon_Item& item, const FileInfo& existing) const;
+    /// Whether only more recent files may replace existing ones, and this one is not.
+    [[nodiscard]] bool moreRecentIsKept(const CAddon_Item& item, const FileInfo& existing) const;
     /// Whether the replace policy leaves the existing file at this item's target alone. A policy
     /// that asks counts as leave to replace.
     [[nodiscard]] bool existingIsKept(const CAddon_Item& item) const;
-    /// Bytes of all marked items.
+    /// Marked, can be extracted, and nothing that is kept stands at its target.
+    [[nodiscard]] bool willBeInstalled(const CAddon_Item& item) const;
+    /// Bytes of all items that will be installed.
     [[nodiscard]] qint64 bytesNeeded() const;
     /// Free bytes on the target drive; -1 when it cannot be told.
     [[nodiscard]] qint64 bytesFree() const;
@@ -205,7 +248,10 @@ private:
     [[nodiscard]] bool usableFolder(const QString& folder) const;
     [[nodiscard]] bool anyMarked(const InstallationGroup& group) const;
     [[nodiscard]] QStringList areaFolders(const InstallationGroup& group) const;
-    [[nodiscard]] std::unique_ptr<CSceneryCfgMgr> sceneryLibrary(Result& loaded) const;
+    [[nodiscard]] LibraryChanges libraryChanges() const;
+    void addTextureProblems(QList<PlanProblem>& out) const;
+    void addFolderProblems(QList<PlanProblem>& out) const;
+    void addClashProblems(QList<PlanProblem>& out) const;
     void addRemark(qint32 item, const QString& text, bool blocks);
 
     Context& m_context;

@@ -16,10 +16,31 @@ namespace vt {
 
 namespace {
 
-/// Archives keep times to two seconds.
-constexpr qint64 sameTimeNs = 2'000'000'000;
+/// Archives keep times in steps of two seconds.
+constexpr qint64 sameDateNs = 2'000'000'000;
 
 } // namespace
+
+DateOrder CAddonInstallationDetails::compareDates(const CAddon_Item& item,
+                                                  const FileInfo& existing) const
+{
+    const auto content = m_source->content(item);
+    if (!content || content->modifiedNs <= 0)
+        return DateOrder::Unknown;
+    const qint64 later = existing.modifiedNs - content->modifiedNs;
+    if (qAbs(later) <= sameDateNs)
+        return DateOrder::Same;
+    return later > 0 ? DateOrder::ExistingIsNewer : DateOrder::ItemIsNewer;
+}
+
+bool CAddonInstallationDetails::moreRecentIsKept(const CAddon_Item& item,
+                                                 const FileInfo& existing) const
+{
+    const bool newerOnly = m_options.replace == ReplacePolicy::Newer ||
+                           (m_options.replace == ReplacePolicy::Ask &&
+                            m_context.settings.number(SettingKey::YesFileReplacementMethod) == 1);
+    return newerOnly && compareDates(item, existing) == DateOrder::ExistingIsNewer;
+}
 
 bool CAddonInstallationDetails::existingIsKept(const CAddon_Item& item) const
 {
@@ -27,22 +48,21 @@ bool CAddonInstallationDetails::existingIsKept(const CAddon_Item& item) const
         return false;
     if (m_options.replace == ReplacePolicy::No)
         return true;
-    const bool newerOnly = m_options.replace == ReplacePolicy::Newer ||
-                           m_context.settings.number(SettingKey::YesFileReplacementMethod) == 1;
-    if (!newerOnly)
-        return false;
     const auto existing =
         m_context.services.files.info(item.sFolder_Installation + item.sName_Installation);
-    const auto content = m_source->content(item);
-    return existing && content && content->modifiedNs > 0 &&
-           existing->modifiedNs > content->modifiedNs + sameTimeNs;
+    return existing && moreRecentIsKept(item, *existing);
+}
+
+bool CAddonInstallationDetails::willBeInstalled(const CAddon_Item& item) const
+{
+    return item.boolProcess && item.boolExtractable && !existingIsKept(item);
 }
 
 qint64 CAddonInstallationDetails::bytesNeeded() const
 {
     qint64 bytes = 0;
     for (const CAddon_Item& item : m_addon->colAddonItems())
-        bytes += item.boolProcess ? item.size : 0;
+        bytes += willBeInstalled(item) ? item.size : 0;
     return bytes;
 }
 
@@ -86,22 +106,13 @@ bool CAddonInstallationDetails::anyMarked(const InstallationGroup& group) const
     });
 }
 
-std::unique_ptr<CSceneryCfgMgr> CAddonInstallationDetails::sceneryLibrary(Result& loaded) const
-{
-    auto library = std::make_unique<CSceneryCfgMgr>(ConfigAccess(m_context.services),
-                                                    m_context.global.sceneryCfgFile,
-                                                    m_context.global.simulatorFolder);
-    loaded = library->SceneryCfg_Load();
-    return library;
-}
-
 QStringList CAddonInstallationDetails::areaFolders(const InstallationGroup& group) const
 {
     QStringList folders;
     QString last;
     for (const qint32 key : group.items) {
         const CAddon_Item* item = m_addon->Search(key);
-        if (!item->boolProcess || item->enumAddonFileType != FileType::Scenery)
+        if (item->enumAddonFileType != FileType::Scenery || !willBeInstalled(*item))
             continue;
         const QString& folder = item->sFolder_Installation;
         if (folder.constData() == last.constData())
@@ -123,46 +134,47 @@ QStringList CAddonInstallationDetails::areaFolders(const InstallationGroup& grou
     return folders;
 }
 
-QList<SceneryAreaToAdd> CAddonInstallationDetails::sceneryAreas() const
+LibraryChanges CAddonInstallationDetails::libraryChanges() const
 {
-    QList<SceneryAreaToAdd> areas;
+    LibraryChanges out;
     if (m_options.to == InstallTo::Cabinet)
-        return areas;
+        return out;
     const std::vector<InstallationGroup>& sceneries = groups(MappedGroup::Scenery);
-    std::unique_ptr<CSceneryCfgMgr> library;
     QSet<NoCase> taken;
     for (size_t i = 0; i < sceneries.size(); ++i) {
         if (!sceneries[i].sceneryLibraryUpdate)
             continue;
         for (const QString& folder : areaFolders(sceneries[i])) {
-            Result loaded;
-            if (!library)
-                library = sceneryLibrary(loaded);
-            const bool known =
-                taken.contains(NoCase{folder}) || !library->areasOfFolder(folder).isEmpty();
+            if (taken.contains(NoCase{folder}))
+                continue;
             taken.insert(NoCase{folder});
-            if (!known)
-                areas.append({sceneries[i].sceneryTitle, folder, int(i)});
+            out.areas.append({sceneries[i].sceneryTitle, folder, int(i), {}});
         }
     }
-    return areas;
-}
+    if (out.areas.isEmpty())
+        return out;
 
-QList<ConfigChange> CAddonInstallationDetails::configChanges() const
-{
-    const QList<SceneryAreaToAdd> areas = sceneryAreas();
-    if (areas.isEmpty())
-        return {};
-    Result loaded;
-    const std::unique_ptr<CSceneryCfgMgr> library = sceneryLibrary(loaded);
-    if (!loaded.ok)
-        return {};
-    for (const SceneryAreaToAdd& area : areas)
-        library->SceneryCfg_AddArea(area.title, area.folder, false);
-    ConfigChange change = library->changes();
-    if (change.lines.isEmpty())
-        return {};
-    return {change};
+    CSceneryCfgMgr library(ConfigAccess(m_context.services),
+                           m_context.global.sceneryCfgFile,
+                           m_context.global.simulatorFolder);
+    if (Result loaded = library.SceneryCfg_Load(); !loaded)
+        out.problem = loaded.text;
+    out.areas.removeIf([&](const SceneryAreaToAdd& area) {
+        return out.problem.isEmpty() && !library.areasOfFolder(area.folder).isEmpty();
+    });
+    const auto file = m_context.services.files.info(library.file());
+    if (!out.areas.isEmpty() && file && file->readOnly && !m_options.updateReadOnlyLibrary)
+        out.problem =
+            u"'"_s + library.file() +
+            u"' is marked read-only: the scenery library is updated only when the question about that is answered with Yes."_s;
+    for (SceneryAreaToAdd& area : out.areas) {
+        area.refusal = out.problem;
+        if (area.refusal.isEmpty())
+            area.refusal = library.SceneryCfg_AddArea(area.title, area.folder, false).text;
+    }
+    if (out.problem.isEmpty())
+        out.change = library.changes();
+    return out;
 }
 
 QList<PlannedVariant> CAddonInstallationDetails::variants() const

@@ -10,14 +10,14 @@ using namespace Qt::StringLiterals;
 
 namespace vt {
 
-namespace {
-
-QString noValidTargetFolder(const QString& folder)
+QString plantext::noValidTargetFolder(const QString& folder)
 {
     const QString shown = folder.isEmpty() ? plantext::notSelected() : folder;
     return u"A file you are installing does not have a valid target folder. Look for a file with a target folder of "_s +
            shown + u". Specify a valid target folder for this file."_s;
 }
+
+namespace {
 
 QString sameTarget()
 {
@@ -94,7 +94,7 @@ Result CAddonInstallationDetails::validateFolders(MappedGroup family) const
             continue;
         last = &item.sFolder_Installation;
         if (!usableFolder(item.sFolder_Installation))
-            return Result::failure(noValidTargetFolder(item.sFolder_Installation));
+            return Result::failure(plantext::noValidTargetFolder(item.sFolder_Installation));
     }
     for (const QList<qint32>& keys : m_addon->duplicateTargets()) {
         for (const qint32 key : keys) {
@@ -184,18 +184,39 @@ bool CAddonInstallationDetails::AddonItemGroup_IsAnythingMarkedForInstall() cons
         items.begin(), items.end(), [](const CAddon_Item& item) { return item.boolProcess; });
 }
 
-QList<PlanProblem> CAddonInstallationDetails::problems() const
+QString PlanProblem::sentence(const CAddon_ItemGroup& addon) const
 {
-    QList<PlanProblem> out;
-    for (const PlanProblem& remark : m_remarks) {
-        // What is left out is no problem any more.
-        const CAddon_Item* item = remark.item > 0 ? m_addon->Search(remark.item) : nullptr;
-        if (!item || item->boolProcess)
-            out.append(remark);
+    const CAddon_Item* file = item > 0 ? addon.Search(item) : nullptr;
+    if (!file || containsNoCase(text, file->sName))
+        return text;
+    return u"'"_s + file->sFolder_Current + file->sName + u"': "_s + text;
+}
+
+QList<SceneryAreaToAdd> PlanFacts::sceneryAreas() const
+{
+    QList<SceneryAreaToAdd> areas = library.areas;
+    areas.removeIf([](const SceneryAreaToAdd& area) { return !area.refusal.isEmpty(); });
+    return areas;
+}
+
+QList<ConfigChange> PlanFacts::configChanges() const
+{
+    return library.change.lines.isEmpty() ? QList<ConfigChange>() : QList{library.change};
+}
+
+Result PlanFacts::installable(const CAddon_ItemGroup& addon) const
+{
+    for (const PlanProblem& problem : problems) {
+        if (problem.blocks)
+            return Result::failure(problem.sentence(addon));
     }
-    const bool cabinet = m_options.to == InstallTo::Cabinet;
+    return Result::success();
+}
+
+void CAddonInstallationDetails::addTextureProblems(QList<PlanProblem>& out) const
+{
     for (const InstallationGroup& group : groups(MappedGroup::Texture)) {
-        const QString text = cabinet ? QString() : textureGroupProblem(group);
+        const QString text = textureGroupProblem(group);
         if (text.isEmpty() || !anyMarked(group))
             continue;
         const auto first =
@@ -204,6 +225,10 @@ QList<PlanProblem> CAddonInstallationDetails::problems() const
             });
         out.append({*first, text + u' ' + variantProblem(group.name), true});
     }
+}
+
+void CAddonInstallationDetails::addFolderProblems(QList<PlanProblem>& out) const
+{
     QSet<QString> toldFolders;
     const QString* last = nullptr;
     for (const CAddon_Item& item : m_addon->colAddonItems()) {
@@ -223,10 +248,27 @@ QList<PlanProblem> CAddonInstallationDetails::problems() const
         if (told || unsafe || toldFolders.contains(folder) || usableFolder(folder))
             continue;
         toldFolders.insert(folder);
-        out.append({item.lngKey, noValidTargetFolder(folder), true});
+        out.append({item.lngKey, plantext::noValidTargetFolder(folder), true});
     }
+}
+
+PlanFacts CAddonInstallationDetails::facts() const
+{
+    PlanFacts facts;
+    QList<PlanProblem>& out = facts.problems;
+    for (const PlanProblem& remark : m_remarks) {
+        // What is left out is no problem any more.
+        const CAddon_Item* item = remark.item > 0 ? m_addon->Search(remark.item) : nullptr;
+        if (!item || item->boolProcess)
+            out.append(remark);
+    }
+    const bool cabinet = m_options.to == InstallTo::Cabinet;
+    if (!cabinet)
+        addTextureProblems(out);
+    addFolderProblems(out);
     for (const QList<qint32>& keys : m_addon->duplicateTargets())
         out.append({keys.at(1), sameTarget(), true});
+    addClashProblems(out);
     if (Result named = Options_InstallationChoices_Validate(); !named)
         out.append({0, named.text, true});
     for (const InstallationGroup& group : groups(MappedGroup::Scenery)) {
@@ -246,26 +288,14 @@ QList<PlanProblem> CAddonInstallationDetails::problems() const
     if (!AddonItemGroup_IsAnythingMarkedForInstall())
         out.append(
             {0, u"Nothing to install. All addon files are marked 'Do Not Install'."_s, true});
-    if (!sceneryAreas().isEmpty()) {
-        Result loaded;
-        const auto library = sceneryLibrary(loaded);
-        if (!loaded.ok)
-            out.append({0, loaded.text, false});
+    facts.library = libraryChanges();
+    if (!facts.library.problem.isEmpty())
+        out.append({0, facts.library.problem, false});
+    for (const SceneryAreaToAdd& area : std::as_const(facts.library.areas)) {
+        if (facts.library.problem.isEmpty() && !area.refusal.isEmpty())
+            out.append({0, libraryProblem(area.title) + u". "_s + area.refusal, false});
     }
-    return out;
-}
-
-Result CAddonInstallationDetails::installable() const
-{
-    for (const PlanProblem& problem : problems()) {
-        if (!problem.blocks)
-            continue;
-        const CAddon_Item* item = m_addon->Search(problem.item);
-        const QString name =
-            item ? u"'"_s + item->sFolder_Current + item->sName + u"': "_s : QString();
-        return Result::failure(name + problem.text);
-    }
-    return Result::success();
+    return facts;
 }
 
 } // namespace vt

@@ -101,9 +101,9 @@ Result CAddonInstaller::Install_Preliminaries()
     status(u"Installing addon..."_s);
     if (const QString space = m_details.spaceProblem(); !space.isEmpty())
         return Result::failure(space, ErrorKind::Surroundings);
-    if (Result ready = m_details.installable(); !ready)
-        return ready;
-    return Result::success();
+    const PlanFacts facts = m_details.facts();
+    m_wantedAreas = facts.library.areas;
+    return facts.installable(m_details.addon());
 }
 
 Result CAddonInstaller::AddonDatabase_Open()
@@ -148,7 +148,7 @@ Result CAddonInstaller::SourceZipFile_Archive()
 {
     const InstallOptions& options = m_details.options();
     const QString archive = m_details.source().path();
-    if (options.archiveSourceFolder.isEmpty() || archive.endsWith(u'\\'))
+    if (options.archiveSourceFolder.isEmpty())
         return Result::success();
     status(u"Archiving source files..."_s);
     Services& services = m_context.services;
@@ -163,8 +163,8 @@ Result CAddonInstaller::SourceZipFile_Archive()
     const QString folder = winpath::asFolder(options.archiveSourceFolder);
     QString target = folder + winpath::name(archive);
     for (int n = 2; services.files.exists(target); ++n)
-        target = folder + winpath::baseName(archive) + u' ' + QString::number(n) + u'.' +
-                 winpath::extension(archive);
+        target = folder + winpath::baseName(archive) + u' ' + QString::number(n) +
+                 winpath::name(archive).sliced(winpath::baseName(archive).size());
     Result moved = services.actions.keep(archive, target);
     if (moved)
         moved = services.actions.remove(archive);
@@ -180,7 +180,7 @@ Result CAddonInstaller::SourceZipFile_Archive()
 Result CAddonInstaller::SourceFiles_Delete()
 {
     const InstallOptions& options = m_details.options();
-    if (!options.deleteSource || !options.archiveSourceFolder.isEmpty())
+    if (!options.deleteSource)
         return Result::success();
     status(u"Deleting source files..."_s);
     Services& services = m_context.services;

@@ -76,7 +76,7 @@ public:
     /// Files that could not be installed although they were to be, and why the first one was not.
     [[nodiscard]] qsizetype failedFiles() const { return m_failedFiles; }
 
-    [[nodiscard]] const QString& cause() const { return m_cause; }
+    [[nodiscard]] QString cause() const;
 
     /// The one movie that was installed, when the user wants to see it; the front end plays it.
     [[nodiscard]] const QString& movieToPlay() const { return m_movieToPlay; }
@@ -95,6 +95,7 @@ private:
         Fingerprint before;   ///< what lies at the target
         Fingerprint after;    ///< what was staged
         QByteArray decisions; ///< lines for the log
+        QString cause;        ///< why it failed
     };
 
     /// An area that was staged in the scenery library.
@@ -137,11 +138,14 @@ private:
     [[nodiscard]] ResultOf<Content> contentOf(const File& file, bool& sourceFailed);
 
     // Parts of SceneryLibrary_Update and Changes_Apply.
-    Result addAreas(class CSceneryCfgMgr& library);
+    [[nodiscard]] bool anySceneryIn(const QString& folder) const;
+    Result updateLibrary();
+    void tellLibraryFailure(const QString& why);
     Result recordAddon();
     Result recordFiles();
     Result recordAreas(const QList<DetailRecord>& details);
     void applyFailures(const QList<StepFailure>& failures);
+    [[nodiscard]] Result nothingInstalled() const;
     void tellFiles();
 
     void status(const QString& text);
@@ -158,12 +162,12 @@ private:
     InstallLog m_log;
     Results m_results;
     Results m_libraryResults; ///< told once the library is in its place
-    QString m_cause;          ///< why the first file that failed did so
     qsizetype m_failedFiles = 0;
     Result m_failure;
     AddonRecord m_record;
     std::vector<File> m_files;
     QList<OriginalRecord> m_originals; ///< detailKey: index into m_files until recorded
+    QList<SceneryAreaToAdd> m_wantedAreas;
     QList<AddedArea> m_areas;
     QList<ConfigBaseRecord> m_configBases;
     QString m_movieToPlay;

@@ -17,8 +17,6 @@ namespace {
 
 /// Largest configuration file that is looked at for line ends and code page.
 constexpr qint64 configLimit = 16 * 1024 * 1024;
-/// Archives keep times in steps of two seconds.
-constexpr qint64 sameDateMs = 2000;
 constexpr qsizetype progressStep = 64;
 
 QString fileFacts(qint64 size, const QDateTime& date)
@@ -121,6 +119,8 @@ void CAddonInstaller::decideAll()
             continue;
         File file;
         file.item = &item;
+        if (!item.boolExtractable) // no question is asked about a file that cannot come anyway
+            file.code = InstallCode::NotExtracted;
         if (item.sFolder_Installation != folder) {
             folder = item.sFolder_Installation;
             folderExists = files.isFolder(folder);
@@ -141,24 +141,18 @@ bool CAddonInstaller::decide(File& file, const FileInfo& existing)
     file.exists = true;
     file.before.size = existing.size;
     file.before.modifiedNs = existing.modifiedNs;
-    const qint64 existingMs = existing.modifiedNs / 1'000'000;
-    const qint64 newMs = sourceTimeMs(item);
-    const bool dated = newMs > 0;
     log.line(u"   File already exists.");
     if (item.size == existing.size) {
         log.line(u"   Sizes are the same.");
-        log.line(dated && qAbs(existingMs - newMs) < sameDateMs
+        log.line(m_details.compareDates(item, existing) == DateOrder::Same
                      ? u"   Dates are the same, too. Should be OK to install on top of it."
                      : u"   Dates are different!");
     } else {
         log.line(u"   Sizes are different!");
     }
-    file.code = existing.folder ? InstallCode::Error : askReplace(file, existing, log);
-    const bool newerOnly = m_details.options().replace == ReplacePolicy::Newer ||
-                           (m_details.options().replace == ReplacePolicy::Ask &&
-                            m_context.settings.number(SettingKey::YesFileReplacementMethod) == 1);
-    if (file.code == InstallCode::Installed && newerOnly && dated &&
-        existingMs > newMs + sameDateMs)
+    if (file.code == InstallCode::Installed)
+        file.code = existing.folder ? InstallCode::Error : askReplace(file, existing, log);
+    if (file.code == InstallCode::Installed && m_details.moreRecentIsKept(item, existing))
         file.code = InstallCode::ExistingIsNewer;
     file.decisions = log.bytes();
     return file.code != InstallCode::Cancelled;
@@ -300,8 +294,7 @@ Result CAddonInstaller::InstallFileFrontEnd(File& file)
     Result installed = InstallFile(file);
     if (!installed) {
         m_log.line(QString(u"   "_s + installed.text));
-        if (m_cause.isEmpty())
-            m_cause = installed.text;
+        file.cause = installed.text;
         m_context.errors.report(u"Private Function InstallFile"_s, installed.text);
     }
     m_log.fileEnd();
@@ -316,6 +309,8 @@ Result CAddonInstaller::InstallFile(File& file)
         m_log.line(u"   Destination file does not exist. Install this one straightaway.");
     else
         m_log.raw(file.decisions);
+    if (file.code == InstallCode::NotExtracted)
+        return m_details.source().readable(item);
     if (file.code == InstallCode::Error)
         return Result::failure(u"'"_s + target +
                                u"' could not be written: a folder of that name lies there."_s);

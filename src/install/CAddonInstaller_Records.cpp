@@ -14,8 +14,6 @@ namespace vt {
 
 namespace {
 
-using namespace modDatabase_Addon;
-
 struct GroupFlag
 {
     MappedGroup group;
@@ -29,6 +27,22 @@ constexpr GroupFlag groupFlags[] = {
     {MappedGroup::Afcad, Category::Airport_Facilities_Data},
 };
 
+/// The file category of an item: the name of its type. Only a bitmap's tells a panel where others
+/// use them as well, so those of sceneries, aircraft, repaints and missions set no flag.
+QString fileCategoryOf(const CAddon_Item& item)
+{
+    const bool ofPanel = item.IsMappedToPanel() || item.IsMappedToDocumentGroup();
+    if (item.enumAddonFileType == FileType::BitmapImage && !ofPanel)
+        return {};
+    return fileTypeName(item.enumAddonFileType);
+}
+
+QString areaNotAdded(const SceneryAreaToAdd& area)
+{
+    return u"A new scenery library area was NOT added for '"_s + area.title + u"' (Path '"_s +
+           area.folder + u"') due to an error."_s;
+}
+
 } // namespace
 
 Result CAddonInstaller::AddonMasterTable_UpdateRecord()
@@ -36,7 +50,7 @@ Result CAddonInstaller::AddonMasterTable_UpdateRecord()
     QStringList words;
     for (const File& file : m_files) {
         if (file.code == InstallCode::Installed)
-            words.push_back(fileTypeName(file.item->enumAddonFileType));
+            words.push_back(fileCategoryOf(*file.item));
     }
     words.removeDuplicates();
     m_record.categories = categoriesOfFiles(words);
@@ -50,41 +64,63 @@ Result CAddonInstaller::AddonMasterTable_UpdateRecord()
     return Result::success();
 }
 
+bool CAddonInstaller::anySceneryIn(const QString& folder) const
+{
+    return std::any_of(m_files.cbegin(), m_files.cend(), [&](const File& file) {
+        return file.code == InstallCode::Installed &&
+               file.item->enumAddonFileType == FileType::Scenery &&
+               winpath::isBelow(file.item->sFolder_Installation, folder);
+    });
+}
+
 Result CAddonInstaller::SceneryLibrary_Update()
 {
-    const QList<SceneryAreaToAdd> wanted = m_details.sceneryAreas();
-    if (wanted.isEmpty())
+    m_wantedAreas.removeIf(
+        [this](const SceneryAreaToAdd& area) { return !anySceneryIn(area.folder); });
+    if (m_wantedAreas.isEmpty())
         return Result::success();
     status(u"Updating scenery library..."_s);
-    const auto failed = [&](const Result& why) {
-        for (const SceneryAreaToAdd& area : wanted)
-            m_results.add(resultgroup::failedSpecialActions,
-                          u"A new scenery library area was NOT added for '"_s + area.title +
-                              u"' (Path '"_s + area.folder + u"') due to an error."_s);
-        m_results.add(resultgroup::failedSpecialActions,
-                      u"Scenery library was NOT updated due to an error."_s);
-        m_areas.clear();
-        m_log.line(why.text);
-        return why;
-    };
+    Result updated = updateLibrary();
+    if (!updated)
+        tellLibraryFailure(updated.text);
+    return updated;
+}
+
+/// Each area is told once: those that fail alone leave m_wantedAreas at once.
+Result CAddonInstaller::updateLibrary()
+{
     Services& services = m_context.services;
     const QString file = m_context.global.sceneryCfgFile;
     CSceneryCfgMgr library(ConfigAccess(*m_actions, services.prompts, services.ansi),
                            file,
                            m_context.global.simulatorFolder);
     if (Result loaded = library.SceneryCfg_Load(); !loaded)
-        return failed(loaded);
-    (void)addAreas(library); // each area's failure is told by itself
+        return loaded;
+    m_wantedAreas.removeIf([&](const SceneryAreaToAdd& wanted) {
+        const CSceneryCfgMgr::AddResult added =
+            library.SceneryCfg_AddArea(wanted.title, wanted.folder, true);
+        if (added.added) {
+            m_areas.push_back({wanted, added.area, added.layer});
+            return false;
+        }
+        if (added.code == CSceneryCfgMgr::UserDeclined) {
+            m_log.line(u"   The scenery library already covers the folder and was left as it is.");
+            return true;
+        }
+        m_results.add(resultgroup::failedSpecialActions, areaNotAdded(wanted));
+        m_results.addCause(wanted.folder, added.text);
+        return true;
+    });
     if (m_areas.isEmpty())
         return Result::success();
     ResultOf<ConfigBaseRecord> base =
         configbases::beforeEdit(m_database, services.gate, *m_actions, m_context.global, file);
     if (!base)
-        return failed(base.error());
+        return base.error();
     if (Result saved = library.SceneryCfg_Save(); !saved)
-        return failed(saved);
+        return saved;
     if (Result noted = configbases::afterEdit(*m_actions, file, *base); !noted)
-        return failed(noted);
+        return noted;
     m_configBases.push_back(*base);
     for (const AddedArea& area : std::as_const(m_areas))
         m_libraryResults.add(resultgroup::specialActions,
@@ -94,32 +130,28 @@ Result CAddonInstaller::SceneryLibrary_Update()
     return Result::success();
 }
 
-Result CAddonInstaller::addAreas(CSceneryCfgMgr& library)
+void CAddonInstaller::tellLibraryFailure(const QString& why)
 {
-    Result last = Result::success();
-    for (const SceneryAreaToAdd& wanted : m_details.sceneryAreas()) {
-        const bool holdsFiles =
-            std::any_of(m_files.cbegin(), m_files.cend(), [&](const File& file) {
-                return file.code == InstallCode::Installed &&
-                       file.item->enumAddonFileType == FileType::Scenery &&
-                       winpath::isBelow(file.item->sFolder_Installation, wanted.folder);
-            });
-        if (!holdsFiles)
-            continue; // none of its files was installed
-        const CSceneryCfgMgr::AddResult added =
-            library.SceneryCfg_AddArea(wanted.title, wanted.folder, true);
-        if (added.added) {
-            m_areas.push_back({wanted, added.area, added.layer});
-        } else if (added.code == CSceneryCfgMgr::UserDeclined) {
-            m_log.line(u"   The scenery library already covers the folder and was left as it is.");
-        } else {
-            m_results.add(resultgroup::failedSpecialActions,
-                          u"A new scenery library area was NOT added for '"_s + wanted.title +
-                              u"' (Path '"_s + wanted.folder + u"') due to an error."_s);
-            last = Result::failure(added.text);
-        }
-    }
-    return last;
+    m_libraryResults = Results();
+    m_areas.clear();
+    for (const SceneryAreaToAdd& area : std::as_const(m_wantedAreas))
+        m_results.add(resultgroup::failedSpecialActions, areaNotAdded(area));
+    m_results.add(resultgroup::failedSpecialActions,
+                  u"Scenery library was NOT updated due to an error."_s);
+    m_results.addCause(m_context.global.sceneryCfgFile, why);
+    m_log.line(why);
+}
+
+Result CAddonInstaller::nothingInstalled() const
+{
+    if (m_cancelled)
+        return Result::failure(u"The installation was ended before anything was installed."_s,
+                               ErrorKind::Declined);
+    QString text = u"Nothing was installed: none of the files of '"_s + m_details.source().path() +
+                   u"' could be, or was to be, installed."_s;
+    if (const QString why = cause(); !why.isEmpty())
+        text += u' ' + why;
+    return Result::failure(text);
 }
 
 Result CAddonInstaller::Changes_Apply()
@@ -129,11 +161,7 @@ Result CAddonInstaller::Changes_Apply()
     });
     if (!any) {
         tellFiles();
-        return m_cancelled
-                   ? Result::failure(u"The installation was ended before anything was installed."_s,
-                                     ErrorKind::Declined)
-                   : Result::failure(
-                         u"Nothing was installed: none of the files could be, or was to be, installed."_s);
+        return nothingInstalled();
     }
     InstallationClosing closing{m_record.key, {}};
     if (!m_configBases.isEmpty())
@@ -152,7 +180,7 @@ Result CAddonInstaller::Changes_Apply()
 
 Result CAddonInstaller::recordAddon()
 {
-    if (!createAddon(m_database, m_record))
+    if (!modDatabase_Addon::createAddon(m_database, m_record))
         return Result::failure(u"Could not create a master record for the addon."_s);
     return recordFiles();
 }
@@ -178,7 +206,8 @@ Result CAddonInstaller::recordFiles()
         details.push_back(row);
         checks.push_back(file.after);
     }
-    const ResultOf<qint64> first = addDetails(m_database, m_record.key, details, checks);
+    const ResultOf<qint64> first =
+        modDatabase_Addon::addDetails(m_database, m_record.key, details, checks);
     if (!first)
         return first.error();
 
@@ -190,7 +219,7 @@ Result CAddonInstaller::recordFiles()
         original.detailKey = *first + row;
         originals.push_back(original);
     }
-    if (Result added = addOriginals(m_database, originals); !added)
+    if (Result added = modDatabase_Addon::addOriginals(m_database, originals); !added)
         return added;
 
     QList<Place> folders;
@@ -198,10 +227,10 @@ Result CAddonInstaller::recordFiles()
         if (const ResultOf<Place> place = m_context.services.gate.place(folder))
             folders.push_back(*place);
     }
-    if (Result added = addFolders(m_database, folders); !added)
+    if (Result added = modDatabase_Addon::addFolders(m_database, folders); !added)
         return added;
     for (const ConfigBaseRecord& base : std::as_const(m_configBases)) {
-        if (Result written = setConfigBase(m_database, base); !written)
+        if (Result written = modDatabase_Addon::setConfigBase(m_database, base); !written)
             return written;
     }
     return recordAreas(details);
@@ -225,37 +254,45 @@ Result CAddonInstaller::recordAreas(const QList<DetailRecord>& details)
         }
         rows.push_back(row);
     }
-    return rows.isEmpty() ? Result::success() : addSceneryAreas(m_database, rows);
+    return rows.isEmpty() ? Result::success()
+                          : modDatabase_Addon::addSceneryAreas(m_database, rows);
 }
 
 void CAddonInstaller::applyFailures(const QList<StepFailure>& failures)
 {
     for (const StepFailure& failure : failures) {
-        m_context.errors.report(u"Private Sub Changes_Apply"_s,
-                                failure.path + u": "_s + failure.text);
+        const QString why = u"'"_s + failure.path + u"': "_s + failure.text;
+        m_context.errors.report(u"Private Sub Changes_Apply"_s, why);
         for (File& file : m_files) {
-            if (file.code == InstallCode::Installed &&
-                winpath::isBelow(targetOf(*file.item), failure.path))
-                file.code = InstallCode::Error;
+            if (file.code != InstallCode::Installed ||
+                !winpath::isBelow(targetOf(*file.item), failure.path))
+                continue;
+            file.code = InstallCode::Error;
+            file.cause = why;
         }
-        if (m_cause.isEmpty())
-            m_cause = u"'"_s + failure.path + u"': "_s + failure.text;
-        if (winpath::same(failure.path, m_context.global.sceneryCfgFile)) {
-            m_libraryResults = Results();
-            m_results.add(resultgroup::failedSpecialActions,
-                          u"Scenery library was NOT updated due to an error."_s);
-        }
+        if (winpath::same(failure.path, m_context.global.sceneryCfgFile))
+            tellLibraryFailure(failure.text);
     }
+}
+
+QString CAddonInstaller::cause() const
+{
+    const auto first = std::find_if(
+        m_files.cbegin(), m_files.cend(), [](const File& file) { return !file.cause.isEmpty(); });
+    return first == m_files.cend() ? QString() : first->cause;
 }
 
 void CAddonInstaller::tellFiles()
 {
     for (const File& file : m_files) {
         const bool installed = file.code == InstallCode::Installed;
+        const QString target = targetOf(*file.item);
         m_failedFiles += file.code == InstallCode::Error || file.code == InstallCode::NotExtracted;
         m_results.add(installed ? resultgroup::installed : resultgroup::notInstalled,
-                      targetOf(*file.item),
+                      target,
                       resultPhrase(file.code));
+        if (!file.cause.isEmpty())
+            m_results.addCause(target, file.cause);
     }
 }
 

@@ -43,6 +43,9 @@ struct InstallOptions
     QList<TargetChoice> targets;
     QString aircraftFolder; ///< for textures, panels and sounds without an aircraft; or empty
     bool noSceneryLibrary = false;
+    /// The question whether a read-only Scenery.cfg may be updated will be answered with Yes; only
+    /// a plan asks this, so that it tells what will happen.
+    bool updateReadOnlyLibrary = false;
     QString archiveSourceFolder; ///< the source archive goes there afterwards; empty: stays
     bool deleteSource = false;
     /// Ask before the source is moved or deleted; off where naming the option was the confirmation.

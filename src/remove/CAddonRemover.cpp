@@ -34,6 +34,11 @@ QString kindWord(Categories categories)
     return u"simulator"_s;
 }
 
+QString areaSubject(const SceneryAreaRecord& area)
+{
+    return u"Scenery library area covering '"_s + area.title;
+}
+
 } // namespace
 
 QString removalResultsCaption(const QString& addon)
@@ -168,43 +173,43 @@ Result CAddonRemover::AddonDetails_Open()
 
 Result CAddonRemover::SceneryLibrary_Update()
 {
-    const ResultOf<QList<SceneryAreaRecord>> areas =
+    ResultOf<QList<SceneryAreaRecord>> areas =
         modDatabase_Addon::sceneryAreasOf(m_database, m_masterKey);
     if (!areas || areas->isEmpty())
         return areas ? Result::success() : areas.error();
     status(u"Updating scenery library..."_s);
-    const auto failed = [&](const Result& why) {
-        m_anyFailed = true;
-        for (const SceneryAreaRecord& area : *areas)
+    Result updated = updateLibrary(*areas);
+    if (!updated) {
+        for (const SceneryAreaRecord& area : std::as_const(m_areasGoing))
             m_closing.sceneryAreasKept.push_back(area.detailKey);
-        m_results.add(resultgroup::failedSpecialActions, u"Scenery library was NOT updated."_s);
-        return why;
-    };
+        tellLibraryFailure(updated.text);
+    }
+    return updated;
+}
+
+Result CAddonRemover::updateLibrary(const QList<SceneryAreaRecord>& areas)
+{
+    // Until the library was read, nothing is known but that all of them were to go.
+    m_areasGoing = areas;
     Services& services = m_context.services;
     const QString file = m_context.global.sceneryCfgFile;
     CSceneryCfgMgr library(ConfigAccess(*m_actions, services.prompts, services.ansi),
                            file,
                            m_context.global.simulatorFolder);
     if (Result loaded = library.SceneryCfg_Load(); !loaded)
-        return failed(loaded);
+        return loaded;
     const ResultOf<QByteArray> before = m_actions->read(file, libraryLimit);
     if (!before)
-        return failed(before.error());
+        return before.error();
     const ResultOf<QList<SceneryAreaRecord>> everyArea =
         modDatabase_Addon::sceneryAreas(m_database);
-    const bool last = everyArea && everyArea->size() == areas->size();
-    bool any = false;
-    for (const SceneryAreaRecord& area : *areas) {
-        bool removed = false;
-        const QString phrase = removeArea(library, area, removed);
-        any = any || removed;
-        m_libraryResults.add(
-            resultgroup::specialActions, u"Scenery library area covering '"_s + area.title, phrase);
-    }
-    if (!any)
+    const bool last = everyArea && everyArea->size() == areas.size();
+    m_areasGoing.removeIf(
+        [&](const SceneryAreaRecord& area) { return !removeArea(library, area); });
+    if (m_areasGoing.isEmpty())
         return Result::success(); // what was told stands: nothing is to be written
     if (Result saved = library.SceneryCfg_Save(); !saved)
-        return failed(saved);
+        return saved;
     const ResultOf<configbases::Undone> undone =
         configbases::afterRemoval(m_database,
                                   services.gate,
@@ -214,7 +219,7 @@ Result CAddonRemover::SceneryLibrary_Update()
                                   *before,
                                   last && m_closing.areasPassedOn.isEmpty());
     if (!undone)
-        return failed(undone.error());
+        return undone.error();
     const ResultOf<Place> place = services.gate.place(file);
     if (undone->record)
         m_closing.configBases.push_back(*undone->record);
@@ -222,21 +227,40 @@ Result CAddonRemover::SceneryLibrary_Update()
         m_closing.configBasesGone.push_back(*place);
     if (place)
         m_closing.library = *place;
+    for (const SceneryAreaRecord& area : std::as_const(m_areasGoing))
+        m_libraryResults.add(resultgroup::specialActions,
+                             areaSubject(area),
+                             u"' was removed from the scenery library."_s);
     m_libraryResults.add(resultgroup::specialActions, u"Scenery library was updated."_s);
     return Result::success();
 }
 
-QString
-CAddonRemover::removeArea(CSceneryCfgMgr& library, const SceneryAreaRecord& area, bool& removed)
+/// Whether the area goes; one that stays is told, and its record goes all the same.
+bool CAddonRemover::removeArea(CSceneryCfgMgr& library, const SceneryAreaRecord& area)
 {
+    QString stays;
     if (otherSceneryFilesIn(area))
-        return u"' was not removed from the scenery library because there are additional scenery files in that folder."_s;
-    const qsizetype index = library.areaForFolder(area.path, area.area);
-    if (index < 0)
-        return u"' was not removed from the scenery library because the area was not found."_s;
-    removed = library.SceneryCfg_RemoveArea(index);
-    return removed ? u"' was removed from the scenery library."_s
-                   : u"' was not removed from the scenery library."_s;
+        stays =
+            u"' was not removed from the scenery library because there are additional scenery files in that folder."_s;
+    else if (!library.SceneryCfg_RemoveArea(library.areaForFolder(area.path, area.area)))
+        stays = u"' was not removed from the scenery library because the area was not found."_s;
+    if (!stays.isEmpty())
+        m_results.add(resultgroup::specialActions, areaSubject(area), stays);
+    return stays.isEmpty();
+}
+
+/// The areas that were to go stay, in the library and in the records, so that the removal can be
+/// tried again.
+void CAddonRemover::tellLibraryFailure(const QString& why)
+{
+    m_anyFailed = true;
+    m_libraryResults = Results();
+    for (const SceneryAreaRecord& area : std::as_const(m_areasGoing))
+        m_results.add(resultgroup::failedSpecialActions,
+                      areaSubject(area),
+                      u"' was not removed from the scenery library."_s);
+    m_results.add(resultgroup::failedSpecialActions, u"Scenery library was NOT updated."_s);
+    m_results.addCause(m_context.global.sceneryCfgFile, why);
 }
 
 bool CAddonRemover::otherSceneryFilesIn(const SceneryAreaRecord& area)

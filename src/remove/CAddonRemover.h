@@ -96,7 +96,9 @@ private:
     Result RemoveFile(File& file);
     void tellRelease(const File& file, const originals::Release& release);
     bool otherSceneryFilesIn(const SceneryAreaRecord& area);
-    QString removeArea(class CSceneryCfgMgr& library, const SceneryAreaRecord& area, bool& removed);
+    Result updateLibrary(const QList<SceneryAreaRecord>& areas);
+    bool removeArea(class CSceneryCfgMgr& library, const SceneryAreaRecord& area);
+    void tellLibraryFailure(const QString& why);
     void cleanKeptFolders();
     [[nodiscard]] QStringList emptiedFolders();
     [[nodiscard]] bool willBeEmpty(const QString& folder, const QSet<NoCase>& going);
@@ -113,7 +115,8 @@ private:
     originals::Sharers m_sharers;
     AppendFile m_log;
     Results m_results;
-    Results m_libraryResults; ///< told once the library is in its place
+    Results m_libraryResults;              ///< told once the library is in its place
+    QList<SceneryAreaRecord> m_areasGoing; ///< out of the library
     Result m_failure;
     AddonRecord m_record;
     RemovalClosing m_closing;

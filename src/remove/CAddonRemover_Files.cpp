@@ -75,7 +75,7 @@ Result CAddonRemover::RemoveFiles()
             file.outcome = RemovalOutcome::Failed;
             const QString path = file.detail.location + file.detail.name;
             m_context.errors.report(u"Private Sub RemoveFile"_s, path + u": "_s + removed.text);
-            m_results.add(resultgroup::failedSpecialActions, path, u": "_s + removed.text);
+            m_results.addCause(path, removed.text);
             if (const ResultOf<Place> place = m_context.services.gate.place(path))
                 m_closing.failed.push_back(*place);
         }
@@ -246,8 +246,7 @@ void CAddonRemover::tellFiles(const QList<StepFailure>& failures)
         const QString path = file.detail.location + file.detail.name;
         if (!failed.isEmpty() && failed.contains(NoCase{path})) {
             file.outcome = RemovalOutcome::Failed;
-            m_results.add(
-                resultgroup::failedSpecialActions, path, u": "_s + failed.value(NoCase{path}));
+            m_results.addCause(path, failed.value(NoCase{path}));
         }
         m_anyFailed = m_anyFailed || file.outcome == RemovalOutcome::Failed;
         m_results.add(file.outcome == RemovalOutcome::Removed ? resultgroup::processed
@@ -255,10 +254,9 @@ void CAddonRemover::tellFiles(const QList<StepFailure>& failures)
                       path,
                       removalPhrase(file.outcome));
     }
-    if (failed.contains(NoCase{m_context.global.sceneryCfgFile}))
-        m_results.add(resultgroup::failedSpecialActions, u"Scenery library was NOT updated."_s);
-    else
-        m_results.append(std::move(m_libraryResults));
+    if (const NoCase library{m_context.global.sceneryCfgFile}; failed.contains(library))
+        tellLibraryFailure(failed.value(library));
+    m_results.append(std::move(m_libraryResults));
 }
 
 } // namespace vt

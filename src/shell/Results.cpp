@@ -1,5 +1,6 @@
 #include "shell/Results.h"
 
+#include "platform/Text.h"
 #include "shell/JsonStream.h"
 
 #include <algorithm>
@@ -46,6 +47,12 @@ void Results::add(QStringView group, QString subject, QString phrase)
     if (found == m_groups.end())
         found = m_groups.insert(found, Group{group.toString(), {}});
     found->entries.push_back({std::move(subject), std::move(phrase)});
+}
+
+void Results::addCause(const QString& path, const QString& why)
+{
+    add(resultgroup::failedSpecialActions,
+        containsNoCase(why, path) ? why : QString(path + QStringLiteral(": ") + why));
 }
 
 void Results::append(Results other)

@@ -48,6 +48,9 @@ public:
 
     /// A group that is not there yet is put behind the others.
     void add(QStringView group, QString subject, QString phrase = {});
+    /// Why something at \a path failed, among the failed special actions; the path stands before a
+    /// text that does not name it.
+    void addCause(const QString& path, const QString& why);
     /// Appends every entry of \a other, group by group.
     void append(Results other);
 

@@ -201,6 +201,11 @@ private Q_SLOTS:
         row("an unknown key", {u"remove"_s, u"77"_s}, 1, u"77"_s, {});
         row("a key that is none", {u"remove"_s, u"many"_s}, 1, u"many"_s, {});
         row("a wrong rating", {u"install"_s, u"pack.zip"_s, u"--rating"_s, u"6"_s}, 2, u"6"_s, {});
+        row("a folder to be archived",
+            {u"install"_s, u"unpacked"_s, u"--archive-source"_s, u"drawer"_s},
+            2,
+            u"unpacked"_s,
+            [](InstallWorld& world) { world.write(u"unpacked/Effects/fx_a.fx"_s); });
         row("a wrong word",
             {u"install"_s, u"pack.zip"_s, u"--replace"_s, u"maybe"_s},
             2,

@@ -32,8 +32,11 @@ private Q_SLOTS:
     void sources_thatCannotBeUsed_data();
     void sources_thatCannotBeUsed();
     void escapingNames_blockUntilLeftOut();
-    void encryptedEntries_blockUntilLeftOut();
+    void entriesThatCannotBeExtracted_areToldAndStayOut_data();
+    void entriesThatCannotBeExtracted_areToldAndStayOut();
     void conflicts_blockWithTheirText();
+    void fileAndFolderOfOneName_block_data();
+    void fileAndFolderOfOneName_block();
     void repaint_withoutAircraft_blocks();
     void methods_moveTheGroup();
     void aircraftFolder_takesItsPartsAlong();
@@ -65,8 +68,8 @@ void TestPlan::options_changeTheProposal()
                           u"readme.txt -> SIM\\Docs\\My\\readme.txt"_s}));
     QCOMPARE(details.addon().sGroupName, u"My North"_s);
     QCOMPARE(details.addon().lngRating, 4);
-    QVERIFY(details.sceneryAreas().isEmpty());
-    QVERIFY(details.configChanges().isEmpty());
+    QVERIFY(details.facts().sceneryAreas().isEmpty());
+    QVERIFY(details.facts().configChanges().isEmpty());
     QCOMPARE(details.bytesNeeded(), qint64(14));
     QVERIFY(details.bytesFree() > 0);
     QVERIFY(details.installable().ok);
@@ -74,10 +77,10 @@ void TestPlan::options_changeTheProposal()
     // A folder of one's own choice is the area that the library gets.
     options.noSceneryLibrary = false;
     QVERIFY(details.prepare(source, options).ok);
-    QVERIFY(details.sceneryAreas().isEmpty()); // Addon Scenery itself is known
+    QVERIFY(details.facts().sceneryAreas().isEmpty()); // Addon Scenery itself is known
     options.targets = {{u"n.bgl"_s, u"Addon Scenery\\Mine\\scenery"_s}};
     QVERIFY(details.prepare(source, options).ok);
-    QCOMPARE(details.sceneryAreas().value(0).folder, u"C:\\FSX\\Addon Scenery\\Mine\\"_s);
+    QCOMPARE(details.facts().sceneryAreas().value(0).folder, u"C:\\FSX\\Addon Scenery\\Mine\\"_s);
 
     options.skip = {u"nobody.txt"_s};
     CAddonInstallationDetails typo(world.context);
@@ -125,11 +128,11 @@ void TestPlan::scenery_addsAreasThatAreNew()
     files.emplace_back(u"Scenery/World/Scenery/w2.bgl"_s, "w");
     CAddonInstallationDetails details(world.context);
     QVERIFY(details.prepare(world.makeSource(u"north.zip"_s, files), {}).ok);
-    const QList<SceneryAreaToAdd> areas = details.sceneryAreas();
+    const QList<SceneryAreaToAdd> areas = details.facts().sceneryAreas();
     QCOMPARE(areas.size(), 1);
     QCOMPARE(areas.first().title, u"North"_s);
     QCOMPARE(areas.first().folder, u"C:\\FSX\\Addon Scenery\\North\\"_s);
-    const QList<ConfigChange> changes = details.configChanges();
+    const QList<ConfigChange> changes = details.facts().configChanges();
     QCOMPARE(changes.size(), 1);
     QCOMPARE(changes.first().file, world.global.sceneryCfgFile);
     QVERIFY(changes.first().lines.removed.isEmpty());
@@ -148,12 +151,12 @@ void TestPlan::cabinet_keepsTheProposal()
     const CAddon_Item* bgl = details.addon().SearchByName(u"n.bgl");
     QCOMPARE(bgl->sFolder_Installation, u"C:\\Vantrel\\Cabinet\\north\\North\\scenery\\"_s);
     QCOMPARE(bgl->sFolder_PreferredInstallation, u"C:\\FSX\\Addon Scenery\\North\\scenery\\"_s);
-    QVERIFY(details.sceneryAreas().isEmpty());
-    QVERIFY(details.configChanges().isEmpty());
+    QVERIFY(details.facts().sceneryAreas().isEmpty());
+    QVERIFY(details.facts().configChanges().isEmpty());
     QVERIFY(details.installable().text.contains(u"File Cabinet")); // not yet
     details.AddonItemGroup_InstallationFolders_ProcessInstallToZipFolderEntryFolder();
     QCOMPARE(bgl->sFolder_Installation, bgl->sFolder_PreferredInstallation);
-    QCOMPARE(details.sceneryAreas().size(), 1);
+    QCOMPARE(details.facts().sceneryAreas().size(), 1);
 }
 
 void TestPlan::sources_thatCannotBeUsed_data()
@@ -203,21 +206,41 @@ void TestPlan::escapingNames_blockUntilLeftOut()
     QVERIFY2(cleaned.installable().ok, qPrintable(cleaned.installable().text));
 }
 
-void TestPlan::encryptedEntries_blockUntilLeftOut()
+void TestPlan::entriesThatCannotBeExtracted_areToldAndStayOut_data()
 {
+    QTest::addColumn<bool>("encrypted");
+    QTest::addColumn<int>("method");
+    QTest::addColumn<QString>("part");
+    QTest::newRow("encrypted") << true << 8 << u"is encrypted"_s;
+    QTest::newRow("encrypted by AES") << true << 99 << u"is encrypted"_s;
+    QTest::newRow("marked as AES alone") << false << 99 << u"the method AES"_s;
+    QTest::newRow("PPMd") << false << 98 << u"the method PPMd"_s;
+}
+
+void TestPlan::entriesThatCannotBeExtracted_areToldAndStayOut()
+{
+    QFETCH(bool, encrypted);
+    QFETCH(int, method);
+    QFETCH(QString, part);
     PlanWorld world;
-    ZipBuilder zip;
     ZipOptions locked;
-    locked.encrypted = true;
-    zip.add("Gauges/a.gau", "a", locked).add("Gauges/b.gau", "b");
+    locked.encrypted = encrypted;
+    locked.method = quint16(method);
+    ZipBuilder zip;
+    zip.add("Far/scenery/a.bgl", "aa", locked).add("Gauges/b.gau", "b");
+    zip.add("docs/inner.zip", PlanWorld::zipOf(smallPack), locked);
     world.write(u"in/locked.zip"_s, zip.build());
     CAddonInstallationDetails details(world.context);
     QVERIFY(details.prepare(u"C:\\in\\locked.zip"_s, {}).ok);
-    QVERIFY(details.installable().text.contains(u"encrypted"_s));
-    InstallOptions options;
-    options.skip = {u"a.gau"_s};
-    QVERIFY(details.prepare(u"C:\\in\\locked.zip"_s, options).ok);
-    QVERIFY(details.installable().ok);
+    const PlanFacts facts = details.facts();
+    QCOMPARE(facts.problems.size(), 2); // the inner archive as well, and it only once
+    for (const PlanProblem& problem : facts.problems)
+        QVERIFY2(problem.text.contains(part), qPrintable(problem.text));
+    QVERIFY(facts.installable(details.addon()).ok);
+    QVERIFY(!details.willBeInstalled(*details.addon().SearchByName(u"a.bgl")));
+    QVERIFY(details.willBeInstalled(*details.addon().SearchByName(u"b.gau")));
+    QVERIFY(facts.sceneryAreas().isEmpty()); // nothing would lie in it
+    QCOMPARE(details.bytesNeeded(), 1);
 }
 
 void TestPlan::conflicts_blockWithTheirText()
@@ -242,6 +265,46 @@ void TestPlan::conflicts_blockWithTheirText()
         details.addon().SearchByNameandFSZipFolder(u"g.gau", u"Night\\Gauges")->lngKey;
     QVERIFY(details.AddonItem_Rename(key, u"night.gau"_s).ok);
     QVERIFY(details.installable().ok);
+}
+
+void TestPlan::fileAndFolderOfOneName_block_data()
+{
+    QTest::addColumn<QString>("standing"); // in the simulator
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<QString>("other");
+    QTest::addColumn<QString>("part");
+    const QString none;
+    QTest::newRow("folder for a file") << u"FSX/Gauges/a.gau/x"_s << u"Gauges/A.gau"_s << none
+                                       << u"a folder of that name stands there"_s;
+    QTest::newRow("file for a folder")
+        << u"FSX/Addon Scenery/north"_s << u"North/scenery/n.bgl"_s << none
+        << u"'C:\\FSX\\Addon Scenery\\North' stands in the way"_s;
+    QTest::newRow("within the add-on") << none << u"Fonts/a.ttf"_s << u"Fonts/A.TTF/b/c.ttf"_s
+                                       << u"would have to be a file and, for 'c.ttf', a folder"_s;
+}
+
+void TestPlan::fileAndFolderOfOneName_block()
+{
+    QFETCH(QString, standing);
+    QFETCH(QString, entry);
+    QFETCH(QString, other);
+    QFETCH(QString, part);
+    PlanWorld world;
+    if (!standing.isEmpty())
+        world.write(standing);
+    SourceFiles files = {{entry, "1"}, {u"Gauges/b.gau"_s, "2"}};
+    if (!other.isEmpty())
+        files.emplace_back(other, "3");
+    const QString source = world.makeSource(u"clash.zip"_s, files);
+    CAddonInstallationDetails details(world.context);
+    QVERIFY(details.prepare(source, {}).ok);
+    const Result refused = details.installable();
+    QVERIFY(!refused.ok);
+    QVERIFY2(refused.text.contains(part), qPrintable(refused.text));
+    InstallOptions options;
+    options.skip = {QString(entry).replace(u'/', u'\\')};
+    QVERIFY(details.prepare(source, options).ok);
+    QVERIFY2(details.installable().ok, qPrintable(details.installable().text));
 }
 
 void TestPlan::repaint_withoutAircraft_blocks()
@@ -283,13 +346,13 @@ void TestPlan::methods_moveTheGroup()
                 .ok);
     QCOMPARE(bgl(), u"C:\\FSX\\Scenery\\World\\scenery\\"_s);
     QCOMPARE(dds(), u"C:\\FSX\\Scenery\\World\\texture\\"_s);
-    QVERIFY(details.sceneryAreas().isEmpty());
+    QVERIFY(details.facts().sceneryAreas().isEmpty());
     QVERIFY(details
                 .Scenery_InstallationDetails_ModifyPerInstallationMethod(
                     0, Method::ChosenFolder, u"C:\\FSX\\Addon Scenery\\Mine"_s)
                 .ok);
     QCOMPARE(bgl(), u"C:\\FSX\\Addon Scenery\\Mine\\scenery\\"_s);
-    QCOMPARE(details.sceneryAreas().value(0).folder, u"C:\\FSX\\Addon Scenery\\Mine\\"_s);
+    QCOMPARE(details.facts().sceneryAreas().value(0).folder, u"C:\\FSX\\Addon Scenery\\Mine\\"_s);
     QVERIFY(!details
                  .Scenery_InstallationDetails_ModifyPerInstallationMethod(
                      0, Method::ChosenFolder, u"D:\\Elsewhere"_s)
@@ -304,7 +367,7 @@ void TestPlan::methods_moveTheGroup()
     QVERIFY(details.Scenery_InstallationChoices_Validate().text.contains(
         u"Scenery library title is not specified."_s));
     details.Scenery_InstallationDetails_ModifyPerSceneryLibraryUpdateSelection(0, false, {});
-    QVERIFY(details.sceneryAreas().isEmpty());
+    QVERIFY(details.facts().sceneryAreas().isEmpty());
 }
 
 void TestPlan::aircraftFolder_takesItsPartsAlong()

@@ -177,6 +177,7 @@ public:
             parser.command = &command;
             parser.app = commandApp(m_app, m_groups, command);
             parser.app->fallthrough();
+            parser.app->footer("Global options: see 'vantrelctl --help'.");
             parser.app->set_version_flag("--version", "vantrelctl " VANTREL_VERSION);
             for (const Positional& positional : command.positionals)
                 addPositional(parser, positional);

@@ -30,10 +30,33 @@ using namespace Qt::StringLiterals;
 
 namespace vt::cli {
 
+QString operationWord(OperationKind kind)
+{
+    switch (kind) {
+    case OperationKind::Installation:
+        return u"installation"_s;
+    case OperationKind::Removal:
+        return u"removal"_s;
+    case OperationKind::Configuration:
+        break;
+    }
+    return u"configuration"_s;
+}
+
 namespace {
 
 constexpr QStringView productName = u"Vantrel for Flight Simulator X";
 constexpr qsizetype sayPiece = 64 * 1024;
+
+/// "An interrupted installation of 'Harbour' was undone."
+QString recoverySentence(const Recovery& recovery)
+{
+    QString text = u"An interrupted "_s + operationWord(recovery.operation.kind) + u" of '"_s +
+                   recovery.operation.label + u"' was "_s + recovery.outcome;
+    if (!recovery.texts.isEmpty())
+        text += u"; "_s + recovery.texts.first();
+    return text.endsWith(u'.') ? text : text + u'.';
+}
 
 QString kindName(ErrorKind kind)
 {
@@ -263,8 +286,8 @@ Result World::Parts::finishInterrupted()
     if (unfinished->isEmpty())
         return Result::success();
     if (const Result simulator = locate(false); !simulator)
-        return unfit(u"An interrupted operation ('"_s + unfinished->first().label +
-                     u"') cannot be finished. "_s + simulator.text);
+        return unfit(u"An interrupted "_s + operationWord(unfinished->first().kind) + u" of '"_s +
+                     unfinished->first().label + u"' cannot be finished. "_s + simulator.text);
     ResultOf<QList<Recovery>> done = recover(journal, *gate);
     if (!done)
         return unfit(done.text);
@@ -275,8 +298,9 @@ Result World::Parts::finishInterrupted()
             errors->report(u"Application_Startup : Recovery"_s, text);
     for (const Recovery& recovery : recoveries) {
         if (recovery.outcome == u"failed")
-            return unfit(u"The interrupted operation on '"_s + recovery.operation.label +
-                         u"' could not be finished. "_s + recovery.texts.value(0));
+            return unfit(u"The interrupted "_s + operationWord(recovery.operation.kind) +
+                         u" of '"_s + recovery.operation.label + u"' could not be finished. "_s +
+                         recovery.texts.value(0));
     }
     return Result::success();
 }
@@ -294,8 +318,7 @@ Result World::prepare()
 {
     if (m->options.prefix.isEmpty() && m->options.drives.isEmpty())
         return Result::success();
-    const Result drives = m->buildDrives();
-    return drives ? drives : Result::failure(drives.text, ErrorKind::Surroundings);
+    return m->buildDrives();
 }
 
 Services& World::services()
@@ -324,11 +347,11 @@ const LocatedSimulator& World::located()
     return m->located;
 }
 
-Result World::needWriting()
+Result World::needWriting(bool tellRecoveries)
 {
     if (m->writingResult)
         return *m->writingResult;
-    const auto prepareWriting = [this]() -> Result {
+    const auto prepareWriting = [this, tellRecoveries]() -> Result {
         Context& all = context();
         if (!m->registryResult)
             return unfit(m->registryResult.text);
@@ -348,6 +371,10 @@ Result World::needWriting()
             return opened;
         if (Result finished = m->finishInterrupted(); !finished)
             return finished;
+        for (const Recovery& recovery : std::as_const(m->recoveries)) {
+            if (tellRecoveries)
+                console::error(recoverySentence(recovery) + u'\n');
+        }
         (void)keepOriginals(all); // logged; no reason to refuse the command
         return m->located.valid() ? offerRegistryUpdate(all, *m->registryClass, m->located)
                                   : Result::success();
@@ -357,6 +384,14 @@ Result World::needWriting()
     if (!m->writingResult->ok)
         m->lock.release();
     return *m->writingResult;
+}
+
+Result World::needLock()
+{
+    (void)context();
+    return m->files->isFolder(m->global.programFolder)
+               ? m->lock.tryLock(*m->gate, m->global.programFolder)
+               : Result::success();
 }
 
 Result World::needDatabase()
@@ -466,6 +501,14 @@ void World::say(const Results& results)
         for (const Results::Entry& entry : group.entries)
             say(u"  "_s + entry.text());
     }
+}
+
+int World::failElement(const Result& failure)
+{
+    m->beforeOutput();
+    console::error(failure.text + u'\n');
+    m->stream.error(failure.text, kindName(failure.kind));
+    return exitOf(failure.kind);
 }
 
 int World::fail(const Result& failure, const QJsonObject& done)

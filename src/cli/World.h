@@ -24,6 +24,9 @@ class Results;
 
 namespace vt::cli {
 
+/// "installation", "removal" or "configuration".
+[[nodiscard]] QString operationWord(OperationKind kind);
+
 struct GlobalOptions
 {
     QString home;
@@ -58,8 +61,12 @@ public:
     [[nodiscard]] const LocatedSimulator& located();
     /// For commands that write: takes the lock, makes missing folders, deletes the old error log,
     /// keeps the simulator's first copies, opens the database, finishes interrupted work. Does not
-    /// require a simulator unless interrupted work does.
-    [[nodiscard]] Result needWriting();
+    /// require a simulator unless interrupted work does. What it finished is told in a line each on
+    /// standard error, but for a command that tells it itself.
+    [[nodiscard]] Result needWriting(bool tellRecoveries = true);
+    /// For commands that write a file of the user's and nothing of the program's: takes the lock of
+    /// a program folder that exists, and makes none.
+    [[nodiscard]] Result needLock();
     /// The open database; read-only unless needWriting() came before. A program folder without
     /// database and without content counts as an empty one: database() is then null.
     [[nodiscard]] Result needDatabase();
@@ -94,6 +101,9 @@ public:
     /// into the document that out() has begun (an array is closed without it).
     /// Returns the exit status that belongs to the kind of failure.
     int fail(const Result& failure, const QJsonObject& done = {});
+    /// The same for one element of a list: {"error": {...}} goes into the object that out() has
+    /// open, and the command goes on.
+    int failElement(const Result& failure);
     /// After the command: completes the JSON document, clears the progress bar.
     void finish();
 

@@ -1,6 +1,7 @@
 // list, show, owner, validate, history: what is recorded, beside what lies on the disk. Reads only.
 #include "addondb/AddonDatabase.h"
 #include "addondb/AddonList.h"
+#include "cli/AddonKey.h"
 #include "cli/Command.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
@@ -27,24 +28,6 @@ QString countOf(qint64 number, const QString& one, const QString& many)
 }
 
 // --- arguments ---
-
-ResultOf<qint64> keyOf(const Arguments& arguments)
-{
-    bool number = false;
-    const QString typed = arguments.one(u"KEY"_s);
-    const qint64 key = typed.toLongLong(&number);
-    if (number)
-        return key;
-    return Result::failure(
-        u"'"_s + typed + u"' is not the key of an add-on; 'vantrelctl list' shows the keys."_s,
-        ErrorKind::Usage);
-}
-
-Result unknownKey(qint64 key)
-{
-    return Result::failure(u"There is no add-on with the key "_s + QString::number(key) +
-                           u"; 'vantrelctl list' shows those that are recorded."_s);
-}
 
 /// One of the words that the options allow.
 StatusFilter statusOf(const QString& word)
@@ -159,17 +142,18 @@ struct Shown
 
 ResultOf<Shown> loadShown(World& world, const Arguments& arguments)
 {
-    const ResultOf<qint64> key = keyOf(arguments);
+    const ResultOf<qint64> key = addonKey(arguments.one(u"KEY"_s));
     if (!key)
         return key.error();
     if (Result ready = world.needDatabase(); !ready)
         return ready;
+    const Result unknown = unknownAddon(QString::number(*key));
     if (world.database() == nullptr)
-        return unknownKey(*key);
+        return unknown;
     Connection& database = *world.database();
     const ResultOf<AddonRow> row = addonRow(database, *key);
     if (!row)
-        return row.kind == ErrorKind::Failed ? unknownKey(*key) : row.error();
+        return row.kind == ErrorKind::Failed ? unknown : row.error();
     ResultOf<AddonItems> items = AddonItems::load(database, *key);
     if (!items)
         return items.error();

@@ -58,14 +58,12 @@ void tellInterrupted(World& world)
         const JournalOperation& operation = recovery.operation;
         out.beginObject();
         out.field(u"name", operation.label);
-        out.field(u"kind",
-                  operation.kind == OperationKind::Installation ? u"installation"_s
-                  : operation.kind == OperationKind::Removal    ? u"removal"_s
-                                                                : u"configuration"_s);
+        out.field(u"kind", operationWord(operation.kind));
         out.field(u"outcome", recovery.outcome);
         out.field(u"texts", recovery.texts);
         out.endObject();
-        world.say(u"Interrupted:    '"_s + operation.label + u"' was "_s + recovery.outcome);
+        world.say(u"Interrupted:    the "_s + operationWord(operation.kind) + u" of '"_s +
+                  operation.label + u"' was "_s + recovery.outcome);
         for (const QString& text : recovery.texts)
             world.say(u"                "_s + text);
     }
@@ -129,7 +127,7 @@ void tellTwins(World& world)
 
 int doctor(World& world, const Arguments&)
 {
-    const Result writing = world.needWriting();
+    const Result writing = world.needWriting(false);
     const Result simulator = world.needSimulator();
     Result database = writing;
     if (writing && world.database())

@@ -1,5 +1,6 @@
 // ini sections, get, set, delete: the configuration file engine on one file that the user names.
-// Nothing here touches the simulator, the program folder or the database.
+// Nothing here touches the simulator or the database; what writes holds the program folder's lock,
+// since the file may be one that an installation is changing.
 #include "cli/Command.h"
 #include "platform/WinPath.h"
 #include "simconfig/engine/modRoutines_INI.h"
@@ -25,6 +26,9 @@ ResultOf<IniFile> openIni(World& world, const Arguments& arguments)
 {
     Services& services = world.services();
     IniFile file{world.userPath(arguments.one(u"FILE"_s)), LineArray(services.ansi), {}};
+    if (services.files.isFolder(file.path))
+        return Result::failure(u"'"_s + file.path + u"' is a folder; name a configuration file."_s,
+                               ErrorKind::Surroundings);
     if (!services.files.isFile(file.path))
         return Result::failure(u"The file '"_s + file.path + u"' was not found."_s,
                                ErrorKind::Surroundings);
@@ -32,6 +36,32 @@ ResultOf<IniFile> openIni(World& world, const Arguments& arguments)
         return Result::failure(read.text, ErrorKind::Surroundings);
     file.editable = ini::checkEditable(file.lines, file.path);
     return file;
+}
+
+/// The section as typed, with or without the brackets around it.
+QString sectionOf(const Arguments& arguments)
+{
+    const QString typed = arguments.one(u"SECTION"_s).trimmed();
+    const bool bracketed = typed.size() > 2 && typed.startsWith(u'[') && typed.endsWith(u']');
+    return bracketed ? typed.sliced(1, typed.size() - 2) : typed;
+}
+
+/// What would not be read back as the section and entry that were meant is never written.
+Result checkNames(const QString& section, const QString& key)
+{
+    const auto refuse = [](const QString& name, const QString& what) {
+        return Result::failure(u"'"_s + name + u"' cannot be the name of "_s + what +
+                               u" in a configuration file."_s);
+    };
+    const QString header = ini::INI_Line_StripComment(u'[' + section + u']').data;
+    if (ini::INI_Line_GetSectionName(header).value_or(QString()) != section || section.isEmpty())
+        return refuse(section, u"a section"_s);
+    const QString line = ini::INI_Line_StripComment(key + u"=1"_s).data;
+    const std::optional<ini::Entry> entry = ini::INI_Line_SplitEntry(line);
+    if (ini::INI_Line_IsSectionHeader(line) || !entry || entry->value != u"1" ||
+        entry->key != QString(key).remove(u' ').remove(u'\t'))
+        return refuse(key, u"an entry"_s);
+    return Result::success();
 }
 
 profile::ProfileFile profileOfIni(World& world, const IniFile& file)
@@ -64,7 +94,7 @@ int iniGet(World& world, const Arguments& arguments)
     const ResultOf<IniFile> file = openIni(world, arguments);
     if (!file)
         return world.fail(file.error());
-    const QString section = ini::INI_Section_NameStrip(arguments.one(u"SECTION"_s));
+    const QString section = sectionOf(arguments);
     const QString key = arguments.one(u"KEY"_s);
     std::optional<QString> value;
     if (file->editable) {
@@ -90,16 +120,19 @@ Result writeIni(World& world, const IniFile& file)
 int iniSet(World& world, const Arguments& arguments)
 {
     const QJsonObject refused{{u"ok"_s, false}, {u"value"_s, {}}};
+    if (const Result alone = world.needLock(); !alone)
+        return world.fail(alone, refused);
     ResultOf<IniFile> file = openIni(world, arguments);
     if (!file)
         return world.fail(file.error(), refused);
     const QString value = arguments.one(u"VALUE"_s);
     if (!file->editable)
         return world.fail(file->editable, refused);
-    const Result set = ini::INI_Entry_Set(file->lines,
-                                          ini::INI_Section_NameStrip(arguments.one(u"SECTION"_s)),
-                                          arguments.one(u"KEY"_s),
-                                          value);
+    const QString section = sectionOf(arguments);
+    const QString key = arguments.one(u"KEY"_s);
+    Result set = checkNames(section, key);
+    if (set)
+        set = ini::INI_Entry_Set(file->lines, section, key, value);
     if (!set)
         return world.fail(
             Result::failure(u"'"_s + file->path + u"' was not changed. "_s + set.text), refused);
@@ -112,12 +145,14 @@ int iniSet(World& world, const Arguments& arguments)
 int iniDelete(World& world, const Arguments& arguments)
 {
     const QJsonObject refused{{u"ok"_s, false}, {u"value"_s, {}}};
+    if (const Result alone = world.needLock(); !alone)
+        return world.fail(alone, refused);
     ResultOf<IniFile> file = openIni(world, arguments);
     if (!file)
         return world.fail(file.error(), refused);
     if (!file->editable)
         return world.fail(file->editable, refused);
-    const QString section = ini::INI_Section_NameStrip(arguments.one(u"SECTION"_s));
+    const QString section = sectionOf(arguments);
     const QString key = arguments.one(u"KEY"_s);
     const std::optional<QString> value = ini::INI_Entry_Get(file->lines, section, key);
     if (!value || !ini::INI_Entry_Delete(file->lines, section, key))

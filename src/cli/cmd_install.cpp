@@ -65,8 +65,12 @@ int runInstall(World& world, const Arguments& arguments)
         return world.fail(Result::failure(QString::number(installer.failedFiles()) +
                                           u" files of '"_s + installer.record().name +
                                           u"' could not be installed. "_s + installer.cause()));
+    const QStringList failed = installer.results().texts(resultgroup::failedSpecialActions);
+    if (!failed.isEmpty())
+        return world.fail(Result::failure(u"'"_s + installer.record().name +
+                                          u"' was installed, but not whole. "_s + failed.first()));
     world.out().endObject();
-    return installer.results().count(resultgroup::failedSpecialActions) == 0 ? Done : Partly;
+    return Done;
 }
 
 } // namespace
@@ -75,7 +79,7 @@ std::vector<Command> installCommands()
 {
     return {{"install",
              "install an add-on from an archive or a folder",
-             {{"SOURCE", "archive or folder"}},
+             {{"SOURCE", "archive, folder or file"}},
              installOptionTable(),
              runInstall}};
 }

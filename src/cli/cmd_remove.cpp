@@ -1,7 +1,10 @@
 // remove: takes recorded add-ons out of the simulator again, one after the other.
-#include "addondb/Connection.h"
+#include "addondb/AddonDatabase.h"
+#include "cli/AddonKey.h"
 #include "cli/Command.h"
 #include "remove/CAddonRemover.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -9,71 +12,69 @@ namespace vt::cli {
 
 namespace {
 
-RemovalMethod methodOf(const QString& word)
+/// Why a removal that ran to its end is not whole.
+Result notWhole(const CAddonRemover& remover)
 {
-    if (word == u"cabinet")
-        return RemovalMethod::FileCabinet;
-    if (word == u"recreate")
-        return RemovalMethod::Recreate;
-    if (word == u"records")
-        return RemovalMethod::RemoveRecords;
-    return RemovalMethod::Delete;
+    const Results& results = remover.results();
+    const QString cause = results.texts(resultgroup::failedSpecialActions)
+                              .value(0, results.texts(resultgroup::notProcessed).value(0));
+    return Result::failure(u"'"_s + remover.record().name + u"' was not removed whole. "_s + cause);
 }
 
-/// The failure that decides the exit status, or success.
-Result removeOne(World& world, const QString& typedKey, RemovalMethod method, bool& partly)
+/// One element of the document; the exit status that belongs to it.
+int removeOne(World& world, const ResultOf<qint64>& key)
 {
     JsonStream& out = world.out();
     out.beginObject();
-    bool isNumber = false;
-    const qint64 key = typedKey.toLongLong(&isNumber);
-    Result failure = isNumber
-                         ? Result::success()
-                         : Result::failure(u"'"_s + typedKey +
-                                           u"' is no key of an add-on; 'list' shows the keys."_s);
-    out.field(u"key", key);
+    Result failure = key.error();
+    out.field(u"key", key ? *key : 0);
+    if (key) {
+        const auto recorded = modDatabase_Addon::addon(*world.database(), *key);
+        if (!recorded && recorded.kind == ErrorKind::Failed)
+            failure = unknownAddon(QString::number(*key));
+    }
     if (failure) {
-        CAddonRemover remover(world.context(), *world.database(), key, method);
+        CAddonRemover remover(world.context(), *world.database(), *key, RemovalMethod::Delete);
         if (!remover.Remove_Begin())
             failure = remover.failure();
-        partly = partly || remover.anyFailed();
+        else if (remover.anyFailed())
+            failure = notWhole(remover);
         out.field(u"name", remover.record().name);
-        out.field(u"ok", failure.ok && !remover.anyFailed());
+        out.field(u"ok", failure.ok);
         out.key(u"results");
         remover.results().write(out);
-        if (failure)
-            world.say(removalResultsCaption(remover.record().name));
+        world.say(removalResultsCaption(remover.record().name));
         world.say(remover.results());
     } else {
+        out.field(u"name", QString());
         out.field(u"ok", false);
+        out.key(u"results");
+        Results::forRemoval().write(out);
     }
-    if (!failure)
-        out.field(u"text", failure.text);
+    const int status = failure ? Done : world.failElement(failure);
     out.endObject();
-    return failure;
+    return status;
 }
 
 int runRemove(World& world, const Arguments& arguments)
 {
+    QList<ResultOf<qint64>> keys;
+    for (const QString& typed : arguments.all(u"KEY"_s)) {
+        keys.push_back(addonKey(typed));
+        // Nothing is removed by a command that was mistyped.
+        if (!keys.constLast() && keys.constLast().kind == ErrorKind::Usage)
+            return world.fail(keys.constLast().error());
+    }
     if (Result ready = world.needSimulator(); !ready)
         return world.fail(ready);
     if (Result ready = world.needWriting(); !ready)
         return world.fail(ready);
-    if (Result ready = world.needDatabase(); !ready)
-        return world.fail(ready);
-    const RemovalMethod method = methodOf(arguments.value(u"--method"_s, u"delete"_s));
-    Result worst = Result::success();
-    bool partly = false;
+    int status = Done;
     world.out().beginArray();
-    for (const QString& key : arguments.all(u"KEY"_s)) {
-        const Result removed = removeOne(world, key, method, partly);
-        if (!removed && (worst.ok || worst.kind == ErrorKind::Failed))
-            worst = removed;
-    }
+    for (const ResultOf<qint64>& key : std::as_const(keys))
+        status = std::max(status, removeOne(world, key));
     world.out().endArray();
-    if (!worst)
-        return world.fail(worst);
-    return partly ? Partly : Done;
+    return status;
 }
 
 } // namespace
@@ -82,12 +83,8 @@ std::vector<Command> removeCommands()
 {
     return {{"remove",
              "remove add-ons, putting back what they had replaced",
-             {{"KEY", "key of an add-on, as shown by list", true, true}},
-             {{"--method",
-               "METHOD",
-               "what happens to the files",
-               false,
-               {"delete", "cabinet", "recreate", "records"}}},
+             {{"KEY", "key of an add-on, as 'list' shows it", true, true}},
+             {{"--method", "METHOD", "what happens to the files", false, {"delete"}}},
              runRemove}};
 }
 

@@ -143,17 +143,36 @@ int getSetting(World& world, const Arguments& arguments)
     return Done;
 }
 
+/// What a setting takes, as the end of a sentence.
+QString takes(const SettingRow& row)
+{
+    if (row.type == SettingType::Boolean)
+        return u"True or False"_s;
+    if (!row.range)
+        return u"a whole number"_s;
+    return u"a whole number from "_s + QString::number(row.range->least) + u" to "_s +
+           QString::number(row.range->most);
+}
+
+bool fits(const SettingRow& row, const QString& value)
+{
+    const std::optional<QString> canonical = canonicalSetting(row.type, value);
+    if (!canonical || !row.range)
+        return canonical.has_value();
+    const qint32 number = canonical->toInt();
+    return number >= row.range->least && number <= row.range->most;
+}
+
 int setSetting(World& world, const Arguments& arguments)
 {
     const ResultOf<Addressed> setting = addressed(arguments);
     if (!setting)
         return world.fail(setting.error());
     const QString value = arguments.one(u"VALUE"_s);
-    const SettingType type = setting->row().type;
-    if (!canonicalSetting(type, value))
-        return world.fail(Result::failure(
-            u"'"_s + value + u"' is no value for '"_s + setting->name() + u"': it takes "_s +
-            (type == SettingType::Boolean ? u"True or False"_s : u"a whole number"_s) + u"."_s));
+    if (!fits(setting->row(), value))
+        return world.fail(Result::failure(u"'"_s + value + u"' is no value for '"_s +
+                                          setting->name() + u"': it takes "_s +
+                                          takes(setting->row()) + u'.'));
     if (Result fit = world.needWriting(); !fit)
         return world.fail(fit);
     Settings& settings = world.context().settings;

@@ -69,8 +69,7 @@ Result CAddonInstallationDetails::prepare(const QString& sourcePath, const Insta
                                ErrorKind::Surroundings);
     }
     AddonItemGroup_AnalyzeForWizard();
-    applyOptions();
-    return Result::success();
+    return applyOptions();
 }
 
 std::unique_ptr<CAddonInstallationDetails> CAddonInstallationDetails::Clone() const

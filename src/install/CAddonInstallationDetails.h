@@ -234,11 +234,11 @@ private:
 
     void nameAddon();
     [[nodiscard]] QString fileIdText() const;
-    void applyOptions();
+    Result applyOptions();
     Result resolveOptionFolders();
     [[nodiscard]] QString chosenFolder(const QString& typed) const;
-    void applySkips();
-    void applyTargets();
+    Result applySkips();
+    Result applyTargets();
     void resolveConflicts();
     void setFolder(CAddon_Item& item, const QString& folder);
     void moveGroup(MappedGroup family, int group, const QString& folder);

@@ -40,14 +40,17 @@ Result CAddonInstallationDetails::resolveOptionFolders()
                            candidates.first() + u"'; name the folder of an installed aircraft."_s);
 }
 
-void CAddonInstallationDetails::applyOptions()
+Result CAddonInstallationDetails::applyOptions()
 {
-    applySkips();
-    applyTargets();
+    if (Result skipped = applySkips(); !skipped)
+        return skipped;
+    if (Result placed = applyTargets(); !placed)
+        return placed;
     resolveConflicts();
     if (m_options.to == InstallTo::Cabinet)
         AddonItemGroup_InstallationFolders_ProcessInstallToStorage();
     AddonItems_UpdateTargetExists();
+    return Result::success();
 }
 
 namespace {
@@ -95,7 +98,7 @@ private:
 
 } // namespace
 
-void CAddonInstallationDetails::applySkips()
+Result CAddonInstallationDetails::applySkips()
 {
     for (const QString& name : std::as_const(m_options.skip)) {
         const ItemPattern pattern(name);
@@ -106,14 +109,14 @@ void CAddonInstallationDetails::applySkips()
             found = true;
             item.boolProcess = false;
         }
-        if (!found) {
-            addRemark(
-                0, u"There is no '"_s + name + u"' in the add-on that could be left out."_s, true);
-        }
+        if (!found)
+            return Result::failure(u"There is no '"_s + name + u"' in '"_s + m_source->path() +
+                                   u"' that could be left out."_s);
     }
+    return Result::success();
 }
 
-void CAddonInstallationDetails::applyTargets()
+Result CAddonInstallationDetails::applyTargets()
 {
     for (const TargetChoice& choice : std::as_const(m_options.targets)) {
         const ItemPattern pattern(choice.name);
@@ -125,13 +128,11 @@ void CAddonInstallationDetails::applyTargets()
             found = true;
             setFolder(item, spelled + pattern.below(item));
         }
-        if (!found) {
-            addRemark(0,
-                      u"There is no '"_s + choice.name +
-                          u"' in the add-on that could go to another folder."_s,
-                      true);
-        }
+        if (!found)
+            return Result::failure(u"There is no '"_s + choice.name + u"' in '"_s +
+                                   m_source->path() + u"' that could go to another folder."_s);
     }
+    return Result::success();
 }
 
 void CAddonInstallationDetails::resolveConflicts()

@@ -107,7 +107,9 @@ Result addTypedDrive(const QString& typed, const QString& currentFolder, DriveTa
         return refuse(u"Z: always stands for the whole disk of this computer."_s);
     const QString host = absoluteHost(folder, currentFolder, QDir::homePath());
     if (!QFileInfo(host).isDir())
-        return refuse(u"the folder '"_s + host + u"' does not exist."_s);
+        return Result::failure(u"The drive '"_s + typed + u"' cannot be used: the folder '"_s +
+                                   host + u"' does not exist."_s,
+                               ErrorKind::Surroundings);
     table.set(letter, host);
     return Result::success();
 }
@@ -144,7 +146,7 @@ ResultOf<Prefix> findPrefix(const PrefixSearch& search)
             return Result::failure(
                 u"'"_s + folder +
                     u"' is no Wine or Proton prefix: it has neither 'dosdevices', 'drive_c' nor 'system.reg'. Please name the folder that holds them."_s,
-                ErrorKind::Usage);
+                ErrorKind::Surroundings);
         return Prefix{found, u"option"_s};
     }
     const QString fromEnvironment = search.environment.value(u"WINEPREFIX"_s);

@@ -235,6 +235,14 @@ void JsonStream::quoted(QStringView text)
     m_buffer.resize(start + (to - first));
 }
 
+void JsonStream::error(const QString& text, const QString& kind)
+{
+    beginObject(u"error");
+    field(u"text", text);
+    field(u"kind", kind);
+    endObject();
+}
+
 bool JsonStream::close(const QString& errorText, const QString& errorKind)
 {
     if (!m_begun || m_levels.empty())
@@ -244,12 +252,8 @@ bool JsonStream::close(const QString& errorText, const QString& errorKind)
     while (m_levels.size() > 1)
         m_levels.back().object ? endObject() : endArray();
     const bool withError = m_levels.back().object && !errorText.isEmpty();
-    if (withError) {
-        beginObject(u"error");
-        field(u"text", errorText);
-        field(u"kind", errorKind);
-        endObject();
-    }
+    if (withError)
+        error(errorText, errorKind);
     m_levels.back().object ? endObject() : endArray();
     return withError;
 }

@@ -69,6 +69,9 @@ public:
         beginArray();
     }
 
+    /// A member {"error": {"text", "kind"}} of the object that is open.
+    void error(const QString& text, const QString& kind);
+
     /// Whether anything was written.
     [[nodiscard]] bool begun() const { return m_begun; }
 

@@ -99,6 +99,15 @@ void TestCliConfig::ini_refusals_data()
                                  << QByteArray("'y'");
     QTest::newRow("nothing to delete")
         << good << QStringList{u"delete"_s, u"a.cfg"_s, u"b"_s, u"x"_s} << 1 << QByteArray("'b'");
+    for (const QString& section : {u"A]"_s, u"b;c"_s, u""_s})
+        QTest::newRow("section") << good
+                                 << QStringList{u"set"_s, u"a.cfg"_s, section, u"x"_s, u"2"_s} << 1
+                                 << QByteArray("name of a section");
+    for (const QString& key : {u"k=1"_s, u"k;1"_s, u"[k"_s, u" "_s})
+        QTest::newRow("key") << good << QStringList{u"set"_s, u"a.cfg"_s, u"a"_s, key, u"2"_s} << 1
+                             << QByteArray("name of an entry");
+    QTest::newRow("folder") << good << QStringList{u"sections"_s, u"."_s} << 3
+                            << QByteArray("is a folder");
     QTest::newRow("missing file") << good << QStringList{u"sections"_s, u"none.cfg"_s} << 3
                                   << QByteArray("none.cfg");
 }

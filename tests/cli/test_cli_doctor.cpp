@@ -99,12 +99,15 @@ void TestCliDoctor::wrongSimulator_isNamedWithTheCause()
     cli.makeSimulator();
     QFile program(cli.dir.filePath(u"sim/fsx.exe"_s));
     QVERIFY(program.remove());
-    const Ran ran = cli.run({u"doctor"_s, u"--sim"_s, u"sim"_s});
-    QCOMPARE(ran.status, 3);
-    QCOMPARE(ran.err,
-             "Flight Simulator X was not found: '" + cli.windows(u"sim"_s).toUtf8() +
-                 "\\' (option) is not valid because 'fsx.exe' is missing; name its folder "
-                 "with --sim or in 'SimPath.txt'.\n");
+    for (const auto& [folder, cause] : {std::pair{u"sim"_s, "'fsx.exe' is missing"},
+                                        std::pair{u"gone"_s, "the folder does not exist"}}) {
+        const Ran ran = cli.run({u"doctor"_s, u"--sim"_s, folder});
+        QCOMPARE(ran.status, 3);
+        QCOMPARE(ran.err,
+                 "Flight Simulator X was not found: '" + cli.windows(folder).toUtf8() +
+                     "\\' (named with --sim) is not valid because " + cause +
+                     "; name the folder that holds 'fsx.exe'.\n");
+    }
 }
 
 void TestCliDoctor::damagedDatabase_isTold()

@@ -199,7 +199,20 @@ private Q_SLOTS:
             world.write(u"home/Originals/terrain.cfg"_s, "kept");
         });
         row("an unknown key", {u"remove"_s, u"77"_s}, 1, u"77"_s, {});
-        row("a key that is none", {u"remove"_s, u"many"_s}, 1, u"many"_s, {});
+        for (const QString& command : {u"remove"_s, u"show"_s, u"validate"_s})
+            row("a key that is none", {command, u"many"_s}, 2, u"many"_s, {});
+        for (const QString& command : {u"plan"_s, u"install"_s}) {
+            row("nothing to skip",
+                {command, u"pack.zip"_s, u"--skip"_s, u"x.y"_s},
+                1,
+                u"x.y"_s,
+                {});
+            row("nothing to place",
+                {command, u"pack.zip"_s, u"--target"_s, u"x.y=Effects"_s},
+                1,
+                u"x.y"_s,
+                {});
+        }
         row("a wrong rating", {u"install"_s, u"pack.zip"_s, u"--rating"_s, u"6"_s}, 2, u"6"_s, {});
         row("a folder to be archived",
             {u"install"_s, u"unpacked"_s, u"--archive-source"_s, u"drawer"_s},
@@ -242,6 +255,24 @@ private Q_SLOTS:
         QCOMPARE(world.changes(), QStringList());
     }
 
+    void removingSeveral_tellsEachFailure()
+    {
+        InstallWorld world;
+        QCOMPARE(world.run({u"install"_s, u"pack.zip"_s}).status, 0);
+        const Ran ran = world.run({u"--json"_s, u"remove"_s, u"98"_s, u"1"_s, u"99"_s});
+        QCOMPARE(ran.status, 1);
+        QCOMPARE(ran.err.count('\n'), 2);
+        QVERIFY2(ran.err.contains("key 98;") && ran.err.contains("key 99;"), ran.err);
+        const QJsonArray elements = QJsonDocument::fromJson(ran.out).array();
+        QCOMPARE(elements.size(), 3);
+        for (const QJsonValue& element : elements) {
+            const bool removed = element[u"key"].toInt() == 1;
+            QCOMPARE(element[u"ok"].toBool(), removed);
+            QCOMPARE(element[u"error"][u"text"].isString(), !removed);
+        }
+        QCOMPARE(world.changes(), QStringList());
+    }
+
     void heldProgramFolder_isExit3_butReadingGoesOn()
     {
         InstallWorld world;
@@ -256,6 +287,8 @@ private Q_SLOTS:
         QCOMPARE(differences(with, world.tree()), QStringList());
         QCOMPARE(world.run({u"list"_s}).status, 0);
         QCOMPARE(world.run({u"plan"_s, u"pack.zip"_s}).status, 0);
+        world.write(u"a.cfg"_s, "[a]\r\nx=1\r\n");
+        QCOMPARE(world.run({u"ini"_s, u"set"_s, u"a.cfg"_s, u"a"_s, u"x"_s, u"2"_s}).status, 3);
         flock(lock.handle(), LOCK_UN);
         QCOMPARE(world.run({u"remove"_s, u"1"_s}).status, 0);
         QCOMPARE(world.changes(), QStringList());

@@ -110,7 +110,8 @@ void TestUsage::prefix_thatIsNoneIsRefused()
     const Ran ran = cli.run({u"--prefix"_s, u"nowhere"_s, u"settings"_s, u"list"_s});
     QCOMPARE(ran.status, 3);
     QVERIFY2(ran.err.contains("nowhere") && ran.err.count('\n') == 1, ran.err.constData());
-    QCOMPARE(cli.run({u"--drive"_s, u"QQ=x"_s, u"settings"_s, u"list"_s}).status, 3);
+    QCOMPARE(cli.run({u"--drive"_s, u"QQ=x"_s, u"settings"_s, u"list"_s}).status, 2);
+    QCOMPARE(cli.run({u"--drive"_s, u"Q=gone"_s, u"settings"_s, u"list"_s}).status, 3);
 }
 
 void TestUsage::words_inBracketsStayWhole()

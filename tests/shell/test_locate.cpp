@@ -133,7 +133,7 @@ void TestLocate::option_isTheOnlyFolderTried()
     machineValue(shell, fsKey + u"\\10.0"_s, u"SetupPath"_s, u"C:\\Games\\FSX"_s);
     const Located wrong(shell, u"C:\\Elsewhere"_s);
     QVERIFY(!wrong.result && wrong.result.kind == ErrorKind::Surroundings);
-    QVERIFY(wrong.result.text.contains(u"'C:\\Elsewhere\\' (option)"_s));
+    QVERIFY(wrong.result.text.contains(u"'C:\\Elsewhere\\' (named with --sim)"_s));
     QCOMPARE(wrong.simulator.chosen.folder, u"C:\\Elsewhere\\"_s);
 
     shell.makeFsx(u"Other"_s);
@@ -300,7 +300,7 @@ void TestLocate::failure_namesEveryFolderAndItsCause()
     const Located located(shell);
     QCOMPARE(
         located.result.text,
-        u"Flight Simulator X was not found: 'C:\\A\\' (registry) is not valid because the folder 'ShadersHLSL' is missing (error code 1); 'C:\\B\\' (registry (Steam Edition)) is not valid because 'fsx.exe' is missing (error code 2); name its folder with --sim or in 'SimPath.txt'."_s);
+        u"Flight Simulator X was not found: 'C:\\A\\' (registry) is not valid because the folder 'ShadersHLSL' is missing (error code 1); 'C:\\B\\' (registry (Steam Edition)) is not valid because the folder does not exist; name its folder with --sim or in 'SimPath.txt'."_s);
     QCOMPARE(located.simulator.chosen.validation.code, 1);
 }
 

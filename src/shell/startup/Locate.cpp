@@ -275,7 +275,10 @@ private:
 
 QString refusedText(const LocatedSimulator& located, const GlobalRecord& global)
 {
-    const QString advice = u"; name its folder with --sim or in 'SimPath.txt'."_s;
+    const bool named = !located.refused.isEmpty() && located.refused.first().foundBy == u"option";
+    const QString advice = named ? u"; name the folder that holds '"_s +
+                                       simulatorExecutable(located.generation) + u"'."_s
+                                 : u"; name its folder with --sim or in 'SimPath.txt'."_s;
     if (located.refused.isEmpty())
         return global.names.simLong + u" was not found: no folder is known from the registry"_s +
                advice;
@@ -284,10 +287,12 @@ QString refusedText(const LocatedSimulator& located, const GlobalRecord& global)
         const SimulatorCandidate& candidate = located.refused[i];
         if (i > 0)
             text += u"; "_s;
-        text += u"'"_s + candidate.folder + u"' ("_s + candidate.foundBy +
-                u") is not valid because "_s +
+        text += u"'"_s + candidate.folder + u"' "_s +
+                (candidate.foundBy == u"option" ? u"(named with --sim)"_s
+                                                : u"("_s + candidate.foundBy + u')') +
+                u" is not valid because "_s +
                 validationCause(candidate.validation, located.generation);
-        if (candidate.validation.code != 0)
+        if (candidate.validation.hasFolder && candidate.validation.code != 0)
             text += u" (error code "_s + QString::number(candidate.validation.code) + u")"_s;
     }
     return text + advice;

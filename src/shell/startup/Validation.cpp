@@ -46,7 +46,7 @@ public:
         return info && !info->folder && info->size >= bytes;
     }
 
-    Validation m_result{false, true, 0};
+    Validation m_result{false, false, true, 0};
 
 private:
     const Files& m_files;
@@ -135,12 +135,15 @@ Validation validateSimulator(const Files& files, const QString& folder, int gene
     default:
         testFsx(tests);
     }
+    tests.m_result.hasFolder = files.isFolder(path);
     tests.m_result.hasExecutable = tests.file(simulatorExecutable(generation));
     return tests.m_result;
 }
 
 QString validationCause(const Validation& validation, int generation)
 {
+    if (!validation.hasFolder)
+        return u"the folder does not exist"_s;
     if (!validation.hasExecutable)
         return u"'"_s + simulatorExecutable(generation) + u"' is missing"_s;
     if (generation == FS2002)

@@ -9,6 +9,7 @@ namespace vt {
 
 struct Validation
 {
+    bool hasFolder = false;
     bool hasExecutable = false;
     bool passed = false; ///< every test of the generation; the executable is not among them
     int code = 0;        ///< of the last failing test; 0 also for tests without a code
@@ -20,7 +21,7 @@ struct Validation
 [[nodiscard]] Validation
 validateSimulator(const Files& files, const QString& folder, int generation);
 
-/// The cause as the end of a sentence: "the folder 'Missions' is missing".
+/// The cause as the end of a sentence: "the folder does not exist", "'fsx.exe' is missing".
 [[nodiscard]] QString validationCause(const Validation& validation, int generation);
 
 } // namespace vt

@@ -12,6 +12,7 @@ std::vector<Command> allCommands()
         settingsCommands,
         iniCommands,
         sceneryCommands,
+        configCommands,
         archiveCommands,
         databaseCommands,
         addonCommands,

@@ -187,7 +187,7 @@ int sceneryRestore(World& world, const Arguments&)
     // A library that cannot be read is the very thing to be restored.
     if (const Result opened = openLibrary(world, true, library); !library)
         return world.fail(opened);
-    const Result restored = library->SceneryCfg_Backup_Restore(false);
+    const Result restored = library->SceneryCfg_Backup_Restore(true);
     if (!restored)
         return world.fail(restored);
     world.say(restored.text);

@@ -131,7 +131,7 @@ Result CSceneryCfgMgr::SceneryCfg_Backup_Restore(bool ask)
             yesNo(u"Confirm Restore"_s,
                   u"Are you sure you wish to restore the scenery configuration file using '"_s +
                       newerBackup() + u"'? Any changes you made will be lost."_s,
-                  Button::No);
+                  Button::Yes);
         if (m_access.prompts.ask(sure) != Button::Yes)
             return Result::failure(u"Scenery configuration file was not updated."_s,
                                    ErrorKind::Declined);

@@ -19,17 +19,28 @@ struct SceneryWorld : CliFixture
             vt::writeDemoSimulator(dir.filePath(u"prefix"_s));
         if (!demo)
             qFatal("%s", qPrintable(demo.text));
-        library = QDir(dir.path()).relativeFilePath(demo->allUsersHost + u"/Scenery.cfg"_s);
+        const QDir top(dir.path());
+        library = top.relativeFilePath(demo->allUsersHost + u"/Scenery.cfg"_s);
+        configFolder = top.relativeFilePath(demo->userDataHost) + u'/';
         simulator = demo->simulatorHost;
     }
 
-    [[nodiscard]] Ran scenery(QStringList arguments, const QString& answer = u"default"_s) const
+    [[nodiscard]] Ran json(const QStringList& arguments, const QString& answer = u"default"_s) const
     {
-        arguments =
-            QStringList{
-                u"--json"_s, u"--prefix"_s, u"prefix"_s, u"--answer"_s, answer, u"scenery"_s} +
-            arguments;
-        return run(arguments);
+        return run(QStringList{u"--json"_s, u"--prefix"_s, u"prefix"_s, u"--answer"_s, answer} +
+                   arguments);
+    }
+
+    [[nodiscard]] Ran scenery(const QStringList& arguments,
+                              const QString& answer = u"default"_s) const
+    {
+        return json(QStringList{u"scenery"_s} + arguments, answer);
+    }
+
+    [[nodiscard]] Ran configs(const QStringList& arguments,
+                              const QString& answer = u"default"_s) const
+    {
+        return json(QStringList{u"configs"_s} + arguments, answer);
     }
 
     [[nodiscard]] static QJsonObject lastArea(const Ran& ran)
@@ -38,6 +49,7 @@ struct SceneryWorld : CliFixture
     }
 
     QString library;
+    QString configFolder; ///< of fsx.cfg
     QString simulator;
 };
 
@@ -58,6 +70,10 @@ private Q_SLOTS:
     void scenery_disableEnableRestore();
     void scenery_refusals_data();
     void scenery_refusals();
+    void configs_wholeLife();
+    void configs_refusals_data();
+    void configs_refusals();
+    void fly_andUseOnce();
 };
 
 void TestCliConfig::ini_onOneFile()
@@ -198,6 +214,7 @@ void TestCliConfig::scenery_disableEnableRestore()
     const QJsonObject first = off.object().value(u"areas"_s).toArray().first().toObject();
     QCOMPARE(first.value(u"active"_s).toBool(true), false);
     QVERIFY(cli.read(cli.library).contains("Title=World Base\r\nActive=FALSE\r\nLayer=1\r\n"));
+    QCOMPARE(cli.scenery({u"restore"_s}, u"no"_s).status, 4);
     QCOMPARE(cli.scenery({u"restore"_s}).status, 0);
     QCOMPARE(cli.read(cli.library), before);
     QCOMPARE(cli.scenery({u"enable"_s, u"1"_s}).status, 0);
@@ -230,6 +247,88 @@ void TestCliConfig::scenery_refusals()
     QVERIFY2(ran.err.contains(cause), ran.err.constData());
     QVERIFY(ran.object().contains(u"error"_s));
     QCOMPARE(cli.read(cli.library), before);
+}
+
+void TestCliConfig::configs_wholeLife()
+{
+    const SceneryWorld cli;
+    const QByteArray primary = cli.read(cli.configFolder + u"fsx.cfg"_s);
+    const Ran listed = cli.configs({u"list"_s});
+    QVERIFY(!cli.exists(u"home"_s));
+    QCOMPARE(listed.status, 0);
+    const QJsonObject first = QJsonDocument::fromJson(listed.out).array().first().toObject();
+    QCOMPARE(first.value(u"name"_s).toString(), u"fsx.cfg"_s);
+    QCOMPARE(first.value(u"primary"_s).toBool(), true);
+    QCOMPARE(first.value(u"description"_s).toString(), QString());
+    QCOMPARE(first.value(u"defaultFlight"_s).toString(), u"FLIGHTS\\OTHER\\Kestrel"_s);
+
+    QCOMPARE(cli.configs({u"create"_s}).status, 0);
+    const QString created = u"New FS X configuration file.cfg"_s;
+    QCOMPARE(cli.read(cli.configFolder + created), primary);
+    QCOMPARE(cli.configs({u"rename"_s, created.toUpper(), u"Low.cfg"_s}).status, 0);
+    QCOMPARE(cli.configs({u"describe"_s, u"low"_s, u"Few trees; no cars"_s}).status, 0);
+    const QByteArray low = cli.read(cli.configFolder + u"Low.cfg"_s);
+    QCOMPARE(low, "[VT_FILE_DETAILS]\r\nDescription=Few trees; no cars\r\n" + primary);
+    QCOMPARE(cli.configs({u"switch"_s, u"low.cfg"_s}).status, 4);
+    QCOMPARE(cli.read(cli.configFolder + u"fsx.cfg"_s), primary);
+    QCOMPARE(cli.configs({u"switch"_s, u"low.cfg"_s}, u"yes"_s).status, 0);
+    QCOMPARE(cli.read(cli.configFolder + u"fsx.cfg"_s), low);
+    QCOMPARE(cli.read(cli.configFolder + u"FSX.vtb"_s), primary);
+    QCOMPARE(cli.configs({u"remove"_s, u"Low"_s}, u"no"_s).status, 4);
+    QCOMPARE(cli.configs({u"remove"_s, u"Low"_s}).status, 0);
+    QVERIFY(!cli.exists(cli.configFolder + u"Low.cfg"_s));
+}
+
+void TestCliConfig::configs_refusals_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("cause");
+
+    QTest::newRow("remove the primary")
+        << QStringList{u"remove"_s, u"fsx"_s} << QByteArray("is not allowed");
+    QTest::newRow("rename to another type")
+        << QStringList{u"rename"_s, u"Devices.cfg"_s, u"Devices.txt"_s} << QByteArray("(cfg)");
+    QTest::newRow("no such file") << QStringList{u"describe"_s, u"none"_s, u"x"_s}
+                                  << QByteArray("Could not locate CFG file: '");
+    QTest::newRow("outside the folder")
+        << QStringList{u"create"_s, u"../x.cfg"_s} << QByteArray("valid name");
+}
+
+void TestCliConfig::configs_refusals()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, cause);
+    const SceneryWorld cli;
+    const Ran ran = cli.configs(arguments, u"yes"_s);
+    QCOMPARE(ran.status, 1);
+    QVERIFY2(ran.err.contains(cause), ran.err.constData());
+    QVERIFY(ran.object().contains(u"error"_s));
+}
+
+void TestCliConfig::fly_andUseOnce()
+{
+    const SceneryWorld cli;
+    const QString folder = QDir(cli.dir.path()).relativeFilePath(cli.simulator);
+    const QString started = folder + u"/started"_s;
+    cli.write(folder + u"/fsx.exe"_s, "#!/bin/sh\nprintf %s \"$*\" >part\nmv part started\n");
+    const auto arguments = [&] {
+        if (!QTest::qWaitFor([&] { return cli.exists(started); }, 5'000))
+            return QByteArray("<not started>");
+        const QByteArray told = cli.read(started);
+        QFile::remove(cli.dir.filePath(started));
+        return told;
+    };
+    cli.write(u"a.flt"_s);
+    QCOMPARE(cli.json({u"fly"_s, u"a.flt"_s}, u"no"_s).status, 4);
+    const Ran flown = cli.json({u"fly"_s, u"a.flt"_s});
+    QCOMPARE(flown.object(),
+             (QJsonObject{{u"ok"_s, true}, {u"text"_s, u"Flight Simulator X was started."_s}}));
+    QCOMPARE(arguments(), cli.windows(u"a.flt"_s).toUtf8());
+    // The first one may not have ended yet.
+    QTRY_COMPARE(cli.configs({u"use-once"_s, u"devices"_s}).status, 0);
+    QCOMPARE(arguments(),
+             "/CFG:C:\\users\\pilot\\AppData\\Roaming\\Microsoft\\FSX\\Devices.cfg"_ba);
+    QVERIFY(!cli.exists(u"home"_s));
 }
 
 VT_TEST_CLASS(TestCliConfig)

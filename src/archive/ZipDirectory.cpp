@@ -1,6 +1,7 @@
 #include "archive/ZipDirectory.h"
 
 #include "archive/ZipNames.h"
+#include "platform/Text.h"
 
 #include <QtEndian>
 
@@ -316,8 +317,8 @@ Result ZipDirectory::Parser::readEntries(const EndRecord& end)
     const qint64 found = qint64(m_d.m_entries.size());
     // Old tools let the 16-bit number run over instead of writing ZIP64.
     if (found != end.entries && (end.exactCount || (found & 0xFFFF) != end.entries))
-        return damaged(u"its directory holds "_s + QString::number(found) +
-                       u" entries, its end record says "_s + QString::number(end.entries) + u'.');
+        return damaged(u"its directory holds "_s + countText(found, u"entry"_s, u"entries"_s) +
+                       u", its end record says "_s + QString::number(end.entries) + u'.');
     return Result::success();
 }
 

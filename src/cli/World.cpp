@@ -265,7 +265,7 @@ Result World::Parts::openForWriting(bool fresh)
         opened = Connection::create(*gate, global.databaseFile);
     } else {
         const Prompt missing = missingDatabase(global);
-        return unfit(missing.caption + u": "_s + missing.text.trimmed());
+        return unfit(missing.text.trimmed());
     }
     if (!opened.connection)
         return unfit(opened.result.text);
@@ -403,7 +403,7 @@ Result World::needDatabase()
         m->databaseResult = Result::success();
         if (!programFolderIsFresh(*m->files, m->global)) {
             const Prompt missing = missingDatabase(m->global);
-            m->databaseResult = unfit(missing.caption + u": "_s + missing.text.trimmed());
+            m->databaseResult = unfit(missing.text.trimmed());
         }
         return *m->databaseResult;
     }

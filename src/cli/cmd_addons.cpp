@@ -22,11 +22,6 @@ QString shownDate(const QDateTime& time)
     return time.isValid() ? time.toString(u"yyyy-MM-dd HH:mm"_s) : QString();
 }
 
-QString countOf(qint64 number, const QString& one, const QString& many)
-{
-    return QString::number(number) + u' ' + (number == 1 ? one : many);
-}
-
 // --- arguments ---
 
 /// One of the words that the options allow.
@@ -98,7 +93,7 @@ QString addonLine(const AddonRow& row)
     const AddonRecord& addon = row.addon;
     return QString::number(addon.key).rightJustified(5) + u"  "_s + addon.name + u"  ("_s +
            statusWord(addon.status) + u" "_s + shownDate(addon.dateInstalled) + u", "_s +
-           countOf(row.files, u"file"_s, u"files"_s) + u")"_s;
+           countText(row.files, u"file"_s, u"files"_s) + u")"_s;
 }
 
 int listAddons(World& world, const Arguments& arguments)
@@ -221,7 +216,7 @@ void sayHead(World& world, const AddonRow& row)
     world.say(u"  Rating:      "_s +
               (addon.rating == 0 ? u"(unrated)"_s : QString::number(addon.rating)));
     world.say(u"  Source:      "_s + addon.sourceName + u" ("_s + sizeText(addon.sourceSize) +
-              u", "_s + countOf(addon.sourceTotalFiles, u"file"_s, u"files"_s) + u")"_s);
+              u", "_s + countText(addon.sourceTotalFiles, u"file"_s, u"files"_s) + u")"_s);
     if (!addon.description.isEmpty())
         world.say(u"  Description: "_s + addon.description);
 }
@@ -262,7 +257,7 @@ int validateAddon(World& world, const Arguments& arguments)
     }
     out.endObject();
     world.say(u"The add-on '"_s + name + u"' is whole: "_s +
-              countOf(shown->row.files, u"file"_s, u"files"_s) + u" as recorded."_s);
+              countText(shown->row.files, u"file"_s, u"files"_s) + u" as recorded."_s);
     return Done;
 }
 

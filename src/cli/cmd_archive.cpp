@@ -2,6 +2,7 @@
 // the simulator, the program folder or the database.
 #include "archive/CZIP.h"
 #include "cli/Command.h"
+#include "platform/Text.h"
 
 using namespace Qt::StringLiterals;
 
@@ -111,7 +112,7 @@ void sayArchive(World& world, const CZIPFile& file)
         world.say(size + ratio + u"  "_s + stamp + u"  "_s + item.fullName() + remark);
     }
     world.say(QString::number(file.lngTotal_SizeUncompressed).rightJustified(12) + u"  "_s +
-              QString::number(file.lngTotal_Items) + u" entries"_s);
+              countText(file.lngTotal_Items, u"entry"_s, u"entries"_s));
 }
 
 int listArchive(World& world, const Arguments& arguments)

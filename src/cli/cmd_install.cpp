@@ -4,6 +4,7 @@
 #include "cli/InstallArguments.h"
 #include "install/CAddonInstaller.h"
 #include "platform/Gate.h"
+#include "platform/Text.h"
 #include "platform/WinPath.h"
 
 using namespace Qt::StringLiterals;
@@ -58,13 +59,14 @@ int runInstall(World& world, const Arguments& arguments)
     if (installer.wasCancelled())
         return world.fail(Result::failure(
             u"The installation of '"_s + installer.record().name + u"' was ended early; "_s +
-                QString::number(installer.results().count(resultgroup::installed)) +
-                u" files are installed and can be removed."_s,
+                countText(installer.results().count(resultgroup::installed),
+                          u"file is installed and can be removed."_s,
+                          u"files are installed and can be removed."_s),
             ErrorKind::Declined));
     if (installer.failedFiles() > 0)
-        return world.fail(Result::failure(QString::number(installer.failedFiles()) +
-                                          u" files of '"_s + installer.record().name +
-                                          u"' could not be installed. "_s + installer.cause()));
+        return world.fail(Result::failure(
+            countText(installer.failedFiles(), u"file"_s, u"files"_s) + u" of '"_s +
+            installer.record().name + u"' could not be installed. "_s + installer.cause()));
     const QStringList failed = installer.results().texts(resultgroup::failedSpecialActions);
     if (!failed.isEmpty())
         return world.fail(Result::failure(u"'"_s + installer.record().name +

@@ -21,7 +21,7 @@ constexpr qsizetype progressStep = 64;
 
 QString fileFacts(qint64 size, const QDateTime& date)
 {
-    QString text = QLocale::c().toString(size) + u" bytes"_s;
+    QString text = QLocale::c().toString(size) + (size == 1 ? u" byte"_s : u" bytes"_s);
     if (date.isValid())
         text += u", "_s + date.toString(u"yyyy-MM-dd HH:mm:ss"_s);
     return text;

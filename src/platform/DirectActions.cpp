@@ -74,8 +74,9 @@ ResultOf<Fingerprint> DirectActions::place(const QString& path, const Content& c
                          m_sync == Sync::Each,
                          exists && S_ISREG(st.st_mode) ? st.st_mode & 0777 : 0644);
     if (!print)
-        return Result::failure(u"'"_s + path + u"' could not be written. "_s + print.text,
-                               print.kind);
+        return Result::failure(
+            hostfile::withCause(u"'"_s + path + u"' could not be written"_s, print.text),
+            print.kind);
     const QByteArray name = host->sliced(host->lastIndexOf('/') + 1);
     if (renameat(folder.get(), temporary.constData(), folder.get(), name.constData()) != 0) {
         const int error = errno;
@@ -98,9 +99,12 @@ Result DirectActions::keep(const QString& from, const QString& to)
         return target.error();
     if (const int error = m_gate.fault("keep", *target))
         return refused(from, u"kept"_s, error);
-    Result kept = hostfile::linkOrCopy(source, *target);
+    const Result kept = hostfile::linkOrCopy(source, *target);
     m_gate.files().noteChanged(to);
-    return kept;
+    return kept ? kept
+                : Result::failure(
+                      hostfile::withCause(u"'"_s + from + u"' could not be kept"_s, kept.text),
+                      kept.kind);
 }
 
 Result DirectActions::copy(const QString& from, const QString& to)
@@ -135,7 +139,8 @@ Result DirectActions::makeFolder(const QString& folder)
     if (const int error = m_gate.fault("folder", *host))
         return refused(folder, u"made"_s, error);
     if (Result made = hostfile::makeFolders(*host); !made)
-        return Result::failure(u"The folder '"_s + folder + u"' could not be made. "_s + made.text);
+        return Result::failure(u"The folder '"_s + folder + u"' could not be made: "_s + made.text,
+                               made.kind);
     m_gate.files().noteChanged(folder);
     return Result::success();
 }

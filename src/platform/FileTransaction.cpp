@@ -311,8 +311,9 @@ FileTransaction::placeOver(const QString& path, const Content& content, const Fi
         if (step >= 0)
             m_steps[step].target.root = RootId::None;
         m_pending.remove(NoCase{path});
-        return Result::failure(u"'"_s + path + u"' could not be written. "_s + print.text,
-                               print.kind);
+        return Result::failure(
+            hostfile::withCause(u"'"_s + path + u"' could not be written"_s, print.text),
+            print.kind);
     }
     m_stagedAny = true;
     if (step >= 0)
@@ -342,7 +343,11 @@ Result FileTransaction::keep(const QString& from, const QString& to)
     if (const int error = m_gate.fault("keep", target))
         return refused(from, "kept", error);
     m_stagedAny = true;
-    return hostfile::linkOrCopy(m_gate.files().hostPath(from), target);
+    const Result kept = hostfile::linkOrCopy(m_gate.files().hostPath(from), target);
+    return kept ? kept
+                : Result::failure(
+                      hostfile::withCause(u"'"_s + from + u"' could not be kept"_s, kept.text),
+                      kept.kind);
 }
 
 Result
@@ -364,7 +369,8 @@ FileTransaction::openKeptFolder(const QString& from, const QString& to, const QS
         hostfile::syncFolder(made.first(qMax<qsizetype>(made.lastIndexOf('/'), 1)));
     };
     if (Result made = hostfile::makeFolders(entry.host, syncAbove); !made)
-        return made;
+        return Result::failure(u"The folder '"_s + folder + u"' could not be made: "_s + made.text,
+                               made.kind);
     m_gate.files().noteChanged(folder);
     entry.fd = std::make_shared<hostfile::Descriptor>(hostfile::openFolder(entry.host));
     if (!entry.fd->valid())

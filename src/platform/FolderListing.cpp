@@ -48,7 +48,7 @@ public:
             const Dir dir(opendir(host.constData()));
             if (!dir) {
                 const QString text = u"The folder '"_s + m_folder + relative +
-                                     u"' cannot be read: "_s + hostfile::errorText(errno) + u'.';
+                                     u"' cannot be read: "_s + hostfile::errorText(errno);
                 if (relative.isEmpty())
                     return Result::failure(text, ErrorKind::Surroundings);
                 out.passedOver.append(text);

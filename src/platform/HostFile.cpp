@@ -1,6 +1,7 @@
 #include "platform/HostFile.h"
 
 #include "platform/Hash.h"
+#include "platform/Text.h"
 
 #include <cerrno>
 #include <cstring>
@@ -35,12 +36,18 @@ namespace {
 constexpr qsizetype writePiece = 64 * 1024;
 constexpr qsizetype readPiece = 256 * 1024;
 
-Result failed(const char* doing, const QByteArray& name, int error)
+/// The end of a sentence: callers know the file by the name that the user knows.
+Result failed(int error)
 {
-    return Result::failure(u"'"_s + QString::fromUtf8(name) + u"' could not be "_s +
-                               QString::fromLatin1(doing) + u": "_s + errorText(error),
+    return Result::failure(errorText(error),
                            error == ENOSPC || error == EDQUOT ? ErrorKind::DiskFull
                                                               : ErrorKind::Failed);
+}
+
+Result cannotRead(const QByteArray& host, int error)
+{
+    return Result::failure(u"'"_s + QString::fromUtf8(host) + u"' could not be read: "_s +
+                           errorText(error));
 }
 
 bool writeAll(int fd, QByteArrayView bytes, int& error)
@@ -98,7 +105,7 @@ timespec timeOf(qint64 ns)
 }
 
 /// Writes the content into the open file and names the failure, if any.
-ResultOf<Fingerprint> fill(int fd, const QByteArray& name, const Content& content, bool sync)
+ResultOf<Fingerprint> fill(int fd, const Content& content, bool sync)
 {
     PassingHash hash(content.size);
     int error = 0;
@@ -113,31 +120,30 @@ ResultOf<Fingerprint> fill(int fd, const QByteArray& name, const Content& conten
     };
     const Result given = content.transfer(sink);
     if (error != 0)
-        return failed("written", name, error);
+        return failed(error);
     if (!given)
         return given;
     if (tooMuch || (content.size >= 0 && hash.total() != content.size))
-        return Result::failure(u"'"_s + QString::fromUtf8(name) +
-                               u"' has not the size that was announced: "_s +
-                               QString::number(content.size) + u" bytes."_s);
+        return Result::failure(u"it has not the announced size of "_s +
+                               countText(content.size, u"byte"_s, u"bytes"_s) + u'.');
     Fingerprint print;
     print.size = hash.total();
     print.xxh3 = hash.result();
     if (content.modifiedNs >= 0) {
         const timespec times[2] = {timeOf(content.modifiedNs), timeOf(content.modifiedNs)};
         if (futimens(fd, times) != 0)
-            return failed("dated", name, errno);
+            return failed(errno);
         print.modifiedNs = content.modifiedNs;
     } else {
         struct stat st
         {};
 
         if (fstat(fd, &st) != 0)
-            return failed("looked at", name, errno);
+            return failed(errno);
         print.modifiedNs = qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec;
     }
     if (sync && fsync(fd) != 0)
-        return failed("written", name, errno);
+        return failed(errno);
     return print;
 }
 
@@ -149,12 +155,12 @@ Result removeTreeAt(int above, const char* name)
             return Result::success();
         if ((errno == ENOTDIR || errno == ELOOP) && unlinkat(above, name, 0) == 0)
             return Result::success();
-        return failed("deleted", name, errno);
+        return failed(errno);
     }
     DIR* dir = fdopendir(fd);
     if (!dir) {
         close(fd);
-        return failed("deleted", name, ENOMEM);
+        return failed(ENOMEM);
     }
     Result result = Result::success();
     while (const dirent* entry = readdir(dir)) {
@@ -162,14 +168,14 @@ Result removeTreeAt(int above, const char* name)
             continue;
         if (entry->d_type != DT_DIR && entry->d_type != DT_UNKNOWN) {
             if (unlinkat(fd, entry->d_name, 0) != 0 && errno != ENOENT)
-                result = failed("deleted", entry->d_name, errno);
+                result = failed(errno);
         } else if (Result inner = removeTreeAt(fd, entry->d_name); !inner) {
             result = inner;
         }
     }
     closedir(dir);
     if (result && unlinkat(above, name, AT_REMOVEDIR) != 0 && errno != ENOENT)
-        result = failed("deleted", name, errno);
+        result = failed(errno);
     return result;
 }
 
@@ -218,6 +224,12 @@ QString errorText(int error)
     }
 }
 
+QString withCause(const QString& what, const QString& why)
+{
+    const bool sentence = why.isEmpty() || !why.front().isLower();
+    return what + (sentence ? u". "_s : u": "_s) + why;
+}
+
 Descriptor openFolder(const QByteArray& host)
 {
     return Descriptor(open(host.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -229,8 +241,8 @@ create(int folder, const QByteArray& name, const Content& content, bool sync, un
     const Descriptor fd(openat(
         folder, name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
     if (!fd.valid())
-        return failed("created", name, errno);
-    ResultOf<Fingerprint> print = fill(fd.get(), name, content, sync);
+        return failed(errno);
+    ResultOf<Fingerprint> print = fill(fd.get(), content, sync);
     if (!print)
         unlinkat(folder, name.constData(), 0);
     return print;
@@ -249,15 +261,15 @@ Result makeFolders(const QByteArray& host, const std::function<void(const QByteA
 
         if (stat(host.constData(), &st) == 0 && S_ISDIR(st.st_mode))
             return Result::success();
-        return failed("made into a folder", host, ENOTDIR);
+        return failed(ENOTDIR);
     }
     if (errno != ENOENT)
-        return failed("made", host, errno);
+        return failed(errno);
     if (Result above = makeFolders(host.first(qMax<qsizetype>(host.lastIndexOf('/'), 0)), made);
         !above)
         return above;
     if (mkdir(host.constData(), 0755) != 0 && errno != EEXIST)
-        return failed("made", host, errno);
+        return failed(errno);
     if (made)
         made(host);
     return Result::success();
@@ -277,14 +289,14 @@ Content contentOf(const QByteArray& host)
     content.transfer = [host](const Content::Sink& sink) {
         const Descriptor fd(open(host.constData(), O_RDONLY | O_CLOEXEC));
         if (!fd.valid())
-            return failed("read", host, errno);
+            return cannotRead(host, errno);
         QByteArray buffer(readPiece, Qt::Uninitialized);
         for (;;) {
             const ssize_t n = read(fd.get(), buffer.data(), size_t(buffer.size()));
             if (n < 0 && errno == EINTR)
                 continue;
             if (n < 0)
-                return failed("read", host, errno);
+                return cannotRead(host, errno);
             if (n == 0)
                 return Result::success();
             if (!sink(QByteArrayView(buffer.constData(), n)))
@@ -300,11 +312,11 @@ Result copyFile(const QByteArray& from, const QByteArray& to, bool sync)
     {};
 
     if (stat(from.constData(), &st) != 0)
-        return failed("copied", from, errno);
+        return failed(errno);
     const qsizetype cut = to.lastIndexOf('/');
     const Descriptor folder = openFolder(to.first(qMax<qsizetype>(cut, 1)));
     if (!folder.valid())
-        return failed("copied", from, errno);
+        return failed(errno);
     const ResultOf<Fingerprint> copied =
         create(folder.get(), to.sliced(cut + 1), contentOf(from), sync, st.st_mode & 0777);
     return copied ? Result::success() : copied.error();
@@ -316,7 +328,7 @@ Result linkOrCopy(const QByteArray& from, const QByteArray& to)
     if (linkat(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), AT_SYMLINK_FOLLOW) == 0)
         return Result::success();
     if (errno == EEXIST || errno == ENOENT || errno == ENOSPC || errno == EROFS)
-        return failed("kept", from, errno);
+        return failed(errno);
     return copyFile(from, to, true);
 }
 
@@ -325,7 +337,7 @@ Result removeTree(const QByteArray& host)
     const qsizetype cut = host.lastIndexOf('/');
     const Descriptor above = openFolder(host.first(qMax<qsizetype>(cut, 1)));
     if (!above.valid())
-        return errno == ENOENT ? Result::success() : failed("deleted", host, errno);
+        return errno == ENOENT ? Result::success() : failed(errno);
     return removeTreeAt(above.get(), host.sliced(cut + 1).constData());
 }
 
@@ -340,7 +352,7 @@ Result syncFileSystem(const QByteArray& host)
 {
     const Descriptor fd = openFolder(host);
     if (!fd.valid() || syncfs(fd.get()) != 0)
-        return failed("written to the disk", host, errno);
+        return failed(errno);
     return Result::success();
 }
 

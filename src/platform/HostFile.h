@@ -38,6 +38,10 @@ private:
 /// "No space left on device" and its like as the end of a sentence.
 [[nodiscard]] QString errorText(int error);
 
+/// What could not be done, and why: the end of a sentence, as most failures below are, or a
+/// sentence of its own.
+[[nodiscard]] QString withCause(const QString& what, const QString& why);
+
 /// Opens a folder for use with the ...at calls.
 [[nodiscard]] Descriptor openFolder(const QByteArray& host);
 

@@ -93,7 +93,7 @@ void endFamily(QProcess& process)
 
 QString secondsText(int milliseconds)
 {
-    return milliseconds % 1000 == 0 ? QString::number(milliseconds / 1000) + u" seconds"_s
+    return milliseconds % 1000 == 0 ? countText(milliseconds / 1000, u"second"_s, u"seconds"_s)
                                     : QString::number(milliseconds) + u" milliseconds"_s;
 }
 

@@ -36,6 +36,12 @@ quint16 randomNumber()
     return quint16(QRandomGenerator::system()->bounded(0x10000));
 }
 
+Result removedTree(const QByteArray& host, const QString& path)
+{
+    const Result gone = hostfile::removeTree(host);
+    return gone ? gone : Result::failure(u"'"_s + path + u"' could not be deleted: "_s + gone.text);
+}
+
 /// 0, or the error that the system gave.
 int makeEntry(const QByteArray& host, bool folder)
 {
@@ -142,7 +148,7 @@ Result TempFolder::empty(const QString& folder) const
         if (fstatat(open.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
             continue;
         if (S_ISDIR(status.st_mode))
-            gone = hostfile::removeTree(*host + '/' + name);
+            gone = removedTree(*host + '/' + name, winpath::join(folder, QString::fromUtf8(name)));
         else if (unlinkat(open.get(), name.constData(), 0) != 0 && errno != ENOENT)
             gone = Result::failure(u"'"_s + folder + QString::fromUtf8(name) +
                                    u"' could not be deleted: "_s + hostfile::errorText(errno));
@@ -160,7 +166,7 @@ Result TempFolder::remove(const QString& folder) const
     const ResultOf<QByteArray> host = hostFolder(folder);
     if (!host)
         return host.error();
-    Result gone = hostfile::removeTree(*host);
+    Result gone = removedTree(*host, folder);
     m_gate.files().noteChanged(folder);
     return gone;
 }

@@ -92,10 +92,15 @@ size_t hashNoCase(QStringView text, size_t seed)
     return h ^ (h >> 29);
 }
 
+QString countText(qint64 number, const QString& one, const QString& many)
+{
+    return QString::number(number) + u' ' + (number == 1 ? one : many);
+}
+
 QString sizeText(qint64 bytes)
 {
     if (bytes < 1024)
-        return QString::number(bytes) + u" bytes"_s;
+        return countText(bytes, u"byte"_s, u"bytes"_s);
     static constexpr QStringView units[] = {u"KB", u"MB", u"GB", u"TB"};
     double size = double(bytes);
     int unit = -1;

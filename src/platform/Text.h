@@ -31,6 +31,9 @@ struct NoCase
     friend size_t qHash(const NoCase& key, size_t seed) { return hashNoCase(key.text, seed); }
 };
 
+/// "1 file", "2 files".
+[[nodiscard]] QString countText(qint64 number, const QString& one, const QString& many);
+
 /// 12,345,678 bytes as "11.8 MB"; below 1,024 bytes as "512 bytes".
 [[nodiscard]] QString sizeText(qint64 bytes);
 

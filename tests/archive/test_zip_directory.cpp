@@ -277,11 +277,11 @@ void TestZipDirectory::refused_data()
     row("count",
         ZipBuilder().add("a", "b").claimedEntries(7).build(),
         ZIP_ER_INCONS,
-        "holds 1 entries, its end record says 7");
+        "holds 1 entry, its end record says 7");
     row("count 0",
         ZipBuilder().add("a", "b").claimedEntries(0).build(),
         ZIP_ER_INCONS,
-        "holds 1 entries");
+        "holds 1 entry");
     row("offset outside",
         ZipBuilder().add("a", "b", {.offset = 5000}).build(),
         ZIP_ER_INCONS,

@@ -130,8 +130,7 @@ void TestCliSettings::set_inAFolderWithoutItsDatabaseIsRefused()
     const Ran ran = cli.run({u"settings"_s, u"set"_s, u"Startup"_s, u"Open With"_s, u"3"_s});
     QCOMPARE(ran.status, 3);
     QCOMPARE(ran.err,
-             "Vantrel for FS X Database File Error: The addon database, '" +
-                 cli.windows(u"home"_s).toUtf8() +
+             "The addon database, '" + cli.windows(u"home"_s).toUtf8() +
                  "\\Vantrel.mdb', could not be loaded. The file itself is missing or the database "
                  "is corrupt.\n");
     QVERIFY(!cli.exists(u"home/Vantrel.mdb"_s));

@@ -2,7 +2,11 @@
 
 #include "platform/Text.h"
 
+#include <QHash>
 #include <QStringDecoder>
+
+#include <optional>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -183,6 +187,109 @@ Result editFile(FileActions& actions, const AnsiCodec& ansi, const QString& path
 
 } // namespace
 
+/// Where the value of a key stands in the text.
+struct ProfileFile::Found
+{
+    bool found = false;
+    qsizetype value = 0;
+    qsizetype end = 0;
+};
+
+/// Every key of the first section of each name, by position: what keyLine() finds by walking.
+struct ProfileFile::Index
+{
+    struct Entry
+    {
+        qsizetype key = 0;
+        qsizetype keySize = 0;
+        Found value;
+    };
+
+    struct Section
+    {
+        qsizetype name = 0;
+        qsizetype nameSize = 0;
+        size_t first = 0; ///< of entries
+        size_t count = 0;
+    };
+
+    explicit Index(QStringView text)
+    {
+        for (qsizetype at = textStart(text); at < text.size();) {
+            const Line line = lineAt(text, at);
+            const QStringView content = contentOf(text, line);
+            if (const auto name = headerName(content))
+                addSection(text, *name);
+            else if (const qsizetype equals = equalsOf(content); equals > 0 && open)
+                addEntry(text, line, content.first(equals).trimmed());
+            at = line.next;
+        }
+    }
+
+    const Section* section(QStringView text, QStringView name) const
+    {
+        for (auto it = byName.constFind(hashNoCase(name)); it != byName.cend(); ++it) {
+            if (it.key() != hashNoCase(name))
+                break;
+            const Section& candidate = sections[*it];
+            if (equalNoCase(text.sliced(candidate.name, candidate.nameSize), name))
+                return &candidate;
+        }
+        return nullptr;
+    }
+
+    Found find(QStringView text, QStringView sectionName, QStringView key) const
+    {
+        const Section* const inside = section(text, sectionName);
+        for (size_t i = 0; inside && i < inside->count; ++i) {
+            const Entry& entry = entries[inside->first + i];
+            if (equalNoCase(text.sliced(entry.key, entry.keySize), key))
+                return entry.value;
+        }
+        return {};
+    }
+
+private:
+    /// A later section of the same name is never asked for.
+    void addSection(QStringView text, QStringView name)
+    {
+        open = !section(text, name);
+        if (!open)
+            return;
+        byName.insert(hashNoCase(name), sections.size());
+        sections.push_back({name.begin() - text.begin(), name.size(), entries.size(), 0});
+    }
+
+    void addEntry(QStringView text, const Line& line, QStringView key)
+    {
+        const qsizetype value = text.indexOf(u'=', line.start) + 1;
+        entries.push_back({key.begin() - text.begin(), key.size(), {true, value, line.end}});
+        ++sections.back().count;
+    }
+
+    std::vector<Entry> entries;
+    std::vector<Section> sections;
+    QMultiHash<size_t, size_t> byName;
+    bool open = false; ///< entries belong to the last of sections
+};
+
+ProfileFile::Found ProfileFile::find(QStringView section, QStringView key) const
+{
+    constexpr int walks = 2;
+    if (!m_index && ++m_questions > walks)
+        m_index = std::make_shared<const Index>(m_text);
+    if (m_index)
+        return m_index->find(m_text, section.trimmed(), key.trimmed());
+    const KeyLine line = keyLine(m_text, sectionSpan(m_text, section), key);
+    return {line.found, line.value, line.line.end};
+}
+
+void ProfileFile::edited()
+{
+    m_index.reset();
+    m_questions = 0;
+}
+
 ProfileFile ProfileFile::load(const Files& files, QStringView path, const AnsiCodec& ansi)
 {
     const ResultOf<QByteArray> bytes = files.read(path, profileFileLimit);
@@ -206,20 +313,20 @@ Read ProfileFile::value(QStringView section,
                         QStringView fallback,
                         qsizetype bufferSize) const
 {
-    const KeyLine found = keyLine(m_text, sectionSpan(m_text, section), key);
+    const Found found = find(section, key);
     if (!found.found) {
         while (fallback.endsWith(u' '))
             fallback.chop(1);
         return clipped(fallback, bufferSize);
     }
     const QStringView value =
-        QStringView(m_text).sliced(found.value, found.line.end - found.value).trimmed();
+        QStringView(m_text).sliced(found.value, found.end - found.value).trimmed();
     return clipped(withoutQuotes(value), bufferSize);
 }
 
 bool ProfileFile::has(QStringView section, QStringView key) const
 {
-    return keyLine(m_text, sectionSpan(m_text, section), key).found;
+    return find(section, key).found;
 }
 
 QStringList ProfileFile::sections() const
@@ -260,6 +367,7 @@ Read ProfileFile::keyNames(QStringView section, qsizetype bufferSize) const
 
 bool ProfileFile::setValue(QStringView section, QStringView key, QStringView value)
 {
+    edited();
     const SectionSpan span = sectionSpan(m_text, section);
     const KeyLine known = keyLine(m_text, span, key);
     if (known.found) {
@@ -293,6 +401,7 @@ bool ProfileFile::setValue(QStringView section, QStringView key, QStringView val
 
 bool ProfileFile::removeKey(QStringView section, QStringView key)
 {
+    edited();
     const KeyLine known = keyLine(m_text, sectionSpan(m_text, section), key);
     if (known.found)
         m_text.remove(known.line.start, known.line.next - known.line.start);
@@ -301,6 +410,7 @@ bool ProfileFile::removeKey(QStringView section, QStringView key)
 
 bool ProfileFile::removeSection(QStringView section)
 {
+    edited();
     const SectionSpan span = sectionSpan(m_text, section);
     if (span.found)
         m_text.remove(span.header.start, span.end - span.header.start);

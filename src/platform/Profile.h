@@ -12,6 +12,8 @@
 #include <QStringList>
 #include <QStringView>
 
+#include <memory>
+
 namespace vt::profile {
 
 /// The longest buffer that the functions fill.
@@ -24,7 +26,7 @@ struct Read
     qsizetype count = 0; ///< characters in text
 };
 
-/// The loaded text of one file; answers many questions without reading again.
+/// The loaded text of one file; answers many questions without reading or walking it again.
 class ProfileFile
 {
 public:
@@ -59,7 +61,15 @@ public:
     [[nodiscard]] const QString& text() const { return m_text; }
 
 private:
+    struct Index;
+    struct Found;
+
+    [[nodiscard]] Found find(QStringView section, QStringView key) const;
+    void edited();
+
     QString m_text;
+    mutable int m_questions = 0;
+    mutable std::shared_ptr<const Index> m_index; ///< made when questions keep coming
 };
 
 /// One read straight from a file, as ProfileFile::value().

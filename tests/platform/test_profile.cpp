@@ -2,6 +2,8 @@
 #include "platform/Profile.h"
 #include "support/TestMain.h"
 
+#include <QRandomGenerator>
+
 using namespace vt;
 using namespace vt::test;
 using namespace vt::profile;
@@ -42,6 +44,8 @@ private Q_SLOTS:
     void lists();
     void filesOfOtherForms();
 
+    void manyQuestions_areAnsweredLikeOne();
+
     void writing_data();
     void writing();
     void refusedWritesLeaveTheFile_data();
@@ -78,9 +82,47 @@ void TestProfile::reading()
     QFETCH(QString, section);
     QFETCH(QString, key);
     QFETCH(QString, value);
-    const Read read = ProfileFile::ofBytes(sample, m_ansi).value(section, key, u"  default  "_s);
-    QCOMPARE(read.text, value);
-    QCOMPARE(read.count, value.size());
+    const ProfileFile file = ProfileFile::ofBytes(sample, m_ansi);
+    for (int time = 0; time < 5; ++time) { // the later answers come from an index
+        const Read read = file.value(section, key, u"  default  "_s);
+        QCOMPARE(read.text, value);
+        QCOMPARE(read.count, value.size());
+    }
+}
+
+void TestProfile::manyQuestions_areAnsweredLikeOne()
+{
+    QRandomGenerator random(5);
+    const QByteArrayList pieces = {"[a]\r\n",
+                                   "[ B ]\n",
+                                   "[a",
+                                   "]",
+                                   "\r\n",
+                                   "\n",
+                                   "k=1",
+                                   "K =2",
+                                   ";",
+                                   " =",
+                                   "\t",
+                                   "x = [a]",
+                                   "b=\"q\"",
+                                   "\r",
+                                   "\xef\xbb\xbf"};
+    for (int round = 0; round < 500; ++round) {
+        QByteArray bytes;
+        for (int i = random.bounded(25); i > 0; --i)
+            bytes += pieces.at(random.bounded(pieces.size()));
+        ProfileFile asked = ProfileFile::ofBytes(bytes, m_ansi);
+        for (int time = 0; time < 6; ++time) {
+            const QString section = QStringList{u"A"_s, u"b"_s, u""_s}.at(random.bounded(3));
+            const QString key = QStringList{u"k"_s, u"B "_s, u"x"_s, u""_s}.at(random.bounded(4));
+            if (random.bounded(8) == 0)
+                asked.setValue(section, key, QString::number(time));
+            const ProfileFile fresh = ProfileFile::ofBytes(*m_ansi.encode(asked.text()), m_ansi);
+            QCOMPARE(asked.value(section, key, u"-").text, fresh.value(section, key, u"-").text);
+            QCOMPARE(asked.has(section, key), fresh.has(section, key));
+        }
+    }
 }
 
 void TestProfile::buffersCutTexts()

@@ -121,6 +121,11 @@ Result deletePicturesOf(Connection& database, qint64 masterKey);
 itemDetail(Connection& database, ItemTable table, const QString& item, const QString& section = {});
 /// Writes the item's row, replacing one that is there.
 Result setItemDetail(Connection& database, ItemTable table, const ItemDetailRecord& record);
+/// The rows of an aircraft's sections follow new names: pairs of old and new, all at once. A row
+/// that stands under a new name and does not move is replaced.
+Result moveItemSections(Connection& database,
+                        const QString& item,
+                        const QList<std::pair<QString, QString>>& moves);
 Result deleteItemDetail(Connection& database,
                         ItemTable table,
                         const QString& item,

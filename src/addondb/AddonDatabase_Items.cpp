@@ -240,6 +240,29 @@ Result setItemDetail(Connection& database, ItemTable table, const ItemDetailReco
     });
 }
 
+Result moveItemSections(Connection& database,
+                        const QString& item,
+                        const QList<std::pair<QString, QString>>& moves)
+{
+    return database.together([&]() -> Result {
+        QList<ItemDetailRecord> moved;
+        for (const auto& [before, after] : moves) {
+            auto record = itemDetail(database, ItemTable::Aircraft, item, before);
+            if (!record)
+                continue;
+            record->section = after;
+            moved.append(*record);
+            if (Result gone = deleteItemDetail(database, ItemTable::Aircraft, item, before); !gone)
+                return gone;
+        }
+        for (const ItemDetailRecord& record : moved) {
+            if (Result set = setItemDetail(database, ItemTable::Aircraft, record); !set)
+                return set;
+        }
+        return Result::success();
+    });
+}
+
 Result
 deleteItemDetail(Connection& database, ItemTable table, const QString& item, const QString& section)
 {

@@ -92,19 +92,6 @@ bool isStrongAnchor(Anchor anchor)
     }
 }
 
-bool isPartFolder(QStringView name, QStringView stem)
-{
-    if (!startsWithNoCase(name, stem))
-        return false;
-    return name.size() == stem.size() || name.at(stem.size()) == u'.';
-}
-
-QString partSuffix(QStringView name)
-{
-    const qsizetype point = name.indexOf(u'.');
-    return point < 0 ? QString() : name.sliced(point + 1).toString();
-}
-
 bool isGeneric(QStringView name)
 {
     return anchorOf(name) != Anchor::None || isOneOf(name,
@@ -201,14 +188,6 @@ bool isReadme(QStringView name)
             return true;
     }
     return isUntypedDocument(name);
-}
-
-bool isRealTexture(QStringView name)
-{
-    const QStringView ending = endingOf(name);
-    if (ending.size() == 3 && endsWithNoCase(ending, u"af"))
-        return true;
-    return isOneOf(ending, {u"dds", u"bmp", u"r8", u"tga", u"agn", u"psd"});
 }
 
 bool isPicture(QStringView name)

@@ -2,6 +2,8 @@
 // mean nothing, left-overs, documents without a known ending. Pure text.
 #pragma once
 
+#include "simconfig/ConfigFacts.h"
+
 #include <QString>
 #include <QStringView>
 
@@ -34,10 +36,9 @@ enum class Anchor : quint8
 /// "Aircraft" also stand inside other things.
 [[nodiscard]] bool isStrongAnchor(Anchor anchor);
 
-/// "texture", "texture.blue": the stem alone or with a suffix behind a point.
-[[nodiscard]] bool isPartFolder(QStringView name, QStringView stem);
-/// "texture.blue" gives "blue", "texture" gives "".
-[[nodiscard]] QString partSuffix(QStringView name);
+using configfacts::isPartFolder;
+using configfacts::isRealTexture;
+using configfacts::partSuffix;
 
 /// Names that say nothing about their content ("FSX", "files", "main").
 [[nodiscard]] bool isGeneric(QStringView name);
@@ -54,8 +55,6 @@ enum class Anchor : quint8
 [[nodiscard]] bool isUntypedDocument(QStringView name);
 /// "readme.txt", "License.rtf", "install notes.doc": meant for people wherever it lies.
 [[nodiscard]] bool isReadme(QStringView name);
-/// Endings that pictures of aircraft and scenery really have (.dds, .bmp, .?af, .r8, ...).
-[[nodiscard]] bool isRealTexture(QStringView name);
 /// .jpg, .png, .gif, ...: pictures for people, and thumbnails.
 [[nodiscard]] bool isPicture(QStringView name);
 /// Programs, scripts and archives: never left inside the simulator's folders.

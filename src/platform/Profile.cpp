@@ -249,6 +249,8 @@ struct ProfileFile::Index
         return {};
     }
 
+    std::vector<Entry> entries;
+
 private:
     /// A later section of the same name is never asked for.
     void addSection(QStringView text, QStringView name)
@@ -267,19 +269,24 @@ private:
         ++sections.back().count;
     }
 
-    std::vector<Entry> entries;
     std::vector<Section> sections;
     QMultiHash<size_t, size_t> byName;
     bool open = false; ///< entries belong to the last of sections
 };
 
-ProfileFile::Found ProfileFile::find(QStringView section, QStringView key) const
+/// Null while the text is still walked for each question.
+const ProfileFile::Index* ProfileFile::index() const
 {
     constexpr int walks = 2;
     if (!m_index && ++m_questions > walks)
         m_index = std::make_shared<const Index>(m_text);
-    if (m_index)
-        return m_index->find(m_text, section.trimmed(), key.trimmed());
+    return m_index.get();
+}
+
+ProfileFile::Found ProfileFile::find(QStringView section, QStringView key) const
+{
+    if (const Index* const known = index())
+        return known->find(m_text, section.trimmed(), key.trimmed());
     const KeyLine line = keyLine(m_text, sectionSpan(m_text, section), key);
     return {line.found, line.value, line.line.end};
 }
@@ -329,6 +336,13 @@ bool ProfileFile::has(QStringView section, QStringView key) const
     return find(section, key).found;
 }
 
+bool ProfileFile::hasSection(QStringView section) const
+{
+    if (const Index* const known = index())
+        return known->section(m_text, section.trimmed()) != nullptr;
+    return sectionSpan(m_text, section).found;
+}
+
 QStringList ProfileFile::sections() const
 {
     QStringList names;
@@ -344,6 +358,14 @@ QStringList ProfileFile::sections() const
 QStringList ProfileFile::keys(QStringView section) const
 {
     QStringList names;
+    if (const Index* const known = index()) {
+        const Index::Section* const inside = known->section(m_text, section.trimmed());
+        for (size_t i = 0; inside && i < inside->count; ++i) {
+            const Index::Entry& entry = known->entries[inside->first + i];
+            names += m_text.sliced(entry.key, entry.keySize);
+        }
+        return names;
+    }
     const SectionSpan span = sectionSpan(m_text, section);
     for (qsizetype at = span.header.next; span.found && at < span.end;) {
         const Line line = lineAt(m_text, at);

@@ -45,6 +45,8 @@ public:
     /// Whether value() would find the key.
     [[nodiscard]] bool has(QStringView section, QStringView key) const;
 
+    [[nodiscard]] bool hasSection(QStringView section) const;
+
     /// Names in the order of the file, each ended by a NUL, at most \a bufferSize - 2 characters
     /// when they do not fit.
     [[nodiscard]] Read sectionNames(qsizetype bufferSize = maxBuffer) const;
@@ -64,6 +66,7 @@ private:
     struct Index;
     struct Found;
 
+    [[nodiscard]] const Index* index() const;
     [[nodiscard]] Found find(QStringView section, QStringView key) const;
     void edited();
 

@@ -3,6 +3,7 @@
 #include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "shell/GlobalRecord.h"
+#include "simconfig/ConfigFacts.h"
 #include "simconfig/engine/modRoutines_INI.h"
 
 #include <algorithm>
@@ -16,25 +17,10 @@ namespace {
 
 constexpr qsizetype valueBuffer = 255;
 constexpr qsizetype freeTextBuffer = 65500;
-constexpr QStringView sectionStem = u"fltsim.";
 
-/// The number of an aircraft section, -1 for any other name.
-int aircraftSectionNumber(const QString& name)
+QString profileValue(const profile::ProfileFile& file, const QString& section, const QString& key)
 {
-    if (!startsWithNoCase(name, sectionStem))
-        return -1;
-    const QString digits = name.sliced(sectionStem.size());
-    const bool plain =
-        !digits.isEmpty() &&
-        std::all_of(digits.cbegin(), digits.cend(), [](QChar c) { return c >= u'0' && c <= u'9'; });
-    bool ok = false;
-    const int number = digits.toInt(&ok);
-    return plain && ok ? number : -1;
-}
-
-QString aircraftSectionName(qsizetype number)
-{
-    return sectionStem.toString() + QString::number(number);
+    return ini::INI_Profile_GetValue(file, section, key, QString(), valueBuffer).value;
 }
 
 } // namespace
@@ -64,48 +50,54 @@ bool CAircraft::Load(const QString& configurationFile, const QString& section, b
     }
     const profile::ProfileFile file =
         ini::profileOf(m_access.actions, m_access.ansi, configurationFile);
-    const auto value = [&](const QString& key) {
-        return ini::INI_Profile_GetValue(file, section, key, QString(), valueBuffer).value;
-    };
-    sSIM = value(u"sim"_s);
+    sSIM = profileValue(file, section, u"sim"_s);
     if (sSIM.isEmpty()) {
         m_state = FileMissing;
         return false;
     }
-    sTitle = value(u"title"_s);
-    if (onlyTitle)
+    if (onlyTitle) {
+        sTitle = profileValue(file, section, u"title"_s);
         return true;
+    }
+    readValues(file);
+    deriveFiles([this](const QString& file) { return m_access.actions.info(file).has_value(); });
+    return true;
+}
+
+void CAircraft::readValues(const profile::ProfileFile& file)
+{
+    const auto value = [&](const QString& key) { return profileValue(file, sSection, key); };
+    sTitle = value(u"title"_s);
+    sSIM = value(u"sim"_s);
     sModel = value(u"model"_s);
     sPanel = value(u"panel"_s);
     sSound = value(u"sound"_s);
     sTexture = value(u"texture"_s);
     sKB_Checklists = value(u"kb_checklists"_s);
     sKB_Reference = value(u"kb_reference"_s);
-    deriveFiles();
-    return true;
 }
 
-void CAircraft::deriveFiles()
+void CAircraft::deriveFiles(const Exists& exists)
 {
     const QString folder = Folder_Aircraft_Get();
     sModelConfigurationFile = Folder_AircraftModel_Get() + u"Model.cfg"_s;
     sPanelConfigurationFile = Folder_AircraftPanel_Get() + u"Panel.cfg"_s;
     sSoundConfigurationFile = Folder_AircraftSound_Get() + u"Sound.cfg"_s;
-    sKB_ChecklistFileAlt = kneeboardFile(sKB_Checklists);
-    sKB_ReferencelistFileAlt = kneeboardFile(sKB_Reference);
+    sKB_ChecklistFileAlt = kneeboardFile(sKB_Checklists, exists);
+    sKB_ReferencelistFileAlt = kneeboardFile(sKB_Reference, exists);
     sNotesFile = folder + sSIM + u"_Notes"_s + u".txt"_s;
     sFlightDynamicsCDPFile = folder + sSIM + u".cdp"_s;
     sFlightDynamicsDPFile = folder + sSIM + u".dp"_s;
 }
 
-QString CAircraft::kneeboardFile(const QString& value)
+QString CAircraft::kneeboardFile(const QString& value, const Exists& exists) const
 {
     if (value.isEmpty())
         return {};
     const QString stem = Folder_Aircraft_Get() + winpath::baseName(value);
     const QString page = stem + u".htm"_s;
     const QString text = stem + u".txt"_s;
-    return !m_access.actions.info(page) && m_access.actions.info(text) ? text : page;
+    return !exists(page) && exists(text) ? text : page;
 }
 
 bool CAircraft::loaded()
@@ -122,8 +114,8 @@ bool CAircraft::LoadManufacturerDetails(int generation)
         return false;
     const profile::ProfileFile file =
         ini::profileOf(m_access.actions, m_access.ansi, sConfigurationFile);
-    const auto value = [&](const QString& section, const QString& key) {
-        return ini::INI_Profile_GetValue(file, section, key, QString(), valueBuffer).value;
+    const auto value = [&file](const QString& section, const QString& key) {
+        return profileValue(file, section, key);
     };
     sManufacturer = value(sSection, u"ui_manufacturer"_s);
     sType = value(sSection, u"ui_type"_s);
@@ -167,7 +159,7 @@ bool CAircraft::LoadVTTextureAddonMasterKey()
                                                            u"0"_s,
                                                            valueBuffer,
                                                            sConfigurationFile)
-                                     .value.toInt();
+                                     .value.toLongLong();
     return true;
 }
 
@@ -195,7 +187,7 @@ QStringList CAircraft::Headers_ReturnOnlyAircraftHeaders(const QStringList& name
     std::copy_if(names.cbegin(),
                  names.cend(),
                  std::back_inserter(aircraft),
-                 [](const QString& name) { return aircraftSectionNumber(name) >= 0; });
+                 [](const QString& name) { return configfacts::aircraftSectionNumber(name) >= 0; });
     return aircraft;
 }
 
@@ -220,14 +212,14 @@ CAircraft::SectionOrder CAircraft::sectionOrder(const QStringList& names)
     order.sorted = Headers_ReturnOnlyAircraftHeaders(names);
     std::stable_sort(
         order.sorted.begin(), order.sorted.end(), [](const QString& a, const QString& b) {
-            return aircraftSectionNumber(a) < aircraftSectionNumber(b);
+            return configfacts::aircraftSectionNumber(a) < configfacts::aircraftSectionNumber(b);
         });
     QStringList chain;
     order.good = !order.sorted.isEmpty();
     for (qsizetype i = 0; i < order.sorted.size(); ++i) {
         const QString& name = order.sorted.at(i);
-        order.good = order.good && equalNoCase(name, aircraftSectionName(i));
-        chain.push_back(aircraftSectionName(aircraftSectionNumber(name)));
+        order.good = order.good && equalNoCase(name, configfacts::aircraftSectionName(i));
+        chain.push_back(configfacts::aircraftSectionName(configfacts::aircraftSectionNumber(name)));
     }
     if (!order.good)
         order.chain = chain.join(u"->"_s);
@@ -262,6 +254,16 @@ QString CAircraft::State_GetMessage(int state)
     default:
         return u"Unknown aircraft error. Error code = "_s + QString::number(state);
     }
+}
+
+Prompt CAircraft::Error_Show() const
+{
+    const QString state = State_GetMessage(m_state);
+    const QString cause = m_error == state ? QString() : m_error;
+    return announcement(u"Aircraft Error"_s,
+                        cause.isEmpty() || state.isEmpty() ? state + cause
+                                                           : state + u"\n\n"_s + cause,
+                        Icon::Critical);
 }
 
 Result CAircraft::failed(int state, const Result& why)
@@ -335,7 +337,7 @@ QString CAircraft::PerformanceData_Translate(const QString& text, Performance wa
 SaveProtocol& CAircraft::protocol()
 {
     if (!m_protocol || m_protocol->file() != sConfigurationFile)
-        m_protocol = std::make_unique<SaveProtocol>(ConfigKind::Aircraft, sConfigurationFile);
+        m_protocol.emplace(ConfigKind::Aircraft, sConfigurationFile);
     return *m_protocol;
 }
 
@@ -387,7 +389,7 @@ Result CAircraft::PanelOrSound_Entry_Update(Alias which, const QString& suffix)
         return failed(NotUpdated, done);
     }
     (which == Alias::Panel ? sPanel : sSound) = suffix;
-    deriveFiles();
+    deriveFiles([this](const QString& file) { return m_access.actions.info(file).has_value(); });
     return done;
 }
 

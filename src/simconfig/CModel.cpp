@@ -27,7 +27,9 @@ bool CModel::Load(const QString& configurationFile)
     sModelEntry_Normal = value(u"models"_s, u"normal"_s);
     sModelEntry_Crash = value(u"models"_s, u"crash"_s);
     sModelEntry_Interior = value(u"models"_s, u"interior"_s);
-    sAlias = value(u"fltsim"_s, u"alias"_s);
+    sAlias = value(u"models"_s, u"alias"_s);
+    if (sAlias.isEmpty())
+        sAlias = value(u"fltsim"_s, u"alias"_s);
     return m_access.actions.info(configurationFile).has_value();
 }
 

@@ -17,7 +17,7 @@ public:
     QString sModelEntry_Normal; ///< value of "normal" in [models]
     QString sModelEntry_Crash;  ///< value of "crash"
     QString sModelEntry_Interior;
-    QString sAlias; ///< value of "alias" in [fltsim]: the shapes of another folder are used
+    QString sAlias; ///< value of "alias" in [models] or [fltsim]: another folder's shapes are used
 
     /// False when the file cannot be read; a file without entries is a success.
     bool Load(const QString& configurationFile);

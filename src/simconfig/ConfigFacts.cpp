@@ -96,6 +96,14 @@ template <typename View> View withoutComment(View value)
     return value;
 }
 
+template <typename View> View plainIn(View value)
+{
+    value = trimmedOf(withoutComment(value));
+    if (value.size() >= 2 && unitOf(value.front()) == u'"' && unitOf(value.back()) == u'"')
+        value = trimmedOf(value.sliced(1, value.size() - 2));
+    return value;
+}
+
 template <typename View> bool isNumber(View part)
 {
     bool digit = false;
@@ -199,6 +207,16 @@ bool hasExtension(const QString& file)
 
 } // namespace
 
+QStringView plainValue(QStringView value)
+{
+    return plainIn(value);
+}
+
+QByteArrayView plainValue(QByteArrayView value)
+{
+    return plainIn(value);
+}
+
 int aircraftSectionNumber(QStringView name)
 {
     return sectionNumber(name);
@@ -217,6 +235,37 @@ bool isAircraftSection(QStringView name)
 QString aircraftSectionName(qsizetype number)
 {
     return u"fltsim."_s + QString::number(number);
+}
+
+int hiddenSectionNumber(QStringView name)
+{
+    return startsWithNoCase(name, hiddenStem) ? sectionNumber(name.sliced(hiddenStem.size())) : -1;
+}
+
+bool isPartFolder(QStringView name, QStringView stem)
+{
+    if (!startsWithNoCase(name, stem))
+        return false;
+    return name.size() == stem.size() || name.at(stem.size()) == u'.';
+}
+
+QString partSuffix(QStringView name)
+{
+    const qsizetype point = name.indexOf(u'.');
+    return point < 0 ? QString() : name.sliced(point + 1).toString();
+}
+
+bool isRealTexture(QStringView name)
+{
+    const QStringView ending = name.sliced(name.lastIndexOf(u'.') + 1);
+    if (ending.size() == name.size())
+        return false;
+    if (ending.size() == 3 && endsWithNoCase(ending, u"af"))
+        return true;
+    constexpr QStringView endings[] = {u"dds", u"bmp", u"r8", u"tga", u"agn", u"psd"};
+    return std::any_of(std::begin(endings), std::end(endings), [ending](QStringView one) {
+        return equalNoCase(ending, one);
+    });
 }
 
 bool isEffectSection(QStringView section)

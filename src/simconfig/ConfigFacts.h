@@ -15,6 +15,11 @@ namespace vt::configfacts {
 // Values may still have their comment; quotes are taken off. The views that are returned point into
 // the value.
 
+/// The value as the simulator reads it: without a comment (";", a free-standing "//"), surrounding
+/// blanks and one pair of quotes. A single slash is part of it ("Cub Intl / HS-TBA").
+[[nodiscard]] QStringView plainValue(QStringView value);
+[[nodiscard]] QByteArrayView plainValue(QByteArrayView value);
+
 /// The number of an aircraft section ("fltsim.12": 12), -1 for any other name.
 [[nodiscard]] int aircraftSectionNumber(QStringView name);
 [[nodiscard]] int aircraftSectionNumber(QByteArrayView name);
@@ -22,6 +27,18 @@ namespace vt::configfacts {
 [[nodiscard]] bool isAircraftSection(QStringView name);
 /// "fltsim." and the number.
 [[nodiscard]] QString aircraftSectionName(qsizetype number);
+
+/// "hidden." before the name of an aircraft section: what the simulator is not to show.
+inline constexpr QStringView hiddenStem = u"hidden.";
+/// The number of a hidden aircraft section ("hidden.fltsim.12": 12), -1 for any other name.
+[[nodiscard]] int hiddenSectionNumber(QStringView name);
+
+/// "texture", "texture.blue": the stem alone or with a suffix behind a point.
+[[nodiscard]] bool isPartFolder(QStringView name, QStringView stem);
+/// "texture.blue" gives "blue", "texture" gives "".
+[[nodiscard]] QString partSuffix(QStringView name);
+/// Endings that pictures of aircraft and scenery really have (.dds, .bmp, .?af, .r8, ...).
+[[nodiscard]] bool isRealTexture(QStringView name);
 
 /// Whether the entries of a section of aircraft.cfg name effects: LIGHTS, EFFECTS, SMOKESYSTEM.
 [[nodiscard]] bool isEffectSection(QStringView section);

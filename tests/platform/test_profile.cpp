@@ -118,9 +118,13 @@ void TestProfile::manyQuestions_areAnsweredLikeOne()
             const QString key = QStringList{u"k"_s, u"B "_s, u"x"_s, u""_s}.at(random.bounded(4));
             if (random.bounded(8) == 0)
                 asked.setValue(section, key, QString::number(time));
-            const ProfileFile fresh = ProfileFile::ofBytes(*m_ansi.encode(asked.text()), m_ansi);
-            QCOMPARE(asked.value(section, key, u"-").text, fresh.value(section, key, u"-").text);
-            QCOMPARE(asked.has(section, key), fresh.has(section, key));
+            const auto fresh = [&] {
+                return ProfileFile::ofBytes(*m_ansi.encode(asked.text()), m_ansi);
+            };
+            QCOMPARE(asked.value(section, key, u"-").text, fresh().value(section, key, u"-").text);
+            QCOMPARE(asked.has(section, key), fresh().has(section, key));
+            QCOMPARE(asked.hasSection(section), fresh().hasSection(section));
+            QCOMPARE(asked.keys(section), fresh().keys(section));
         }
     }
 }

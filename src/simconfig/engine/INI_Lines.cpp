@@ -224,6 +224,12 @@ QString INI_Section_NameBracket(const QString& name)
     return name.contains(u'[') ? name : u'[' + name + u']';
 }
 
+bool isCommentOrBlank(QByteArrayView line)
+{
+    const QByteArrayView text = trimmedBlanks(line);
+    return text.isEmpty() || text.front() == '/' || text.front() == ';' || text.front() == '\'';
+}
+
 QString keyOf(QStringView text)
 {
     QString key = text.toString();

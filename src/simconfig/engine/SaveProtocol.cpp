@@ -20,7 +20,7 @@ struct KindFacts
 };
 
 // clang-format off
-constexpr std::array<KindFacts, 3> kindFacts = {{
+constexpr std::array<KindFacts, 4> kindFacts = {{
     {ConfigKind::Aircraft, u"Aircraft.vtb",
      u"Another process has modified the aircraft configuration file. Would you still like to update it?",
      u"Could not update the aircraft configuration file."},
@@ -30,9 +30,12 @@ constexpr std::array<KindFacts, 3> kindFacts = {{
     {ConfigKind::Sound, u"Sound.vtb",
      u"Another process has modified the sound configuration file. Would you still like to update it?",
      u"Could not update the sound configuration file."},
+    {ConfigKind::Model, u"Model.vtb",
+     u"Another process has modified the model configuration file. Would you still like to update it?",
+     u"Could not update the model configuration file."},
 }};
 // clang-format on
-static_assert(kindFacts[size_t(ConfigKind::Sound)].kind == ConfigKind::Sound);
+static_assert(kindFacts[size_t(ConfigKind::Model)].kind == ConfigKind::Model);
 
 const KindFacts& factsOf(ConfigKind kind)
 {

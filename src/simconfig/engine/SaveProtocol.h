@@ -1,6 +1,6 @@
-// How an aircraft, panel or sound configuration file is saved: change check, a persistent backup
-// made once (Aircraft.vtb), a temporary one (Temp.vtb), whole-file writing, restore.
-// It remembers the file as loaded; it does not hold the lines.
+// How an aircraft, panel, sound or model configuration file is saved: change check, a persistent
+// backup made once (Aircraft.vtb), a temporary one (Temp.vtb), whole-file writing, restore. It
+// remembers the file as loaded; it does not hold the lines.
 #pragma once
 
 #include "simconfig/engine/ConfigAccess.h"
@@ -15,6 +15,7 @@ enum class ConfigKind
     Aircraft,
     Panel,
     Sound,
+    Model,
 };
 
 /// A file's time and length, to notice changes by others.

@@ -79,12 +79,6 @@ ResultOf<QByteArray> entryLine(const LineArray& lines, const QString& key, const
     return lines.encoded(key + u'=' + value);
 }
 
-bool commentOrBlank(QByteArrayView line)
-{
-    const QByteArrayView text = trimmedBlanks(line);
-    return text.isEmpty() || text.front() == '/' || text.front() == ';' || text.front() == '\'';
-}
-
 enum class Unfit
 {
     Utf16,
@@ -427,7 +421,7 @@ LineArray INI_Header_GetComments(const LineArray& lines)
     for (const QByteArray& line : lines.lines) {
         if (sectionOfLine(lines, line))
             break;
-        if (commentOrBlank(line))
+        if (isCommentOrBlank(line))
             collected.push_back(line);
     }
     if (!collected.isEmpty())

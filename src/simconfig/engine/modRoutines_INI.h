@@ -126,6 +126,8 @@ INI_Section_Rename(LineArray& lines, const QString& oldName, const QString& newN
 /// The section name of a header line as every operation above recognises it: comment removed,
 /// blanks in front allowed. Cheap for lines that are no headers.
 [[nodiscard]] std::optional<QString> sectionOfLine(const LineArray& lines, QByteArrayView line);
+/// Whether the line says nothing: it is empty but for blanks, or a comment as a whole.
+[[nodiscard]] bool isCommentOrBlank(QByteArrayView line);
 /// Key and value as they stand, without comment stripping; the value without surrounding blanks.
 /// Nothing for comment lines and headers.
 [[nodiscard]] std::optional<Entry> rawEntryOfLine(const LineArray& lines, QByteArrayView line);

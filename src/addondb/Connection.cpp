@@ -1,6 +1,7 @@
 #include "addondb/Connection.h"
 
 #include "addondb/Collation.h"
+#include "addondb/PageChecks.h"
 #include "addondb/Schema.h"
 #include "platform/Files.h"
 #include "platform/Gate.h"
@@ -10,6 +11,7 @@
 #include <QFileInfo>
 #include <QtEndian>
 
+#include <cerrno>
 #include <memory>
 #include <sqlite3.h>
 #include <utility>
@@ -22,6 +24,9 @@ namespace {
 
 constexpr int waitMs = 5000;
 
+/// A file of up to this size is compared with its checksums before it is written to.
+constexpr qint64 scanLimit = 32LL * 1024 * 1024;
+
 QString hostText(const QByteArray& host)
 {
     return QFile::decodeName(host);
@@ -33,24 +38,36 @@ struct FileHeader
     DatabaseFault fault = DatabaseFault::None;
     QString text;
     bool writeAhead = false; ///< was left in the mode in which a log stands beside it
+    bool checked = false;    ///< its pages have checksums
 };
 
+/// Format of the header: sqlite.org/fileformat.html, "The Database Header".
 FileHeader readFileHeader(const QByteArray& host)
 {
     QFile file(hostText(host));
     if (!file.open(QIODevice::ReadOnly))
         return {DatabaseFault::Unreadable, file.errorString()};
-    const QByteArray bytes = file.read(100);
+    const QByteArray bytes = file.read(schema::pageSize);
+    const auto number32 = [&bytes](qsizetype at) {
+        return qFromBigEndian<qint32>(bytes.constData() + at);
+    };
     if (bytes.isEmpty())
         return {DatabaseFault::Damaged, u"the file is empty"_s};
     if (bytes.startsWith(QByteArrayView("\0\1\0\0Standard ", 13)))
         return {DatabaseFault::Foreign, u"the file belongs to another database program"_s};
     if (bytes.size() < 100 || !bytes.startsWith(QByteArrayView("SQLite format 3\0", 16)))
-        return {DatabaseFault::Damaged, u"the file is not a database"_s};
-    // Format of the header: sqlite.org/fileformat.html, "The Database Header".
-    if (qFromBigEndian<qint32>(bytes.constData() + 68) != schema::applicationId)
+        return {DatabaseFault::Damaged, u"the file does not begin as a database"_s};
+    if (number32(68) != schema::applicationId) {
+        // One of ours shows its tables even when its mark is gone.
+        if (bytes.contains(schema::quoted(Table::Addon_Details_SceneryLibrary)))
+            return {DatabaseFault::Damaged, u"the beginning of the file was changed"_s};
         return {DatabaseFault::Foreign, u"the file holds something else"_s};
-    return {DatabaseFault::None, {}, bytes[18] == 2 || bytes[19] == 2};
+    }
+    const bool checked = bytes[20] == pagechecks::reservedBytes;
+    const bool ofThisSize = qFromBigEndian<quint16>(bytes.constData() + 16) == schema::pageSize;
+    if (checked ? !ofThisSize : bytes[20] != 0 || number32(60) == schema::structureVersion)
+        return {DatabaseFault::Damaged, u"the beginning of the file was changed"_s};
+    return {DatabaseFault::None, {}, bytes[18] == 2 || bytes[19] == 2, checked};
 }
 
 QString columnText(sqlite3_stmt* row, int column)
@@ -66,17 +83,49 @@ DatabaseFault faultOf(int code)
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
         return DatabaseFault::Busy;
+    case SQLITE_FULL:
+        return DatabaseFault::Full;
     case SQLITE_CANTOPEN:
     case SQLITE_PERM:
     case SQLITE_AUTH:
     case SQLITE_READONLY:
-    case SQLITE_FULL:
     case SQLITE_NOMEM:
         return DatabaseFault::Unreadable;
     case SQLITE_IOERR:
-        return code == SQLITE_IOERR_SHORT_READ ? DatabaseFault::Damaged : DatabaseFault::Unreadable;
+        return code == SQLITE_IOERR_SHORT_READ || code == SQLITE_IOERR_DATA
+                   ? DatabaseFault::Damaged
+                   : DatabaseFault::Unreadable;
+    case SQLITE_CONSTRAINT:
+    case SQLITE_MISUSE:
+    case SQLITE_RANGE:
+    case SQLITE_TOOBIG:
+    case SQLITE_MISMATCH:
+        return DatabaseFault::Refused;
     default:
         return DatabaseFault::Damaged;
+    }
+}
+
+/// Our words for what the engine says in its own.
+QString causeOf(int code)
+{
+    switch (code & 0xff) {
+    case SQLITE_READONLY:
+        return u"the file may not be written"_s;
+    case SQLITE_NOMEM:
+        return u"the memory does not suffice"_s;
+    case SQLITE_CONSTRAINT:
+        return u"there is such a row already"_s;
+    case SQLITE_NOTADB:
+        return u"it is not a database"_s;
+    case SQLITE_CORRUPT:
+    case SQLITE_IOERR:
+        return u"some of it is not what was written"_s;
+    case SQLITE_ERROR:
+    case SQLITE_SCHEMA:
+        return u"its tables are not those of this program"_s;
+    default:
+        return u"it cannot be used"_s;
     }
 }
 
@@ -89,7 +138,11 @@ QString databaseSentence(DatabaseFault fault, const QString& path, const QString
     case DatabaseFault::Missing:
         return database + u"' does not exist."_s;
     case DatabaseFault::Unreadable:
-        return database + u"' could not be opened: "_s + cause + u"."_s;
+    case DatabaseFault::Refused:
+        return database + u"' could not be used: "_s + cause + u"."_s;
+    case DatabaseFault::Full:
+        return database +
+               u"' could not be written because the disk is full; make room and try again."_s;
     case DatabaseFault::Busy:
         return database + u"' is in use by another program; try again when that has ended."_s;
     case DatabaseFault::Foreign:
@@ -99,9 +152,18 @@ QString databaseSentence(DatabaseFault fault, const QString& path, const QString
         return database +
                u"' was made by a later version of this program, which is needed to open it."_s;
     case DatabaseFault::Damaged:
-        return database + u"' is damaged: "_s + cause + u"."_s;
+        return database + u"' is damaged: "_s + cause +
+               u"; 'vantrelctl database check --repair' saves what can be read."_s;
     }
     return {};
+}
+
+Result databaseFailed(DatabaseFault fault, const QString& path, const QString& cause)
+{
+    return Result::failure(databaseSentence(fault, path, cause),
+                           fault == DatabaseFault::Full      ? ErrorKind::DiskFull
+                           : fault == DatabaseFault::Refused ? ErrorKind::Failed
+                                                             : ErrorKind::Surroundings);
 }
 
 OpenedDatabase refusedOpening(DatabaseFault fault,
@@ -112,7 +174,7 @@ OpenedDatabase refusedOpening(DatabaseFault fault,
     OpenedDatabase opened;
     opened.fault = fault;
     opened.error = {number, cause};
-    opened.result = Result::failure(databaseSentence(fault, path, cause), ErrorKind::Surroundings);
+    opened.result = databaseFailed(fault, path, cause);
     return opened;
 }
 
@@ -203,12 +265,11 @@ Statement Connection::statement(const QByteArray& sql)
     return {prepare(sql, 0), nullptr};
 }
 
-const DatabaseError& Connection::noteError(int code)
+void Connection::noteError(int code)
 {
     m_lastError.number = code;
     m_lastError.text = m_handle != nullptr ? QString::fromUtf8(sqlite3_errmsg(m_handle))
                                            : QString::fromUtf8(sqlite3_errstr(code));
-    return m_lastError;
 }
 
 // --- opening ---
@@ -235,12 +296,14 @@ OpenedDatabase Connection::open(const Files& files, const QString& path, OpenMod
 
     std::unique_ptr<Connection> made(new Connection(path, mode == OpenMode::ReadOnly));
     Connection& connection = *made;
+    connection.m_checked = header.checked;
     OpenedDatabase opened;
     if (mode == OpenMode::ReadWrite) {
         opened = connection.openFile(host, SQLITE_OPEN_READWRITE);
     } else {
         const bool log = QFileInfo(hostText(host + "-wal")).size() > 0;
         const bool shared = QFile::exists(hostText(host + "-shm"));
+        connection.m_shared = shared;
         if (header.writeAhead && !log && !shared)
             opened =
                 connection.openFile(immutableName(host), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
@@ -255,6 +318,7 @@ OpenedDatabase Connection::open(const Files& files, const QString& path, OpenMod
                     path,
                     u"it holds unfinished work and no copy could be made to read it"_s);
             }
+            connection.m_shared = false;
             opened =
                 connection.openFile(connection.m_privateCopy + "/database", SQLITE_OPEN_READWRITE);
         }
@@ -284,11 +348,14 @@ OpenedDatabase Connection::create(const Gate& gate, const QString& path)
     }
     gate.files().noteChanged(path);
     if (made.ok && !QFile::rename(hostText(making), hostText(*host)))
-        made = Result::failure(u"it could not be given its name"_s);
+        made = databaseFailed(
+            DatabaseFault::Unreadable, path, u"the new file could not be given its name"_s);
     if (!made.ok) {
         for (const char* suffix : {"", "-wal", "-shm", "-journal"})
             QFile::remove(hostText(making + suffix));
-        return refusedOpening(DatabaseFault::Unreadable, path, made.text);
+        OpenedDatabase refused = refusedOpening(DatabaseFault::Unreadable, path, {});
+        refused.result = made;
+        return refused;
     }
     gate.files().noteChanged(path);
     return open(gate.files(), path, OpenMode::ReadWrite);
@@ -296,10 +363,15 @@ OpenedDatabase Connection::create(const Gate& gate, const QString& path)
 
 Result Connection::makeFile(const QByteArray& hostFile)
 {
-    const int code = sqlite3_open_v2(
-        hostFile.constData(), &m_handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    const int code = sqlite3_open_v2(hostFile.constData(),
+                                     &m_handle,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                                     pagechecks::fileLayer());
     if (code != SQLITE_OK || collation::registerOn(m_handle) != SQLITE_OK)
-        return Result::failure(noteError(code).text);
+        return failed(code);
+    sqlite3_extended_result_codes(m_handle, 1);
+    int reserved = pagechecks::reservedBytes;
+    sqlite3_file_control(m_handle, "main", SQLITE_FCNTL_RESERVE_BYTES, &reserved);
     sqlite3_exec(m_handle, "PRAGMA synchronous=EXTRA", nullptr, nullptr, nullptr);
     QByteArrayList statements{"PRAGMA page_size=" + QByteArray::number(schema::pageSize),
                               "BEGIN IMMEDIATE",
@@ -319,9 +391,12 @@ OpenedDatabase Connection::openFile(const QByteArray& hostFile, int flags)
 {
     sqlite3_close(m_handle);
     m_handle = nullptr;
+    m_hostFile = hostFile;
     // A connection belongs to one thread, so the engine need not lock itself.
-    int code =
-        sqlite3_open_v2(hostFile.constData(), &m_handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    int code = sqlite3_open_v2(hostFile.constData(),
+                               &m_handle,
+                               flags | SQLITE_OPEN_NOMUTEX,
+                               m_checked ? pagechecks::fileLayer() : nullptr);
     if (code == SQLITE_OK) {
         sqlite3_extended_result_codes(m_handle, 1);
         sqlite3_busy_timeout(m_handle, waitMs);
@@ -356,6 +431,22 @@ OpenedDatabase Connection::becomeWriter()
     // A change of mode is a transaction of its own, whose journal must be gone for good before the
     // log takes over.
     sqlite3_exec(m_handle, "PRAGMA synchronous=EXTRA", nullptr, nullptr, nullptr);
+    // What a dead process left in the log comes in first: pages that it was writing into the file
+    // may be half of the one and half of the other.
+    const QFileInfo log(hostText(m_hostFile + "-wal"));
+    bool settled = log.size() == 0;
+    if (!settled)
+        settled = sqlite3_wal_checkpoint_v2(
+                      m_handle, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr) == SQLITE_OK;
+    if (settled && QFileInfo(hostText(m_hostFile)).size() <= scanLimit) {
+        if (Result scanned = scanPages(); !scanned) {
+            OpenedDatabase refused =
+                refusedOpening(DatabaseFault::Damaged, m_path, {}, SQLITE_CORRUPT);
+            refused.error = m_lastError;
+            refused.result = scanned;
+            return refused;
+        }
+    }
     QString mode;
     const int code = firstOf("PRAGMA journal_mode=WAL",
                              [&mode](sqlite3_stmt* row) { mode = columnText(row, 0); });
@@ -370,8 +461,11 @@ OpenedDatabase Connection::becomeWriter()
 
 OpenedDatabase Connection::refusedByEngine(int code)
 {
-    const DatabaseError error = noteError(code);
-    return refusedOpening(faultOf(code), m_path, error.text, code & 0xff);
+    OpenedDatabase refused;
+    refused.result = failed(code);
+    refused.fault = faultOf(code);
+    refused.error = {code & 0xff, m_lastError.text};
+    return refused;
 }
 
 int Connection::firstOf(const char* sql, const std::function<void(sqlite3_stmt*)>& take)
@@ -446,10 +540,20 @@ Result Connection::execute(const char* sql)
 
 Result Connection::failed(int code)
 {
-    const DatabaseError& error = noteError(code);
-    const bool full = (code & 0xff) == SQLITE_FULL;
-    return Result::failure(databaseSentence(faultOf(code), m_path, error.text),
-                           full ? ErrorKind::DiskFull : ErrorKind::Surroundings);
+    noteError(code);
+    DatabaseFault fault = faultOf(code);
+    QString cause = causeOf(code);
+    if (fault == DatabaseFault::Unreadable && m_handle != nullptr) {
+        const int systemError = sqlite3_system_errno(m_handle);
+        if (systemError == ENOSPC || systemError == EDQUOT)
+            fault = DatabaseFault::Full;
+        else if (systemError != 0)
+            cause = qt_error_string(systemError);
+    }
+    Result failure = databaseFailed(fault, m_path, cause);
+    if (m_trouble.ok && fault != DatabaseFault::Refused)
+        m_trouble = failure;
+    return failure;
 }
 
 Result Connection::begin()
@@ -494,17 +598,39 @@ Result Connection::together(const std::function<Result()>& work)
     return commit();
 }
 
+Result Connection::scanPages()
+{
+    if (!m_checked)
+        return Result::success();
+    const pagechecks::Scan scan = pagechecks::scan(m_hostFile);
+    if (scan.readable && scan.broken.isEmpty())
+        return Result::success();
+    if (!scan.readable)
+        return failed(SQLITE_IOERR);
+    const QString cause = u"page "_s + QString::number(scan.broken.first()) + u" of "_s +
+                          QString::number(scan.pages) + u" is not what was written"_s;
+    m_lastError = {SQLITE_CORRUPT, cause};
+    m_trouble = databaseFailed(DatabaseFault::Damaged, m_path, cause);
+    return m_trouble;
+}
+
 Result Connection::check(bool thorough)
 {
+    // The engine does not look into pages that nothing uses, and at those that it knows already.
+    // While others write, a page may be read in the middle of its change.
+    if (!m_writer && !m_shared) {
+        if (Result scanned = scanPages(); !scanned)
+            return scanned;
+    }
     QString found;
     const int code = firstOf(thorough ? "PRAGMA integrity_check(1)" : "PRAGMA quick_check(1)",
                              [&found](sqlite3_stmt* row) { found = columnText(row, 0); });
     if (code == SQLITE_OK && found == u"ok"_s)
         return Result::success();
+    const Result failure = failed(code == SQLITE_OK ? int(SQLITE_CORRUPT) : code);
     if (code == SQLITE_OK)
         m_lastError = {SQLITE_CORRUPT, found.simplified()};
-    return Result::failure(databaseSentence(DatabaseFault::Damaged, m_path, m_lastError.text),
-                           ErrorKind::Surroundings);
+    return failure;
 }
 
 } // namespace vt

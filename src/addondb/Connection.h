@@ -35,10 +35,12 @@ enum class DatabaseFault
     None,
     Missing,    ///< there is no such file
     Unreadable, ///< the file or its folder may not be read or written
+    Full,       ///< there is no room on the disk
     Busy,       ///< another program is writing to it
     Foreign,    ///< a sound file, but not one of this program's
     Newer,      ///< written by a later version of this program
     Damaged,    ///< not a database, cut short, or inconsistent
+    Refused,    ///< what was asked breaks a rule of the tables
 };
 
 /// The engine's error number and text; number 0 for none.
@@ -89,7 +91,9 @@ class Connection
 {
 public:
     /// \a path is a Windows text. Never creates the file. A reading connection works beside a
-    /// writing one and sees what was last committed, also by a process that died.
+    /// writing one and sees what was last committed, also by a process that died. A writing one
+    /// compares every page of a file of up to 32 MiB with its checksum, and brings in what a dead
+    /// process left in the log.
     [[nodiscard]] static OpenedDatabase
     open(const Files& files, const QString& path, OpenMode mode);
     /// A new, empty database, open for writing. Fails when the file exists; leaves nothing on
@@ -110,7 +114,7 @@ public:
 
     [[nodiscard]] bool readOnly() const { return m_readOnly; }
 
-    /// Version of the tables' structure, 1 for now.
+    /// Version of the tables' structure; schema::structureVersion when it is the present one.
     [[nodiscard]] int structure() const { return m_structure; }
 
     /// Transactions do not nest: beginning a second one is a programming error.
@@ -125,12 +129,17 @@ public:
     /// committed when the work succeeds and rolled back when it fails.
     Result together(const std::function<Result()>& work);
 
-    /// Looks through the whole file, page by page and row by row; \a thorough compares the indexes
-    /// with the rows as well. Failure: the first problem found.
+    /// Looks through the whole file: every page with its checksum, every row; \a thorough compares
+    /// the indexes with the rows as well. Failure: the first problem found, lastError() with the
+    /// engine's words.
     Result check(bool thorough = false);
 
     /// What the engine said last, for the error log; the stated texts do not carry it.
     [[nodiscard]] const DatabaseError& lastError() const { return m_lastError; }
+
+    /// The first damage, full disk or the like that any call met, as one sentence: what a person
+    /// needs to know beside the stated texts. Success while all is well.
+    [[nodiscard]] const Result& trouble() const { return m_trouble; }
 
     // For Recordset.
 
@@ -146,8 +155,9 @@ public:
 
     /// A statement that is not used again.
     [[nodiscard]] Statement statement(const QByteArray& sql);
-    /// Stores and returns the engine's present error; for use right after a failed call.
-    const DatabaseError& noteError(int code);
+    /// Stores the engine's present error and makes a sentence of it; for use right after a failed
+    /// call.
+    Result failed(int code);
 
     [[nodiscard]] sqlite3* handle() const { return m_handle; }
 
@@ -161,26 +171,32 @@ private:
 
     Connection(QString path, bool readOnly);
 
+    void noteError(int code);
     Statement lend(Pool& pool);
     sqlite3_stmt* prepare(const QByteArray& sql, unsigned traits);
     OpenedDatabase openFile(const QByteArray& hostFile, int flags);
+    /// Of the file that is open, which nobody is writing.
+    Result scanPages();
     OpenedDatabase becomeWriter();
     OpenedDatabase refusedByEngine(int code);
     Result makeFile(const QByteArray& hostFile);
     Result leaveOneFile();
     Result execute(const char* sql);
-    Result failed(int code);
     /// Hands the first row of an answer to \a take; the engine's code.
     int firstOf(const char* sql, const std::function<void(sqlite3_stmt*)>& take);
 
     sqlite3* m_handle = nullptr;
     QString m_path;
+    QByteArray m_hostFile;
     QByteArray m_privateCopy; ///< host folder of a private copy that is being read, or empty
+    bool m_checked = false;   ///< its pages have checksums
+    bool m_shared = false;    ///< read beside somebody's log
     bool m_readOnly = false;
     bool m_writer = false; ///< open with a log, to be left as one file
     bool m_inTransaction = false;
     int m_structure = 0;
     DatabaseError m_lastError;
+    Result m_trouble;
     std::unordered_map<quint32, Pool> m_pools; ///< its elements never move
 };
 

@@ -88,11 +88,7 @@ void Recordset::setIndex(Index index)
 
 bool Recordset::failed(int code)
 {
-    const DatabaseError& error = m_connection.noteError(code);
-    m_error = Result::failure(u"The table '"_s + QLatin1StringView(info(m_table).name) +
-                                  u"' of the add-on database '"_s + m_connection.path() +
-                                  u"' could not be used: "_s + error.text + u"."_s,
-                              ErrorKind::Surroundings);
+    m_error = m_connection.failed(code);
     m_present = false;
     return false;
 }
@@ -249,7 +245,8 @@ void Recordset::addNew()
     if (m_insert)
         return;
     m_insert = prepared(Kind::Insert, 0, [this] {
-        QByteArray sql = "INSERT INTO " + schema::quoted(m_table) + " VALUES (";
+        QByteArray sql = "INSERT INTO " + schema::quoted(m_table) + " (" + schema::fields(m_table) +
+                         ") VALUES (";
         for (std::size_t i = 0; i < m_slots.size(); ++i)
             sql += i == 0 ? "?" : ", ?";
         return sql + ")";

@@ -129,9 +129,14 @@ QByteArrayList creation()
     return statements;
 }
 
+QByteArray fields(Table table)
+{
+    return fieldList(info(table).fields);
+}
+
 QByteArray columns(Table table)
 {
-    return "rowid, " + fieldList(info(table).fields);
+    return "rowid, " + fields(table);
 }
 
 QByteArray equalTo(Index index, std::size_t keys)

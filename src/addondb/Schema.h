@@ -13,8 +13,9 @@ namespace vt::schema {
 
 /// "VTDB" in the file's header, by which it is recognised.
 inline constexpr int applicationId = 0x56544442;
-/// Version of the structure in the file's header.
-inline constexpr int structureVersion = 1;
+/// Version of the structure in the file's header. From 2 on every page has a checksum.
+inline constexpr int structureVersion = 2;
+inline constexpr int firstCheckedVersion = 2;
 /// Measured: the fastest for large installations (docs/decisions/0008-place-indexes.md).
 inline constexpr int pageSize = 16384;
 
@@ -24,6 +25,8 @@ inline constexpr int pageSize = 16384;
 /// Empty for a row key, which needs nothing of its own.
 [[nodiscard]] QByteArray createIndex(Index index);
 
+/// All fields, comma-separated; the file may have them in another order.
+[[nodiscard]] QByteArray fields(Table table);
 /// "rowid" and all fields, comma-separated, in the order of the table.
 [[nodiscard]] QByteArray columns(Table table);
 /// Condition: the first \a keys fields of the index equal ?1, ?2, ...

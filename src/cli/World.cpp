@@ -134,6 +134,7 @@ struct World::Parts
     void enterProgramFolder();
     Result openForWriting(bool fresh);
     Result finishInterrupted();
+    [[nodiscard]] Result withCause(const Result& failure) const;
 
     GlobalOptions options;
     QString currentFolder;
@@ -503,16 +504,27 @@ void World::say(const Results& results)
     }
 }
 
-int World::failElement(const Result& failure)
+/// The stated texts of the data layer do not say what is wrong with the database itself.
+Result World::Parts::withCause(const Result& failure) const
 {
+    if (!database || database->trouble() || failure.text.contains(database->trouble().text))
+        return failure;
+    const QString text = failure.text.trimmed();
+    return Result::failure(text + u' ' + database->trouble().text, database->trouble().kind);
+}
+
+int World::failElement(const Result& failed)
+{
+    const Result failure = m->withCause(failed);
     m->beforeOutput();
     console::error(failure.text + u'\n');
     m->stream.error(failure.text, kindName(failure.kind));
     return exitOf(failure.kind);
 }
 
-int World::fail(const Result& failure, const QJsonObject& done)
+int World::fail(const Result& failed, const QJsonObject& done)
 {
+    const Result failure = m->withCause(failed);
     m->beforeOutput();
     console::error(failure.text + u'\n');
     if (m->stream.begun()) {

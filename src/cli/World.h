@@ -100,10 +100,10 @@ public:
     /// One sentence on standard error; with --json also {"error": {...}} merged into \a done, or
     /// into the document that out() has begun (an array is closed without it).
     /// Returns the exit status that belongs to the kind of failure.
-    int fail(const Result& failure, const QJsonObject& done = {});
+    int fail(const Result& failed, const QJsonObject& done = {});
     /// The same for one element of a list: {"error": {...}} goes into the object that out() has
     /// open, and the command goes on.
-    int failElement(const Result& failure);
+    int failElement(const Result& failed);
     /// After the command: completes the JSON document, clears the progress bar.
     void finish();
 

@@ -1,6 +1,7 @@
 // Opening, closing and transactions of the one database file, whole, damaged and abandoned.
 #include "addondb/DatabaseCare.h"
 #include "addondb/DatabaseFixture.h"
+#include "addondb/PageChecks.h"
 #include "addondb/Recordset.h"
 #include "support/TestMain.h"
 
@@ -86,7 +87,7 @@ void TestConnection::create_makesOneFileAndRefusesToReplaceIt()
     DatabaseFixture fixture;
     auto database = fixture.create();
     setCounterTo(*database, 7);
-    QCOMPARE(database->structure(), 1);
+    QCOMPARE(database->structure(), 2);
     QVERIFY(database->close());
     QCOMPARE(fixture.namesOnDisk(), QStringList{u"Vantrel.mdb"_s});
 
@@ -106,9 +107,9 @@ void TestConnection::open_tellsWhatIsWrong_data()
     QTest::newRow("missing") << missing << int(DatabaseFault::Missing) << u"does not exist"_s;
     QTest::newRow("empty") << QByteArray("") << int(DatabaseFault::Damaged) << u"empty"_s;
     QTest::newRow("short") << QByteArray("SQLite format 3\0", 16) << int(DatabaseFault::Damaged)
-                           << u"not a database"_s;
+                           << u"does not begin"_s;
     QTest::newRow("garbage") << QByteArray(50000, '\x5a') << int(DatabaseFault::Damaged)
-                             << u"not a database"_s;
+                             << u"does not begin"_s;
     QTest::newRow("other program's")
         << QByteArray("\0\1\0\0Standard Jet DB\0", 20) + QByteArray(4096, '\1')
         << int(DatabaseFault::Foreign) << u"another database program"_s;
@@ -157,7 +158,11 @@ void TestConnection::open_newerStructureIsRefused()
     DatabaseFixture fixture;
     (void)fixture.create()->close();
     sqlite3* other = nullptr;
-    QCOMPARE(sqlite3_open(fixture.host().toUtf8().constData(), &other), SQLITE_OK);
+    QCOMPARE(sqlite3_open_v2(fixture.host().toUtf8().constData(),
+                             &other,
+                             SQLITE_OPEN_READWRITE,
+                             pagechecks::fileLayer()),
+             SQLITE_OK);
     sqlite3_exec(other, "PRAGMA user_version=99", nullptr, nullptr, nullptr);
     sqlite3_close(other);
 

@@ -61,7 +61,7 @@ void TestCliDoctor::withSimulator_tellsEverything()
                           {u"foundBy"_s, u"option"_s}}));
     const QJsonObject database = report.value(u"database"_s).toObject();
     QCOMPARE(database.value(u"path"_s).toString(), cli.windows(u"home"_s) + u"\\Vantrel.mdb"_s);
-    QCOMPARE(database.value(u"structure"_s).toInt(), 1);
+    QCOMPARE(database.value(u"structure"_s).toInt(), 2);
     QVERIFY(database.value(u"bytes"_s).toInt() > 0);
     QCOMPARE(report.value(u"interrupted"_s).toArray(), QJsonArray());
     QVERIFY(report.value(u"tools"_s).toObject().contains(u"launcher"_s));

@@ -98,7 +98,7 @@ ResultOf<QByteArray> renamed(const LineArray& lines, const QByteArray& header, c
 /// Gives the block another name and notes it.
 Result rename(LineArray& lines, const Block& block, const QString& name, Renames& renames)
 {
-    if (block.name == name)
+    if (equalNoCase(block.name, name))
         return Result::success();
     const ResultOf<QByteArray> header = renamed(lines, lines.lines.at(block.first), name);
     if (!header)

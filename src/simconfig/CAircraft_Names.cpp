@@ -77,8 +77,18 @@ Result CAircraft::Variation_Validate(const QString& variation, const NameChecks&
 
 QString CAircraft::Title_FixDuplicate(const QString& title, const NameChecks& checks) const
 {
+    // Many new variations may have the same title: the others are not walked for each number.
+    QSet<NoCase> taken;
+    if (checks.others) {
+        for (const NewVariation& other : *checks.others)
+            taken.insert(NoCase{other.title.trimmed()});
+    }
+    NameChecks installedOnly = checks;
+    installedOnly.others = nullptr;
     QString unique = title.trimmed();
-    for (int number = 2; !unique.isEmpty() && !Title_Validate(unique, checks); ++number)
+    for (int number = 2; !unique.isEmpty() &&
+                         (taken.contains(NoCase{unique}) || !Title_Validate(unique, installedOnly));
+         ++number)
         unique = title.trimmed() + u' ' + QString::number(number);
     return unique;
 }

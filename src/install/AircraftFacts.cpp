@@ -2,6 +2,7 @@
 
 #include "platform/Text.h"
 #include "platform/WinPath.h"
+#include "simconfig/ConfigFacts.h"
 
 #include <QStringDecoder>
 
@@ -10,27 +11,6 @@ using namespace Qt::StringLiterals;
 namespace vt {
 
 namespace {
-
-QStringView withoutComment(QStringView value)
-{
-    // A title may hold a slash; only a free-standing pair of them starts a comment.
-    qsizetype end = value.indexOf(u';');
-    for (qsizetype at = value.indexOf(u"//"); at >= 0; at = value.indexOf(u"//", at + 1)) {
-        if (at == 0 || value.at(at - 1).isSpace()) {
-            end = end < 0 ? at : qMin(end, at);
-            break;
-        }
-    }
-    return (end < 0 ? value : value.first(end)).trimmed();
-}
-
-QString plainValue(QStringView value)
-{
-    value = withoutComment(value.trimmed());
-    if (value.size() >= 2 && value.startsWith(u'"') && value.endsWith(u'"'))
-        value = value.sliced(1, value.size() - 2).trimmed();
-    return value.toString();
-}
 
 struct Field
 {
@@ -57,7 +37,7 @@ void takeEntry(AircraftSection& section, QStringView key, QStringView value)
             continue;
         QString& member = section.*field.member;
         if (member.isEmpty())
-            member = plainValue(value);
+            member = configfacts::plainValue(value).toString();
         if (field.member == &AircraftSection::texture)
             member.replace(u'/', u'\\');
         return;
@@ -105,7 +85,7 @@ AircraftFacts aircraftFacts(QStringView text)
         if (current)
             takeEntry(*current, key, line.sliced(equals + 1));
         else if (general && equalNoCase(key, u"category"))
-            facts.category = plainValue(line.sliced(equals + 1));
+            facts.category = configfacts::plainValue(line.sliced(equals + 1)).toString();
     }
     return facts;
 }

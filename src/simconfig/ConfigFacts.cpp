@@ -99,9 +99,8 @@ template <typename View> View withoutComment(View value)
 template <typename View> View plainIn(View value)
 {
     value = trimmedOf(withoutComment(value));
-    if (value.size() >= 2 && unitOf(value.front()) == u'"' && unitOf(value.back()) == u'"')
-        value = trimmedOf(value.sliced(1, value.size() - 2));
-    return value;
+    // A comment may have taken the closing quote.
+    return !value.isEmpty() && unitOf(value.front()) == u'"' ? unquoted(value) : value;
 }
 
 template <typename View> bool isNumber(View part)
@@ -162,9 +161,12 @@ template <typename View> GaugeOf<View> gaugeIn(View value)
     const qsizetype mark = positionOf(value, u'!');
     GaugeOf<View> out{unquoted(mark < 0 ? value : value.first(mark)),
                       mark < 0 ? View() : unquoted(value.sliced(mark + 1))};
+    const qsizetype stem = out.collection.size() - 4;
+    if (stem < 1 || unitOf(out.collection[stem]) != u'.')
+        return out;
     for (const QLatin1StringView type : {".gau"_L1, ".cab"_L1, ".xml"_L1, ".dll"_L1}) {
-        if (out.collection.size() > type.size() && endsIn(out.collection, type)) {
-            out.collection.chop(type.size());
+        if (isName(out.collection.sliced(stem), type)) {
+            out.collection = out.collection.first(stem);
             break;
         }
     }

@@ -96,9 +96,14 @@ QStringView trimmedSpaces(QStringView text)
     return text;
 }
 
+qsizetype commentStart(QByteArrayView line)
+{
+    return commentIndex(line, '/', ';', '\'', ' ', '\t');
+}
+
 StrippedBytes strippedBytes(QByteArrayView line)
 {
-    const qsizetype comment = commentIndex(line, '/', ';', '\'', ' ', '\t');
+    const qsizetype comment = commentStart(line);
     const QByteArrayView before = comment >= 0 ? line.first(comment) : line;
     StrippedBytes result;
     result.hasComment = comment >= 0;

@@ -1,6 +1,6 @@
-// The byte side of line parsing, shared inside the engine. Every mark that the rules look for is
-// below 0x40 and so never the second byte of a double-byte character; brackets are not, which is
-// why section names are taken from decoded text.
+// The byte side of line parsing, for the engine itself and for scans over many files. Every mark
+// that the rules look for is below 0x40 and so never the second byte of a double-byte character;
+// brackets are not, which is why section names are taken from decoded text.
 #pragma once
 
 #include "platform/Text.h"
@@ -38,6 +38,8 @@ struct EntryBytes
 /// Spaces and tabs.
 [[nodiscard]] QByteArrayView trimmedBlanks(QByteArrayView text);
 [[nodiscard]] StrippedBytes strippedBytes(QByteArrayView line);
+/// Zero-based index of the first character of the line's comment, -1 for none.
+[[nodiscard]] qsizetype commentStart(QByteArrayView line);
 [[nodiscard]] std::optional<EntryView> splitView(QByteArrayView line);
 [[nodiscard]] std::optional<EntryBytes> splitBytes(QByteArrayView line);
 /// Whether a key, its blanks left out, is \a lowerCase (ASCII) without regard to case.

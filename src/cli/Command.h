@@ -89,5 +89,7 @@ struct Command
 [[nodiscard]] std::vector<Command> planCommands();  ///< classify, plan
 [[nodiscard]] std::vector<Command> installCommands();
 [[nodiscard]] std::vector<Command> removeCommands();
+[[nodiscard]] std::vector<Command> verifyCommands();
+[[nodiscard]] std::vector<Command> panelCommands(); ///< panel set, sound set
 
 } // namespace vt::cli

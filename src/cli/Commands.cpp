@@ -19,6 +19,8 @@ std::vector<Command> allCommands()
         planCommands,
         installCommands,
         removeCommands,
+        verifyCommands,
+        panelCommands,
     };
     std::vector<Command> all;
     for (const Group group : groups) {

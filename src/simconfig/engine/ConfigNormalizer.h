@@ -15,7 +15,12 @@ struct NormalizedConfig
 {
     QByteArray bytes;
     bool changed = false;
-    QString done; ///< "line ends brought to CR LF", ...; empty when nothing was
+    QString found; ///< "UTF-16 text", "line ends other than CR LF", ...; empty when all was well
+    QString done;  ///< "line ends brought to CR LF", ...; empty when nothing was
+
+    /// The line of a verification about a file that can be read but not edited as it is; empty when
+    /// all was well. \a kind: "aircraft", "panel", "sound".
+    [[nodiscard]] QString problem(const QString& kind) const;
 };
 
 /// UTF-16 (with or without its mark) and UTF-8 with its mark are brought to \a ansi; bare LF and

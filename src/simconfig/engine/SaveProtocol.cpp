@@ -78,9 +78,14 @@ Result SaveProtocol::load(const ConfigAccess& access, LineArray& lines, bool onl
 {
     if (onlyIfChanged && lines.hasContent() && !changedSinceLoad(access))
         return Result::success();
-    // Taken first: a change between the two is then noticed instead of missed.
-    m_stamp = FileStamp::of(access.actions, m_file);
+    noteLoading(access);
     return modRoutines_INI::INI_File_Read(access.actions, m_file, lines);
+}
+
+void SaveProtocol::noteLoading(const ConfigAccess& access)
+{
+    // Taken before reading: a change between the two is then noticed instead of missed.
+    m_stamp = FileStamp::of(access.actions, m_file);
 }
 
 bool SaveProtocol::changedSinceLoad(const ConfigAccess& access) const
@@ -101,6 +106,12 @@ Result SaveProtocol::save(const ConfigAccess& access, const LineArray& lines)
 {
     if (const Result editable = modRoutines_INI::checkEditable(lines, m_file); !editable)
         return editable;
+    return saveBy(access,
+                  [&] { return modRoutines_INI::INI_File_Write(access.actions, m_file, lines); });
+}
+
+Result SaveProtocol::saveBy(const ConfigAccess& access, const std::function<Result()>& write)
+{
     if (changedSinceLoad(access) && access.prompts.ask(changedQuestion(m_kind)) != Button::Yes)
         return Result::failure(factsOf(m_kind).notUpdated.toString(), ErrorKind::Declined);
     FileActions& actions = access.actions;
@@ -113,7 +124,7 @@ Result SaveProtocol::save(const ConfigAccess& access, const LineArray& lines)
         if (const Result copied = actions.copy(m_file, temporaryFile()); !copied)
             return withCause(u"Error backup up "_s + m_file, copied);
     }
-    if (const Result written = modRoutines_INI::INI_File_Write(actions, m_file, lines); !written)
+    if (const Result written = write(); !written)
         return withCause(u"Error writing "_s + m_file, written);
     m_stamp = FileStamp::of(actions, m_file);
     // The edit is done; a temporary backup that cannot be deleted does not undo it.

@@ -8,6 +8,8 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace vt {
 
 enum class ConfigKind
@@ -46,11 +48,16 @@ public:
     /// already and still fit the file are kept. \a lines is fresh after a failure.
     [[nodiscard]] Result load(const ConfigAccess& access, LineArray& lines, bool onlyIfChanged);
 
+    /// For a caller that reads the bytes itself: to be called before it does.
+    void noteLoading(const ConfigAccess& access);
+
     [[nodiscard]] bool changedSinceLoad(const ConfigAccess& access) const;
 
     /// Checks, asks, backs up, writes, and remembers the new time and length. On failure the file
     /// stands as it was; kind Declined when the user chose not to overwrite another's changes.
     [[nodiscard]] Result save(const ConfigAccess& access, const LineArray& lines);
+    /// The same around another way of writing the file; \a write leaves it untouched on failure.
+    [[nodiscard]] Result saveBy(const ConfigAccess& access, const std::function<Result()>& write);
 
     /// Copies the persistent backup over the file and deletes it.
     [[nodiscard]] Result restore(const ConfigAccess& access);

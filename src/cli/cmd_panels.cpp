@@ -1,0 +1,118 @@
+// panel set, sound set: let an aircraft use the panel or the sound of another one.
+#include "cli/Command.h"
+#include "platform/Text.h"
+#include "platform/WinPath.h"
+#include "simconfig/CAircraft.h"
+#include "simconfig/CPanel.h"
+#include "simconfig/CSound.h"
+#include "simconfig/engine/modRoutines_INI.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt::cli {
+
+namespace {
+
+/// What is typed as target as it is to stand in the file: a folder or configuration file that is
+/// there is named as aliases are; anything else is an alias already.
+QString aliasOf(World& world, const AliasConfig& part, aliastarget::Kind kind, const QString& typed)
+{
+    const Files& files = world.services().files;
+    const QString path = world.userPath(typed);
+    if (files.isFile(path))
+        return part.Alias_TextFor(path);
+    if (files.isFolder(path))
+        return part.Alias_TextFor(
+            winpath::join(path, aliastarget::configFileName(kind, winpath::withoutTrailing(path))));
+    return QString(typed).replace(u'/', u'\\');
+}
+
+/// Other variations of the same aircraft that use the same file.
+qsizetype sharers(World& world,
+                  const CAircraft& aircraft,
+                  QString CAircraft::*configuration,
+                  const QString& file)
+{
+    CAircraft other{ConfigAccess(world.services())};
+    qsizetype count = 0;
+    for (const QString& section : CAircraft::Headers_ReturnOnlyAircraftHeaders(
+             other.Headers_LoadAll(aircraft.sConfigurationFile))) {
+        if (!equalNoCase(section, aircraft.sSection) &&
+            other.Load(aircraft.sConfigurationFile, section) &&
+            winpath::same(other.*configuration, file))
+            ++count;
+    }
+    return count;
+}
+
+int setPart(World& world,
+            const Arguments& arguments,
+            AliasConfig& part,
+            aliastarget::Kind kind,
+            QString CAircraft::*configuration)
+{
+    const QJsonObject refused{{u"ok"_s, false}};
+    CAircraft aircraft{ConfigAccess(world.services())};
+    const QString file = world.userPath(arguments.one(u"FILE"_s));
+    const QString section = modRoutines_INI::INI_Section_NameStrip(arguments.one(u"SECTION"_s));
+    if (!aircraft.Load(file, section))
+        return world.fail(Result::failure(u"The section '"_s + section + u"' of '"_s + file +
+                                          u"' is no aircraft. "_s +
+                                          CAircraft::State_GetMessage(aircraft.State_Get())),
+                          refused);
+    if (!world.services().gate.place(file))
+        (void)world.userRoot(winpath::parent(file));
+    part.Load(world.services().files.spelled(aircraft.*configuration));
+    const QString alias = aliasOf(world, part, kind, arguments.one(u"TARGET"_s));
+    if (const Result set = part.Alias_Set(alias); !set)
+        return world.fail(set, refused);
+    QString text =
+        u"'"_s + part.sConfigurationFile + u"' now refers to '"_s + part.sAlias + u"'."_s;
+    if (const qsizetype others = sharers(world, aircraft, configuration, part.sConfigurationFile))
+        text += u" So do "_s + QString::number(others) +
+                u" other variations of this aircraft, which use the same file."_s;
+    world.json(QJsonObject{{u"ok"_s, true}, {u"text"_s, text}});
+    world.say(text);
+    return Done;
+}
+
+Result enterForParts(World& world)
+{
+    if (Result ready = world.needWriting(); !ready)
+        return ready;
+    return world.needSimulator();
+}
+
+int panelSet(World& world, const Arguments& arguments)
+{
+    if (const Result ready = enterForParts(world); !ready)
+        return world.fail(ready, {{u"ok"_s, false}});
+    CPanel panel(ConfigAccess(world.services()), world.services().files, world.context().global);
+    return setPart(
+        world, arguments, panel, aliastarget::Kind::Panel, &CAircraft::sPanelConfigurationFile);
+}
+
+int soundSet(World& world, const Arguments& arguments)
+{
+    if (const Result ready = enterForParts(world); !ready)
+        return world.fail(ready, {{u"ok"_s, false}});
+    CSound sound(ConfigAccess(world.services()), world.services().files, world.context().global);
+    return setPart(
+        world, arguments, sound, aliastarget::Kind::Sound, &CAircraft::sSoundConfigurationFile);
+}
+
+} // namespace
+
+std::vector<Command> panelCommands()
+{
+    const std::vector<Positional> arguments = {
+        {"FILE", "aircraft.cfg"},
+        {"SECTION", "section of the variation, such as \"fltsim.0\""},
+        {"TARGET", "folder to refer to: a path, or as in an alias (\"Kestrel_K2\\panel\")"}};
+    return {
+        {"panel set", "lets an aircraft use another panel", arguments, {}, panelSet},
+        {"sound set", "lets an aircraft use another sound", arguments, {}, soundSet},
+    };
+}
+
+} // namespace vt::cli

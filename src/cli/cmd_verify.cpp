@@ -1,4 +1,5 @@
-// verify panels, sounds, scenery: checks of what is installed; with --repair they are mended.
+// verify aircraft, panels, sounds, scenery: checks of what is installed; with --repair they are
+// mended.
 #include "cli/Command.h"
 #include "platform/WinPath.h"
 #include "remove/RepairLists.h"
@@ -128,25 +129,30 @@ QStringList typedPaths(World& world, const Arguments& arguments)
     return paths;
 }
 
-int verifyParts(World& world, const Arguments& arguments, PartKind kind)
+int verifyFiles(World& world, const Arguments& arguments, ConfigFileKind kind)
 {
     if (const Result ready = enter(world, arguments); !ready)
         return world.fail(ready);
-    const ResultOf<QStringList> files = partFiles(
+    const ResultOf<QStringList> files = filesToVerify(
         world.services().files, world.context().global, kind, typedPaths(world, arguments));
     if (!files)
         return world.fail(files.error());
-    return runList(world, arguments, partList(world.context(), world.database(), kind, *files));
+    return runList(world, arguments, repairList(world.context(), world.database(), kind, *files));
+}
+
+int verifyAircraft(World& world, const Arguments& arguments)
+{
+    return verifyFiles(world, arguments, ConfigFileKind::Aircraft);
 }
 
 int verifyPanels(World& world, const Arguments& arguments)
 {
-    return verifyParts(world, arguments, PartKind::Panel);
+    return verifyFiles(world, arguments, ConfigFileKind::Panel);
 }
 
 int verifySounds(World& world, const Arguments& arguments)
 {
-    return verifyParts(world, arguments, PartKind::Sound);
+    return verifyFiles(world, arguments, ConfigFileKind::Sound);
 }
 
 int verifyScenery(World& world, const Arguments& arguments)
@@ -182,6 +188,11 @@ std::vector<Command> verifyCommands()
         {"--repair", nullptr, "mend what can be mended; backups are kept"},
         {"--report", "FILE", "save a report: .htm or .html as a page, else text"}};
     return {
+        {"verify aircraft",
+         "checks every variation of aircraft configurations",
+         {path},
+         options,
+         verifyAircraft},
         {"verify panels", "checks panel configurations", {path}, options, verifyPanels},
         {"verify sounds", "checks sound configurations", {path}, options, verifySounds},
         {"verify scenery",

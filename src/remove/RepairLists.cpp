@@ -2,6 +2,8 @@
 
 #include "platform/Text.h"
 #include "platform/WinPath.h"
+#include "simconfig/AircraftChecks.h"
+#include "simconfig/CAircraft.h"
 #include "simconfig/CPanel.h"
 #include "simconfig/CSceneryCfgMgr.h"
 #include "simconfig/CSound.h"
@@ -17,10 +19,10 @@ namespace {
 /// Files that are looked at below one folder that the user names.
 constexpr qsizetype namedFolderLimit = 500'000;
 
-std::unique_ptr<AliasConfig> makePart(Context& context, PartKind kind)
+std::unique_ptr<AliasConfig> makePart(Context& context, ConfigFileKind kind)
 {
     const ConfigAccess access(context.services);
-    if (kind == PartKind::Panel)
+    if (kind == ConfigFileKind::Panel)
         return std::make_unique<CPanel>(access, context.services.files, context.global);
     return std::make_unique<CSound>(access, context.services.files, context.global);
 }
@@ -46,6 +48,104 @@ private:
     std::unique_ptr<AliasConfig> m_part;
     Connection* m_database;
 };
+
+/// The variations of many aircraft.cfg. A repair of one may rename sections of the same file; later
+/// ones are opened under their new names.
+class AircraftObjects
+{
+public:
+    AircraftObjects(Context& context, Connection* database, const QStringList& files)
+        : m_context(context), m_database(database), m_access(context.services),
+          m_checks(m_access, context.services.files, context.global)
+    {
+        for (const QString& file : files) {
+            const QStringList sections = m_checks.configuration(file).sections;
+            // A file without any is told under the name that its first section should have.
+            for (const QString& section :
+                 sections.isEmpty() ? QStringList{u"fltsim.0"_s} : sections)
+                m_objects.append({file, section});
+        }
+    }
+
+    [[nodiscard]] qsizetype count() const { return m_objects.size(); }
+
+    [[nodiscard]] std::unique_ptr<Repairable> open(qsizetype index);
+
+private:
+    friend class AircraftRepairable;
+
+    struct Object
+    {
+        QString file;
+        QString section;
+    };
+
+    Context& m_context;
+    Connection* m_database;
+    ConfigAccess m_access;
+    AircraftChecks m_checks;
+    QList<Object> m_objects;
+    aircraftsections::Renames m_renamed; ///< in m_renamedFile
+    QString m_renamedFile;
+};
+
+class AircraftRepairable final : public Repairable
+{
+public:
+    AircraftRepairable(AircraftObjects& all, const QString& file, const QString& section)
+        : m_all(all), m_aircraft(all.m_access)
+    {
+        m_aircraft.sConfigurationFile = file;
+        m_aircraft.sSection = section;
+        m_title = all.m_checks.configuration(file).profile.value(section, u"title", QString()).text;
+        if (m_title.isEmpty())
+            m_title = winpath::name(winpath::parent(file)) + u" ["_s + section + u']';
+    }
+
+    QString title() const override { return m_title; }
+
+    QString file() const override { return m_aircraft.sConfigurationFile; }
+
+    bool suppressed() override
+    {
+        return m_all.m_database && m_aircraft.SuppressionStatus_Load(*m_all.m_database);
+    }
+
+    QStringList verify() override { return m_aircraft.Verify(m_all.m_checks); }
+
+    RepairResult repair() override
+    {
+        CAircraft::RepairOutcome outcome = m_aircraft.Repair(m_all.m_checks);
+        if (outcome.renamed.isEmpty())
+            return outcome;
+        m_all.m_renamedFile = file();
+        m_all.m_renamed = outcome.renamed;
+        Result followed = m_aircraft.AircraftMasterSourceTextFile_Reorder_ProcessPictures(
+            outcome.renamed, m_all.m_context.global);
+        if (followed && m_all.m_database)
+            followed =
+                m_aircraft.Variants_Renamed_UpdateDatabase(*m_all.m_database, outcome.renamed);
+        if (!followed) {
+            outcome.left.append(followed.text);
+            outcome.code = RepairResult::PartlyRepaired;
+        }
+        return outcome;
+    }
+
+private:
+    AircraftObjects& m_all;
+    CAircraft m_aircraft;
+    QString m_title;
+};
+
+std::unique_ptr<Repairable> AircraftObjects::open(qsizetype index)
+{
+    const Object& object = m_objects.at(index);
+    QString section = object.section;
+    if (winpath::same(object.file, m_renamedFile))
+        aircraftsections::follow(section, m_renamed);
+    return std::make_unique<AircraftRepairable>(*this, object.file, section);
+}
 
 class AreaRepairable final : public Repairable
 {
@@ -88,35 +188,53 @@ private:
     const CSceneryCfgItem& m_area;
 };
 
-bool isPartFile(const QString& path, PartKind kind)
+bool isFileOf(const QString& path, ConfigFileKind kind)
 {
     const QString name = winpath::name(path);
-    if (kind == PartKind::Panel)
+    switch (kind) {
+    case ConfigFileKind::Aircraft:
+        return equalNoCase(name, u"aircraft.cfg");
+    case ConfigFileKind::Panel:
         return equalNoCase(name, u"panel.cfg");
-    return equalNoCase(name, u"sound.cfg") || equalNoCase(name, u"soundai.cfg");
+    case ConfigFileKind::Sound:
+        return equalNoCase(name, u"sound.cfg") || equalNoCase(name, u"soundai.cfg");
+    }
+    Q_UNREACHABLE();
 }
 
-QString folderStem(PartKind kind)
+QString nounOf(ConfigFileKind kind)
 {
-    return kind == PartKind::Panel ? u"panel"_s : u"sound"_s;
+    switch (kind) {
+    case ConfigFileKind::Aircraft:
+        return u"aircraft"_s;
+    case ConfigFileKind::Panel:
+        return u"panel"_s;
+    case ConfigFileKind::Sound:
+        return u"sound"_s;
+    }
+    Q_UNREACHABLE();
 }
 
-void addBelow(const Files& files, const QString& folder, PartKind kind, QStringList& found)
+void addBelow(const Files& files, const QString& folder, ConfigFileKind kind, QStringList& found)
 {
     for (const QString& file : files.filesBelow(folder, namedFolderLimit)) {
-        if (isPartFile(file, kind))
+        if (isFileOf(file, kind))
             found.append(folder + file);
     }
 }
 
-QStringList installedParts(const Files& files, const GlobalRecord& global, PartKind kind)
+QStringList installedFiles(const Files& files, const GlobalRecord& global, ConfigFileKind kind)
 {
     QStringList found;
     for (const QString& top : global.aircraftTypeFolders) {
         for (const QString& aircraft : files.names(top)) {
             const QString folder = top + aircraft + u'\\';
+            if (kind == ConfigFileKind::Aircraft && files.isFile(folder + u"aircraft.cfg"_s))
+                found.append(files.spelled(folder + u"aircraft.cfg"_s));
+            if (kind == ConfigFileKind::Aircraft)
+                continue;
             for (const QString& name : files.names(folder)) {
-                if (startsWithNoCase(name, folderStem(kind)))
+                if (startsWithNoCase(name, nounOf(kind)))
                     addBelow(files, folder + name + u'\\', kind, found);
             }
         }
@@ -126,10 +244,12 @@ QStringList installedParts(const Files& files, const GlobalRecord& global, PartK
 
 } // namespace
 
-ResultOf<QStringList>
-partFiles(const Files& files, const GlobalRecord& global, PartKind kind, const QStringList& paths)
+ResultOf<QStringList> filesToVerify(const Files& files,
+                                    const GlobalRecord& global,
+                                    ConfigFileKind kind,
+                                    const QStringList& paths)
 {
-    QStringList found = paths.isEmpty() ? installedParts(files, global, kind) : QStringList();
+    QStringList found = paths.isEmpty() ? installedFiles(files, global, kind) : QStringList();
     for (const QString& path : paths) {
         const qsizetype before = found.size();
         if (files.isFile(path))
@@ -137,7 +257,7 @@ partFiles(const Files& files, const GlobalRecord& global, PartKind kind, const Q
         else if (files.isFolder(path))
             addBelow(files, files.spelled(winpath::asFolder(path)), kind, found);
         if (found.size() == before)
-            return Result::failure(u"There is no "_s + folderStem(kind) +
+            return Result::failure(u"There is no "_s + nounOf(kind) +
                                    u" configuration file at or below '"_s + path + u"'."_s);
     }
     std::sort(found.begin(), found.end(), [](const QString& a, const QString& b) {
@@ -147,9 +267,16 @@ partFiles(const Files& files, const GlobalRecord& global, PartKind kind, const Q
     return found;
 }
 
-BulkList partList(Context& context, Connection* database, PartKind kind, const QStringList& files)
+BulkList
+repairList(Context& context, Connection* database, ConfigFileKind kind, const QStringList& files)
 {
-    const bool panels = kind == PartKind::Panel;
+    if (kind == ConfigFileKind::Aircraft) {
+        const auto objects = std::make_shared<AircraftObjects>(context, database, files);
+        return {u"aircraft"_s, u"Aircraft"_s, objects->count(), [objects](qsizetype index) {
+                    return objects->open(index);
+                }};
+    }
+    const bool panels = kind == ConfigFileKind::Panel;
     return {panels ? u"panels"_s : u"sounds"_s,
             panels ? u"Panels"_s : u"Sounds"_s,
             files.size(),

@@ -1,4 +1,5 @@
-// The installed panels and sounds, and the scenery areas, as lists that a bulk repair goes through.
+// The installed aircraft, panels and sounds, and the scenery areas, as lists that a bulk repair
+// goes through.
 #pragma once
 
 #include "remove/BulkRepair.h"
@@ -8,8 +9,9 @@ namespace vt {
 class Connection;
 class CSceneryCfgMgr;
 
-enum class PartKind
+enum class ConfigFileKind
 {
+    Aircraft,
     Panel,
     Sound,
 };
@@ -17,12 +19,16 @@ enum class PartKind
 /// The configuration files to be looked at: all installed ones without \a paths, else those that
 /// \a paths name or hold (folders at any depth). Each once, sorted. Fails, naming the path, when
 /// one of them holds none.
-[[nodiscard]] ResultOf<QStringList>
-partFiles(const Files& files, const GlobalRecord& global, PartKind kind, const QStringList& paths);
+[[nodiscard]] ResultOf<QStringList> filesToVerify(const Files& files,
+                                                  const GlobalRecord& global,
+                                                  ConfigFileKind kind,
+                                                  const QStringList& paths);
 
-/// \a database tells what is suppressed; null: nothing is. Everything must outlive the list.
+/// Of aircraft every variation of each file is an object. \a database tells what is suppressed, and
+/// its rows follow sections that a repair renames; null: there is none. Everything must outlive the
+/// list.
 [[nodiscard]] BulkList
-partList(Context& context, Connection* database, PartKind kind, const QStringList& files);
+repairList(Context& context, Connection* database, ConfigFileKind kind, const QStringList& files);
 
 /// Areas by their indexes in \a library. A disabled area is healthy. There is no repair for areas.
 [[nodiscard]] BulkList

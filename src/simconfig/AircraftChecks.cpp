@@ -21,21 +21,6 @@ namespace {
 constexpr qint64 effectFileLimit = 1 << 20;
 constexpr qsizetype effectValueBuffer = 1024;
 
-/// What an editor or the simulator would stumble over in the bytes; empty for a good file.
-QString formProblemOf(const QByteArray& bytes, const AnsiCodec& ansi)
-{
-    const ResultOf<NormalizedConfig> normal = normalizeConfig(bytes, ansi);
-    if (normal && !normal->changed)
-        return {};
-    if (bytes.startsWith("\xef\xbb\xbf"))
-        return u"- The aircraft configuration file begins with a UTF-8 mark, which hides its first section. It has to be an ANSI text."_s;
-    if (AnsiCodec::looksLikeUtf16OrBinary(bytes))
-        return normal
-                   ? u"- The aircraft configuration file is a UTF-16 text. It has to be an ANSI text."_s
-                   : u"- The aircraft configuration file is not an ANSI text. "_s + normal.text;
-    return u"- The aircraft configuration file has line ends other than CR LF. It cannot be changed until they are corrected."_s;
-}
-
 QString listedBelow(const QString& line, const QStringList& names)
 {
     return line + u"\n\t"_s + names.join(u"\n\t"_s);
@@ -81,7 +66,8 @@ void AircraftChecks::read(const QString& file)
         CAircraft::Headers_ReturnOnlyAircraftHeaders(configuration.profile.sections());
     configuration.orderProblem =
         CAircraft::sectionOrder(configuration.sections).problem(simulatorName());
-    configuration.formProblem = formProblemOf(*bytes, access.ansi);
+    configuration.formProblem =
+        formProblem(*bytes, normalizeConfig(*bytes, access.ansi), u"aircraft"_s);
     configuration.effectProblems = effectProblems(configuration.profile);
 }
 

@@ -103,7 +103,7 @@ AliasConfig::Definition AliasConfig::read(const QString& file) const
     result.lines = LineArray::ofBytes(text->bytes, m_access.ansi);
     result.empty = isEmptyText(result.lines);
     if (!result.empty) {
-        result.unfit = text->problem(m_facts.noun.toString());
+        result.unfit = formProblem(*bytes, text, m_facts.noun.toString());
         result.mended = text->done;
     }
     result.original = defines(result.lines);

@@ -29,7 +29,7 @@ QString likeness(const QString& name)
     return text;
 }
 
-QString notFound(const QString& file)
+QString fileNotFound(const QString& file)
 {
     return u"  The file '"_s + file + u"' was not found."_s;
 }
@@ -46,9 +46,9 @@ QString AliasConfig::stateProblem() const
     case Good:
         return {};
     case FileMissing:
-        return line + notFound(sConfigurationFile);
+        return line + fileNotFound(sConfigurationFile);
     case ReferenceMissing:
-        return line + (m_followed.problem.isEmpty() ? notFound(m_followed.file)
+        return line + (m_followed.problem.isEmpty() ? fileNotFound(m_followed.file)
                                                     : u"  "_s + m_followed.problem);
     case ReferenceNotValid:
         return line + u"  It refers to '"_s + m_followed.file + u"'."_s;
@@ -255,7 +255,7 @@ void AliasConfig::mend(RepairResult& result)
         return;
     Mending mending{m_own.lines, false, {}};
     if (!m_own.unfit.isEmpty())
-        mending.done.append(u"The file was mended: "_s + m_own.mended + u'.');
+        mending.done.append(u"'"_s + sConfigurationFile + u"': "_s + m_own.mended + u'.');
     mendAlias(mending);
     mendEntries(mending);
     settleBoth(mending);

@@ -199,7 +199,7 @@ Result CAircraft::repairForm(RepairOutcome& outcome)
     sarrayINILines = LineArray::ofBytes(normal->bytes, m_access.ansi);
     QStringList done;
     if (normal->changed)
-        done.append(quoted(sConfigurationFile) + u" was "_s + normal->done + u'.');
+        done.append(quoted(sConfigurationFile) + u": "_s + normal->done + u'.');
     for (const auto mend : {aircraftsections::numberMeantOnes, aircraftsections::reorder}) {
         const ResultOf<aircraftsections::Renames> renames = mend(sarrayINILines);
         if (!renames)

@@ -58,6 +58,7 @@ class TestCliVerify : public QObject
 private Q_SLOTS:
     void wholeSimulator_hasNoFaults();
     void faults_areMendedOnce();
+    void aircraft_followTheirSections();
     void oneOfMany_byItsPath();
     void set_pointsAnAircraftElsewhere();
 };
@@ -65,10 +66,10 @@ private Q_SLOTS:
 void TestCliVerify::wholeSimulator_hasNoFaults()
 {
     const PartsWorld world;
-    for (const QString& what : {u"panels"_s, u"sounds"_s, u"scenery"_s}) {
+    for (const QString& what : {u"aircraft"_s, u"panels"_s, u"sounds"_s, u"scenery"_s}) {
         const Ran ran = world.verify(what);
         QVERIFY2(ran.status == 0, ran.out.constData());
-        QCOMPARE(world.titles(ran, u"Healthy"_s).size(), 4);
+        QCOMPARE(world.titles(ran, u"Healthy"_s).size(), what == u"aircraft" ? 10 : 4);
         QCOMPARE(ran.object().keys().size(), 5);
     }
     QVERIFY(!world.exists(u"home"_s));
@@ -114,6 +115,22 @@ void TestCliVerify::faults_areMendedOnce()
     const Ran again = world.verify(u"panels"_s, {u"--repair"_s});
     QCOMPARE(world.titles(again, u"Not Repaired"_s), QStringList{u"Aurelia_700\\panel"_s});
     QCOMPARE(world.titles(again, u"Healthy"_s).size(), 3);
+}
+
+void TestCliVerify::aircraft_followTheirSections()
+{
+    const PartsWorld world;
+    const QString config = world.airplane(u"Kestrel_K2/aircraft.cfg"_s);
+    const QByteArray whole = world.read(config);
+    world.write(config, QByteArray(whole).replace("[fltsim.1]", "[fltsim.5]"));
+    const Ran found = world.verify(u"aircraft"_s, {config});
+    QCOMPARE(world.titles(found, u"Damaged"_s).size(), 3);
+    const Ran mended = world.verify(u"aircraft"_s, {u"--repair"_s, config});
+    QVERIFY2(mended.status == 0, mended.out.constData());
+    QCOMPARE(world.titles(mended, u"Repaired"_s), QStringList{u"Kestrel K2 Blue"_s});
+    QCOMPARE(world.titles(mended, u"Healthy"_s),
+             (QStringList{u"Kestrel K2 Red"_s, u"Kestrel K2 Été"_s}));
+    QCOMPARE(world.verify(u"aircraft"_s).status, 0);
 }
 
 void TestCliVerify::oneOfMany_byItsPath()

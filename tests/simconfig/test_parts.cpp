@@ -345,8 +345,8 @@ void TestParts::faults_areFoundAndMended_data()
         << u"yet it also aliases"_s << 1 << cub;
     QTest::newRow("bare LF") << false << QByteArray(head).replace("\r\n", "\n")
                              << u"line ends other than CR LF"_s << 1 << head;
-    QTest::newRow("UTF-16") << true << utf16("[a]\r\nfilename=run\r\n") << u"UTF-16 text"_s << 1
-                            << QByteArray("[a]\r\nfilename=run\r\n");
+    QTest::newRow("UTF-16") << true << utf16("[a]\r\nfilename=run\r\n") << u"is a UTF-16 text."_s
+                            << 1 << QByteArray("[a]\r\nfilename=run\r\n");
     QTest::newRow("several at once")
         << false << QByteArray("[window00]\nfile=map.bmp\ngauge00=No!x\n") << u"\n\tmap.bmp"_s << 2
         << QByteArray("[window00]\r\nfile=pages\\map.bmp\r\n"

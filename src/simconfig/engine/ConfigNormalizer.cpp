@@ -91,19 +91,10 @@ QByteArray withCrLf(const QByteArray& bytes)
 
 } // namespace
 
-QString NormalizedConfig::problem(const QString& kind) const
-{
-    if (!changed)
-        return {};
-    return u"- The "_s + kind + u" configuration file holds "_s + found +
-           u", where ANSI text with CR LF line ends is expected."_s;
-}
-
 ResultOf<NormalizedConfig> normalizeConfig(const QByteArray& bytes, const AnsiCodec& ansi)
 {
     NormalizedConfig result;
     result.bytes = bytes;
-    QStringList found;
     QStringList done;
     const Encoding encoding = encodingOf(bytes);
     if (encoding == Encoding::Binary) {
@@ -115,21 +106,33 @@ ResultOf<NormalizedConfig> normalizeConfig(const QByteArray& bytes, const AnsiCo
         if (!encoded)
             return encoded.error();
         result.bytes = std::move(*encoded);
-        found.append(encoding == Encoding::Utf8Marked ? u"UTF-8 text with a byte-order mark"_s
-                                                      : u"UTF-16 text"_s);
         done.append(encoding == Encoding::Utf8Marked
                         ? u"converted from UTF-8 to the simulator's code page"_s
                         : u"converted from UTF-16 to the simulator's code page"_s);
     }
     if (hasOtherLineEnds(result.bytes)) {
         result.bytes = withCrLf(result.bytes);
-        found.append(u"line ends other than CR LF"_s);
         done.append(u"line ends brought to CR LF"_s);
     }
     result.changed = !done.isEmpty();
-    result.found = found.join(u" and "_s);
     result.done = done.join(u", "_s);
     return result;
+}
+
+QString
+formProblem(const QByteArray& bytes, const ResultOf<NormalizedConfig>& normal, const QString& kind)
+{
+    if (normal && !normal->changed)
+        return {};
+    const QString file = u"- The "_s + kind + u" configuration file"_s;
+    if (bytes.startsWith("\xef\xbb\xbf"))
+        return file +
+               u" begins with a UTF-8 mark, which hides its first section. It has to be an ANSI text."_s;
+    if (AnsiCodec::looksLikeUtf16OrBinary(bytes))
+        return normal ? file + u" is a UTF-16 text. It has to be an ANSI text."_s
+                      : file + u" is not an ANSI text. "_s + normal.text;
+    return file +
+           u" has line ends other than CR LF. It cannot be changed until they are corrected."_s;
 }
 
 } // namespace vt

@@ -15,12 +15,7 @@ struct NormalizedConfig
 {
     QByteArray bytes;
     bool changed = false;
-    QString found; ///< "UTF-16 text", "line ends other than CR LF", ...; empty when all was well
-    QString done;  ///< "line ends brought to CR LF", ...; empty when nothing was
-
-    /// The line of a verification about a file that can be read but not edited as it is; empty when
-    /// all was well. \a kind: "aircraft", "panel", "sound".
-    [[nodiscard]] QString problem(const QString& kind) const;
+    QString done; ///< "line ends brought to CR LF", ...; empty when nothing was
 };
 
 /// UTF-16 (with or without its mark) and UTF-8 with its mark are brought to \a ansi; bare LF and
@@ -28,5 +23,11 @@ struct NormalizedConfig
 /// binary content (NULs that are no UTF-16) fails too.
 [[nodiscard]] ResultOf<NormalizedConfig> normalizeConfig(const QByteArray& bytes,
                                                          const AnsiCodec& ansi);
+
+/// What an editor or the simulator would stumble over in the bytes, as the line of a verification;
+/// empty for a good file. \a normal is what normalizeConfig() gave, \a kind "aircraft", "panel" or
+/// "sound".
+[[nodiscard]] QString
+formProblem(const QByteArray& bytes, const ResultOf<NormalizedConfig>& normal, const QString& kind);
 
 } // namespace vt

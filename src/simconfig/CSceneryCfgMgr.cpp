@@ -71,16 +71,18 @@ QString flagText(bool value)
 
 bool isFlag(QByteArrayView value, QByteArrayView text)
 {
+    QByteArray room;
     return value.compare(text, Qt::CaseInsensitive) == 0 ||
-           ini::strippedBytes(value).data.compare(text, Qt::CaseInsensitive) == 0;
+           ini::strippedView(value, room).data.compare(text, Qt::CaseInsensitive) == 0;
 }
 
 /// Zero for what is no number or a negative one.
 int layerOf(QByteArrayView value)
 {
     bool ok = false;
+    QByteArray room;
     const int plain = value.toInt(&ok);
-    return std::max(0, ok ? plain : ini::strippedBytes(value).data.toInt());
+    return std::max(0, ok ? plain : ini::strippedView(value, room).data.toInt());
 }
 
 qsizetype emptyAtEnd(const QList<QByteArray>& lines)

@@ -5,6 +5,7 @@
 #include "simconfig/engine/modRoutines_INI.h"
 
 #include <algorithm>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 
@@ -18,9 +19,17 @@ bool isBlankByte(char c)
 }
 
 /// 1-based position of \a mark at or after the 1-based \a from, 0 for none.
-template <typename View, typename Char> qsizetype positionOf(View line, Char mark, qsizetype from)
+qsizetype positionOf(QStringView line, char16_t mark, qsizetype from)
 {
     return from > line.size() ? 0 : line.indexOf(mark, from - 1) + 1;
+}
+
+qsizetype positionOf(QByteArrayView line, char mark, qsizetype from)
+{
+    if (from > line.size())
+        return 0;
+    const void* found = std::memchr(line.data() + from - 1, mark, size_t(line.size() - from + 1));
+    return found ? static_cast<const char*>(found) - line.data() + 1 : 0;
 }
 
 /// The position of an apostrophe that starts a comment: one in first place, or behind a space and
@@ -67,24 +76,43 @@ qsizetype commentIndex(View line, Char slash, Char semicolon, Char apostrophe, C
     return comment - 1;
 }
 
+/// \a text without a character, in \a room.
+QByteArrayView withoutByte(QByteArrayView text, char removed, char* room)
+{
+    char* to = room;
+    for (;;) {
+        const qsizetype at = positionOf(text, removed, 1);
+        const qsizetype kept = at > 0 ? at - 1 : text.size();
+        std::memmove(to, text.data(), size_t(kept));
+        to += kept;
+        if (at == 0)
+            return {room, to - room};
+        text = text.sliced(at);
+    }
+}
+
 } // namespace
 
 QByteArrayView trimmedSpaces(QByteArrayView text)
 {
-    while (!text.isEmpty() && text.front() == ' ')
-        text = text.sliced(1);
-    while (!text.isEmpty() && text.back() == ' ')
-        text.chop(1);
-    return text;
+    const char* from = text.data();
+    const char* to = from + text.size();
+    while (from < to && *from == ' ')
+        ++from;
+    while (from < to && to[-1] == ' ')
+        --to;
+    return {from, to - from};
 }
 
 QByteArrayView trimmedBlanks(QByteArrayView text)
 {
-    while (!text.isEmpty() && isBlankByte(text.front()))
-        text = text.sliced(1);
-    while (!text.isEmpty() && isBlankByte(text.back()))
-        text.chop(1);
-    return text;
+    const char* from = text.data();
+    const char* to = from + text.size();
+    while (from < to && isBlankByte(*from))
+        ++from;
+    while (from < to && isBlankByte(to[-1]))
+        --to;
+    return {from, to - from};
 }
 
 QStringView trimmedSpaces(QStringView text)
@@ -101,56 +129,52 @@ qsizetype commentStart(QByteArrayView line)
     return commentIndex(line, '/', ';', '\'', ' ', '\t');
 }
 
-StrippedBytes strippedBytes(QByteArrayView line)
+StrippedView strippedView(QByteArrayView line, QByteArray& room)
 {
     const qsizetype comment = commentStart(line);
-    const QByteArrayView before = comment >= 0 ? line.first(comment) : line;
-    StrippedBytes result;
-    result.hasComment = comment >= 0;
-    if (!before.contains('\t') && !before.contains('\r')) {
-        result.data = trimmedSpaces(before).toByteArray();
-        return result;
+    QByteArrayView data = comment >= 0 ? line.first(comment) : line;
+    if (positionOf(data, '\t', 1) > 0) {
+        room.resize(data.size());
+        data = withoutByte(data, '\t', room.data());
     }
-    QByteArray data = before.toByteArray();
-    data.replace("\t", "");
-    data = trimmedSpaces(QByteArrayView(data)).toByteArray();
-    data.replace("\r", "");
-    result.data = data;
-    return result;
+    data = trimmedSpaces(data);
+    // Only now, so that blanks in front of a CR stay.
+    if (positionOf(data, '\r', 1) > 0) {
+        QByteArray without(data.size(), Qt::Uninitialized);
+        without.truncate(withoutByte(data, '\r', without.data()).size());
+        room = without;
+        data = room;
+    }
+    return {data, comment >= 0};
 }
 
 std::optional<EntryView> splitView(QByteArrayView line)
 {
-    const qsizetype equals = line.indexOf('=', 1);
+    const qsizetype equals = positionOf(line, '=', 2) - 1;
     if (equals < 1)
         return std::nullopt;
     return EntryView{line.first(equals), trimmedSpaces(line.sliced(equals + 1))};
 }
 
-std::optional<EntryBytes> splitBytes(QByteArrayView line)
+QByteArray keyBytes(QByteArrayView key)
 {
-    const std::optional<EntryView> view = splitView(line);
-    if (!view)
-        return std::nullopt;
-    EntryBytes entry{{}, view->value.toByteArray()};
-    entry.key.reserve(view->key.size());
-    for (const char c : view->key) {
-        if (!isBlankByte(c))
-            entry.key.append(c);
-    }
-    return entry;
+    QByteArray bytes(key.size(), Qt::Uninitialized);
+    const char* end = std::remove_copy_if(key.cbegin(), key.cend(), bytes.begin(), isBlankByte);
+    bytes.truncate(end - bytes.constData());
+    return bytes;
 }
 
-bool isKey(QByteArrayView key, const char* lowerCase)
+bool isKey(QByteArrayView key, QByteArrayView lowerCase)
 {
+    qsizetype at = 0;
     for (const char c : key) {
         if (isBlankByte(c))
             continue;
         const char lower = c >= 'A' && c <= 'Z' ? char(c + 32) : c;
-        if (lower != *lowerCase++) // its end differs from every other character
+        if (at == lowerCase.size() || lower != lowerCase[at++])
             return false;
     }
-    return *lowerCase == '\0';
+    return at == lowerCase.size();
 }
 
 bool mayBeHeader(QByteArrayView line)
@@ -162,19 +186,17 @@ bool mayBeHeader(QByteArrayView line)
     return false;
 }
 
-WantedName::WantedName(QStringView name) : m_text(name.toString())
+WantedKey::WantedKey(QStringView name) : m_text(keyOf(name))
 {
-    m_ascii =
-        std::all_of(m_text.cbegin(), m_text.cend(), [](QChar c) { return c.unicode() < 0x80; });
-    if (m_ascii)
-        m_bytes = m_text.toLatin1();
+    if (std::all_of(m_text.cbegin(), m_text.cend(), [](QChar c) { return c.unicode() < 0x80; }))
+        m_lowerCase = m_text.toLatin1().toLower();
 }
 
-bool WantedName::matches(QByteArrayView bytes, const LineArray& lines) const
+bool WantedKey::matches(QByteArrayView key, const LineArray& lines) const
 {
-    if (m_ascii)
-        return bytes.size() == m_bytes.size() && bytes.compare(m_bytes, Qt::CaseInsensitive) == 0;
-    return equalNoCase(lines.decoded(bytes), m_text);
+    if (!m_lowerCase.isEmpty())
+        return isKey(key, m_lowerCase);
+    return equalNoCase(lines.decoded(keyBytes(key)), m_text);
 }
 
 bool INI_Char_IsComment(QStringView character)
@@ -255,7 +277,8 @@ std::optional<QString> sectionOfLine(const LineArray& lines, QByteArrayView line
             return QString::fromLatin1(
                 trimmedSpaces(line.sliced(1, std::distance(line.cbegin(), end) - 1)));
     }
-    return INI_Line_GetSectionName(lines.decoded(strippedBytes(line).data));
+    QByteArray room;
+    return INI_Line_GetSectionName(lines.decoded(strippedView(line, room).data));
 }
 
 std::optional<Entry> rawEntryOfLine(const LineArray& lines, QByteArrayView line)
@@ -264,10 +287,10 @@ std::optional<Entry> rawEntryOfLine(const LineArray& lines, QByteArrayView line)
     if (text.isEmpty() || text.front() == '[' || text.front() == '/' || text.front() == ';' ||
         text.front() == '\'')
         return std::nullopt;
-    const std::optional<EntryBytes> entry = splitBytes(text);
+    const std::optional<EntryView> entry = splitView(text);
     if (!entry)
         return std::nullopt;
-    return Entry{lines.decoded(entry->key), lines.decoded(trimmedBlanks(entry->value))};
+    return Entry{lines.decoded(keyBytes(entry->key)), lines.decoded(trimmedBlanks(entry->value))};
 }
 
 } // namespace vt::modRoutines_INI

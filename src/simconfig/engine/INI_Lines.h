@@ -14,9 +14,10 @@
 
 namespace vt::modRoutines_INI {
 
-struct StrippedBytes
+/// What a line says in front of its comment.
+struct StrippedView
 {
-    QByteArray data; ///< without comment, tabs and CRs, trimmed
+    QByteArrayView data; ///< without tabs and CRs, trimmed
     bool hasComment = false;
 };
 
@@ -27,40 +28,36 @@ struct EntryView
     QByteArrayView value;
 };
 
-struct EntryBytes
-{
-    QByteArray key; ///< without spaces and tabs
-    QByteArray value;
-};
-
 [[nodiscard]] QByteArrayView trimmedSpaces(QByteArrayView text);
 [[nodiscard]] QStringView trimmedSpaces(QStringView text);
 /// Spaces and tabs.
 [[nodiscard]] QByteArrayView trimmedBlanks(QByteArrayView text);
-[[nodiscard]] StrippedBytes strippedBytes(QByteArrayView line);
 /// Zero-based index of the first character of the line's comment, -1 for none.
 [[nodiscard]] qsizetype commentStart(QByteArrayView line);
+/// Points into the line, or into \a room where tabs or CRs had to go.
+[[nodiscard]] StrippedView strippedView(QByteArrayView line, QByteArray& room);
 [[nodiscard]] std::optional<EntryView> splitView(QByteArrayView line);
-[[nodiscard]] std::optional<EntryBytes> splitBytes(QByteArrayView line);
+/// Without any space and tab, as keys are written and compared.
+[[nodiscard]] QByteArray keyBytes(QByteArrayView key);
 /// Whether a key, its blanks left out, is \a lowerCase (ASCII) without regard to case.
-[[nodiscard]] bool isKey(QByteArrayView key, const char* lowerCase);
+[[nodiscard]] bool isKey(QByteArrayView key, QByteArrayView lowerCase);
 /// False for nearly every line that is no header; true still needs a look at the name.
 [[nodiscard]] bool mayBeHeader(QByteArrayView line);
 /// Without spaces and tabs.
 [[nodiscard]] QString keyOf(QStringView text);
 
-/// A name to be found among undecoded ones; decodes only where characters beyond ASCII meet.
-class WantedName
+/// A key to be found among undecoded ones; decodes only when it goes beyond ASCII itself.
+class WantedKey
 {
 public:
-    explicit WantedName(QStringView name);
+    explicit WantedKey(QStringView name);
 
-    [[nodiscard]] bool matches(QByteArrayView bytes, const LineArray& lines) const;
+    /// Blanks in either do not count.
+    [[nodiscard]] bool matches(QByteArrayView key, const LineArray& lines) const;
 
 private:
     QString m_text;
-    QByteArray m_bytes;
-    bool m_ascii = false;
+    QByteArray m_lowerCase; ///< empty when the key goes beyond ASCII
 };
 
 } // namespace vt::modRoutines_INI

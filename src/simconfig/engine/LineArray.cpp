@@ -60,9 +60,11 @@ LineArray LineArray::ofBytes(const QByteArray& bytes, const AnsiCodec& ansi)
     if (bytes.isEmpty())
         return result;
     result.lines.clear();
-    result.lines.reserve(bytes.count('\n') + 1);
-    forEachLine(
-        bytes, [&](QByteArrayView line, qsizetype) { result.lines.push_back(line.toByteArray()); });
+    constexpr qsizetype usualLength = 32;
+    result.lines.reserve(bytes.size() / usualLength + 1);
+    forEachLine(bytes, [&](QByteArrayView line, qsizetype) {
+        result.lines.emplace_back(line.data(), line.size());
+    });
     return result;
 }
 

@@ -12,6 +12,8 @@
 #include <QStringList>
 #include <QStringView>
 
+#include <cstring>
+
 namespace vt {
 
 class AnsiCodec;
@@ -56,15 +58,21 @@ private:
 /// Empty bytes have no line; a line end at the very end is followed by one more, empty line.
 template <typename Visit> void forEachLine(QByteArrayView bytes, Visit visit)
 {
-    qsizetype start = 0;
-    for (qsizetype cr = bytes.indexOf('\r'); cr >= 0; cr = bytes.indexOf('\r', cr + 1)) {
-        if (cr + 1 == bytes.size() || bytes[cr + 1] != '\n')
+    const char* const begin = bytes.data();
+    const char* const end = begin + bytes.size();
+    const char* start = begin;
+    for (const char* from = begin; from < end;) {
+        const auto* cr = static_cast<const char*>(std::memchr(from, '\r', size_t(end - from)));
+        if (!cr || cr + 1 == end)
+            break;
+        from = cr + 1;
+        if (*from != '\n')
             continue;
-        visit(bytes.sliced(start, cr - start), start);
-        start = cr + 2;
+        visit(QByteArrayView(start, cr - start), start - begin);
+        start = ++from;
     }
-    if (!bytes.isEmpty())
-        visit(bytes.sliced(start), start);
+    if (begin != end)
+        visit(QByteArrayView(start, end - start), start - begin);
 }
 
 /// Which lines an edit takes away and which it brings, each in file order.

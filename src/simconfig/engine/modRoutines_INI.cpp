@@ -17,7 +17,8 @@ struct Located
 {
     qsizetype line = -1;  ///< -1: not found
     qsizetype header = 0; ///< the section's first line; 0 when the section was never met
-    EntryBytes entry;
+    QByteArray key;       ///< without blanks
+    QByteArray value;
     bool hasComment = false;
 };
 
@@ -33,8 +34,9 @@ std::optional<QString> headerName(const LineArray& lines, const QByteArray& line
 
 Located locate(const LineArray& lines, const QString& section, const QString& key, bool rawLine)
 {
-    const WantedName wantedKey(keyOf(key));
+    const WantedKey wanted(key);
     Located result;
+    QByteArray room;
     bool inside = section.isEmpty();
     bool met = false;
     for (qsizetype i = 0; i < lines.lines.size(); ++i) {
@@ -49,12 +51,14 @@ Located locate(const LineArray& lines, const QString& section, const QString& ke
         }
         if (!line.contains('='))
             continue;
-        const StrippedBytes stripped = rawLine ? StrippedBytes{line, false} : strippedBytes(line);
-        std::optional<EntryBytes> entry = splitBytes(stripped.data);
-        if (!entry || !wantedKey.matches(entry->key, lines))
+        const StrippedView stripped =
+            rawLine ? StrippedView{line, false} : strippedView(line, room);
+        const std::optional<EntryView> entry = splitView(stripped.data);
+        if (!entry || !wanted.matches(entry->key, lines))
             continue;
         result.line = i;
-        result.entry = *std::move(entry);
+        result.key = keyBytes(entry->key);
+        result.value = entry->value.toByteArray();
         result.hasComment = stripped.hasComment;
         return result;
     }
@@ -200,7 +204,7 @@ INI_Entry_Get(const LineArray& lines, const QString& section, const QString& key
     const Located found = locate(lines, section, key, rawLine);
     if (found.line < 0)
         return std::nullopt;
-    return lines.decoded(found.entry.value);
+    return lines.decoded(found.value);
 }
 
 Result INI_Entry_Update(LineArray& lines,
@@ -224,10 +228,10 @@ Result INI_Entry_Update(LineArray& lines,
     }
     QByteArray& line = lines.lines[found.line];
     // Appending behind a comment would hide the new value in it.
-    if (found.entry.value.isEmpty() && !found.hasComment)
+    if (found.value.isEmpty() && !found.hasComment)
         line.append(*bytes);
     else
-        line = found.entry.key + '=' + *bytes;
+        line = found.key + '=' + *bytes;
     return Result::success();
 }
 

@@ -68,7 +68,7 @@ QString typedName(const CFSCFGManager& configs, const QString& typed)
         if (const qsizetype index = configs.indexOf(candidate); index >= 0)
             return configs.files().at(index).sName;
     }
-    return name;
+    return winpath::extension(name).isEmpty() ? name + u".cfg"_s : name;
 }
 
 /// Opens the list, does the one thing, tells its result and the list as it then is.
@@ -115,9 +115,10 @@ int renameConfig(World& world, const Arguments& arguments)
 int describeConfig(World& world, const Arguments& arguments)
 {
     return changeConfigs(world, true, [&](CFSCFGManager& configs) {
-        const qsizetype index = configs.indexOf(typedName(configs, arguments.one(u"NAME"_s)));
+        const QString name = typedName(configs, arguments.one(u"NAME"_s));
+        const qsizetype index = configs.indexOf(name);
         if (index < 0) // fails, and says why
-            return configs.UpdateFSCFGFileDescription(arguments.one(u"NAME"_s), QString());
+            return configs.UpdateFSCFGFileDescription(name, QString());
         configs.setDescription(index, arguments.one(u"TEXT"_s));
         return configs.SaveFSCFGFiles();
     });

@@ -4,6 +4,7 @@
 #include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "shell/Flying.h"
+#include "simconfig/engine/ConfigNormalizer.h"
 #include "simconfig/engine/modRoutines_INI.h"
 
 #include <algorithm>
@@ -83,11 +84,16 @@ QString CFSCFGManager::primaryBackup() const
     return pathOf(editionWord() + u".vtb"_s);
 }
 
+/// The primary file counts as it is: a damaged one must be replaceable.
 bool CFSCFGManager::exists(const QString& name) const
 {
     const std::optional<FileInfo> info =
         winpath::checkComponent(name) ? m_access.actions.info(pathOf(name)) : std::nullopt;
-    return info && !info->folder && equalNoCase(winpath::extension(name), configExtension);
+    if (!info || info->folder || !equalNoCase(winpath::extension(name), configExtension))
+        return false;
+    CFSCFGFile file;
+    file.sPath = pathOf(name);
+    return isPrimary(name) || read(file);
 }
 
 bool CFSCFGManager::isPrimary(const QString& name) const
@@ -126,25 +132,18 @@ bool CFSCFGManager::read(CFSCFGFile& file) const
     const ResultOf<QByteArray> bytes = ini::File_ReadAllText(m_access.actions, file.sPath);
     if (!bytes)
         return false;
-    if (ini::checkEditable(*bytes, file.sPath)) {
-        const LineArray lines = LineArray::ofBytes(*bytes, m_access.ansi);
-        const auto value = [&](const QString& section, const QString& key, bool raw = false) {
-            return ini::INI_Entry_Get(lines, section, key, raw).value_or(QString());
-        };
-        // A description may hold what looks like a comment.
-        file.sDescription = value(detailsSection(), descriptionKey(), true);
-        file.sDefaultFlight = flightOr(value(u"USERINTERFACE"_s, u"SITUATION"_s));
-        file.boolMenuHidden = value(u"Main"_s, u"HideMenuNormal"_s) == u"1";
-        return ini::INI_Section_GetFirst(lines).has_value();
-    }
-    const profile::ProfileFile text = profile::ProfileFile::ofBytes(*bytes, m_access.ansi);
-    const auto value = [&](const QString& section, const QString& key) {
-        return ini::INI_Profile_GetValue(text, section, key, QString(), profile::maxBuffer).value;
+    const ResultOf<NormalizedConfig> normal = normalizeConfig(*bytes, m_access.ansi);
+    if (!normal)
+        return false;
+    const LineArray lines = LineArray::ofBytes(normal->bytes, m_access.ansi);
+    const auto value = [&](const QString& section, const QString& key, bool raw = false) {
+        return ini::INI_Entry_Get(lines, section, key, raw).value_or(QString());
     };
-    file.sDescription = text.value(detailsSection(), descriptionKey(), u"").text;
+    // A description may hold what looks like a comment.
+    file.sDescription = value(detailsSection(), descriptionKey(), true);
     file.sDefaultFlight = flightOr(value(u"USERINTERFACE"_s, u"SITUATION"_s));
     file.boolMenuHidden = value(u"Main"_s, u"HideMenuNormal"_s) == u"1";
-    return !text.sections().isEmpty();
+    return ini::INI_Section_GetFirst(lines).has_value();
 }
 
 qsizetype CFSCFGManager::indexOf(const QString& name) const
@@ -406,12 +405,9 @@ Result CFSCFGManager::SwitchToFSCFGFile(const QString& name)
         return allowed;
     if (isPrimary(name))
         return Result::failure(u"This is already the default configuration file."_s);
-    const QString unreadable = u"Could not read '"_s + pathOf(name) + u"'."_s;
     if (!exists(name))
-        return Result::failure(unreadable + u" There is no such file."_s);
-    const ResultOf<QByteArray> bytes = ini::File_ReadAllText(m_access.actions, pathOf(name));
-    if (!bytes)
-        return because(unreadable, bytes.error());
+        return Result::failure(u"Could not read '"_s + pathOf(name) +
+                               u"'. It is missing, or no configuration file."_s);
     if (m_access.prompts.ask(confirmSwitch(name)) != Button::Yes)
         return Result::failure(u"File was not changed."_s, ErrorKind::Declined);
     if (Result done = overwritePrimary(name); !done)

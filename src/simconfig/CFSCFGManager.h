@@ -86,7 +86,7 @@ private:
     [[nodiscard]] QString folder() const;
     [[nodiscard]] QString pathOf(const QString& name) const;
     [[nodiscard]] bool isPrimary(const QString& name) const;
-    /// A name of this folder that ends in ".cfg".
+    /// Whether there is a configuration file of that name.
     [[nodiscard]] bool exists(const QString& name) const;
     [[nodiscard]] bool read(CFSCFGFile& file) const;
     [[nodiscard]] Result folderIsKnown() const;

@@ -87,6 +87,7 @@ void TestConfigs::list_primaryFirst()
     world.write(world.folder + u"FSX.vtb"_s, primaryBytes);
     world.makeFolder(world.folder + u"folder.cfg"_s);
     QVERIFY(world.manager.GetFSCFGFiles().ok);
+    QVERIFY(!world.manager.SwitchToFSCFGFile(u"garbage.cfg"_s).ok);
     QStringList names;
     for (const CFSCFGFile& file : world.manager.files())
         names.push_back(file.sName);

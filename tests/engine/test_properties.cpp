@@ -4,6 +4,7 @@
 
 #include <QRandomGenerator>
 
+#include <array>
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -87,6 +88,7 @@ private Q_SLOTS:
     void splitAndJoin_areInverse();
     void edit_touchesOnlyWhatItNames();
     void deletedSection_leavesTheRest();
+    void sectionEdits_leaveTheRest();
     void badInput_data();
     void badInput();
 };
@@ -94,9 +96,17 @@ private Q_SLOTS:
 void TestProperties::splitAndJoin_areInverse()
 {
     test::ConfigDisk disk;
+    test::MemoryActions memory;
+    const QString path = u"C:\\FSX\\a.cfg"_s;
     for (quint32 seed = 0; seed < 2'000; ++seed) {
         const QByteArray text = RandomFile(seed).text();
         QCOMPARE(disk.linesOf(text).joined(), text);
+        LineArray lines(disk.ansi);
+        QVERIFY(memory.replace(path, text).ok);
+        QVERIFY(INI_File_Read(memory, path, lines).ok);
+        QVERIFY(INI_File_Write(memory, path, lines).ok);
+        const bool ended = text.isEmpty() || text.endsWith("\r\n");
+        QCOMPARE(memory.bytes.value(NoCase{path}), ended ? text : text + "\r\n");
     }
 }
 
@@ -164,6 +174,54 @@ void TestProperties::deletedSection_leavesTheRest()
         }
         QVERIFY(!INI_Section_GetLines(after, section));
     }
+}
+
+void TestProperties::sectionEdits_leaveTheRest()
+{
+    test::ConfigDisk disk;
+    const LineArray block = disk.linesOf("[New one]\r\nmark=1");
+    // What is left without the block, which must stand in one piece.
+    const auto withoutBlock = [&](const LineArray& lines) {
+        const qsizetype at = lines.lines.indexOf(block.lines.constFirst());
+        if (at < 0 || lines.lines.value(at + 1) != block.lines.constLast())
+            return QList<QByteArray>{"<no block>"};
+        return lines.lines.first(at) + lines.lines.sliced(at + 2);
+    };
+    std::array<int, 3> done = {};
+    for (quint32 seed = 0; seed < 3'000; ++seed) {
+        RandomFile file(seed);
+        const LineArray before = disk.linesOf(file.text());
+        const QString section = file.section();
+
+        LineArray inserted = before;
+        if (INI_Section_InsertAfter(inserted, block, section)) {
+            ++done[0];
+            QCOMPARE(withoutBlock(inserted), before.lines);
+        } else {
+            QCOMPARE(inserted.lines, before.lines);
+        }
+
+        LineArray replaced = before;
+        LineArray deleted = before;
+        INI_Section_Delete(deleted, section);
+        if (INI_Section_Replace(replaced, section, block)) {
+            ++done[1];
+            const QList<QByteArray> left = withoutBlock(replaced);
+            QCOMPARE(left, deleted.hasContent() ? deleted.lines : left);
+        } else {
+            QCOMPARE(replaced.lines, before.lines);
+        }
+
+        LineArray renamed = before;
+        const bool wasRenamed = INI_Section_Rename(renamed, section, u"New one"_s).ok;
+        done[2] += wasRenamed;
+        QCOMPARE(renamed.lines.size(), before.lines.size());
+        qsizetype different = 0;
+        for (qsizetype i = 0; i < before.lines.size(); ++i)
+            different += renamed.lines.at(i) != before.lines.at(i);
+        QCOMPARE(different, qsizetype(wasRenamed));
+    }
+    QVERIFY(done[0] > 300 && done[1] > 300 && done[2] > 300);
 }
 
 void TestProperties::badInput_data()

@@ -325,7 +325,12 @@ void TestCliConfig::fly_andUseOnce()
              (QJsonObject{{u"ok"_s, true}, {u"text"_s, u"Flight Simulator X was started."_s}}));
     QCOMPARE(arguments(), cli.windows(u"a.flt"_s).toUtf8());
     // The first one may not have ended yet.
-    QTRY_COMPARE(cli.configs({u"use-once"_s, u"devices"_s}).status, 0);
+    Ran used;
+    const auto accepted = [&] {
+        used = cli.configs({u"use-once"_s, u"devices"_s});
+        return used.status == 0;
+    };
+    QVERIFY2(QTest::qWaitFor(accepted, 20'000), used.err.constData());
     QCOMPARE(arguments(),
              "/CFG:C:\\users\\pilot\\AppData\\Roaming\\Microsoft\\FSX\\Devices.cfg"_ba);
     QVERIFY(!cli.exists(u"home"_s));

@@ -83,6 +83,7 @@ struct Command
 [[nodiscard]] std::vector<Command> iniCommands();
 [[nodiscard]] std::vector<Command> sceneryCommands();
 [[nodiscard]] std::vector<Command> configCommands(); ///< configs, fly
+[[nodiscard]] std::vector<Command> variantCommands(); ///< variant, aircraft hide, suppress
 [[nodiscard]] std::vector<Command> archiveCommands();
 [[nodiscard]] std::vector<Command> databaseCommands();
 [[nodiscard]] std::vector<Command> addonCommands(); ///< list, show, owner, validate, history

@@ -13,6 +13,7 @@ std::vector<Command> allCommands()
         iniCommands,
         sceneryCommands,
         configCommands,
+        variantCommands,
         archiveCommands,
         databaseCommands,
         addonCommands,

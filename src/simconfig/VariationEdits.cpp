@@ -41,7 +41,7 @@ ResultOf<CAircraft> variation(const ConfigAccess& access,
     if (!isOne ||
         !modRoutines_INI::profileOf(access.actions, access.ansi, file).hasSection(section))
         return Result::failure(u"There is no variation '"_s + section + u"' in '"_s + file +
-                               u"'; 'aircraft show' lists them."_s);
+                               u"'."_s);
     CAircraft aircraft(access);
     (void)aircraft.Load(files.spelled(file), section);
     return aircraft;

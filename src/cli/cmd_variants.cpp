@@ -5,6 +5,7 @@
 #include "cli/Command.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
+#include "simconfig/StockContent.h"
 #include "simconfig/Suppression.h"
 #include "simconfig/VariationEdits.h"
 #include "simconfig/engine/modRoutines_INI.h"
@@ -136,6 +137,7 @@ int variantRemove(World& world, const Arguments& arguments)
         return world.fail(ready);
     const QString file = typedAircraft(world, arguments);
     CAircraft::VariantRemoval removal; // the command itself is the first confirmation
+    removal.original = stockcontent::isOriginal(world.database(), world.context().global, file);
     removal.simulatorName = world.context().global.names.simShort;
     return tellVariant(
         world,

@@ -160,7 +160,11 @@ ResultOf<Edited> remove(const Surroundings& around,
     };
     const auto change =
         [&](CAircraft& aircraft, FileActions&, QStringList& notes) -> ResultOf<Changed> {
-        ResultOf<Changed> removed = aircraft.Variant_Remove(removal, around.global);
+        CAircraft::VariantRemoval asked = removal;
+        // What an add-on brought is not the simulator's, though its aircraft is.
+        asked.original = asked.original && aircraft.LoadVTTextureAddonMasterKey() &&
+                         aircraft.lngVTTextureAddonMasterKey <= 0;
+        ResultOf<Changed> removed = aircraft.Variant_Remove(asked, around.global);
         if (removed)
             notes +=
                 aircraft.Variant_Remove_DeleteCfgFilesAndFolder(around.services.files, isRecorded);

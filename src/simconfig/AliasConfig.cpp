@@ -209,6 +209,7 @@ void AliasConfig::forEachEntry(
     const std::function<void(const QString&, QByteArrayView, QByteArrayView)>& visit)
 {
     QString section;
+    QByteArray room;
     for (const QByteArray& line : lines.lines) {
         if (const std::optional<QString> name = ini::sectionOfLine(lines, line)) {
             section = *name;
@@ -216,8 +217,8 @@ void AliasConfig::forEachEntry(
         }
         if (!line.contains('='))
             continue;
-        if (const auto entry = ini::splitBytes(ini::strippedBytes(line).data))
-            visit(section, entry->key, entry->value);
+        if (const auto entry = ini::splitView(ini::strippedView(line, room).data))
+            visit(section, ini::keyBytes(entry->key), entry->value);
     }
 }
 

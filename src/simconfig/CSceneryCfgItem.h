@@ -5,6 +5,12 @@
 
 namespace vt {
 
+/// How the library's file writes a flag.
+inline QString sceneryFlagText(bool value)
+{
+    return value ? QStringLiteral("TRUE") : QStringLiteral("FALSE");
+}
+
 struct CSceneryCfgItem
 {
     int intArea = 0; ///< number in the section's name "[Area.001]"

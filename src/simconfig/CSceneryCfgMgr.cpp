@@ -17,7 +17,6 @@ namespace {
 
 constexpr QStringView areaStem = u"area.";
 constexpr QStringView cacheStem = u"cache.";
-constexpr auto generalSection = "GENERAL"_L1;
 
 /// The keys that an area's parameters are kept in.
 enum AreaKey
@@ -32,7 +31,7 @@ enum AreaKey
     UnknownKey = AreaKeys,
 };
 
-constexpr std::array<const char*, 6> areaKeyNames = {
+constexpr std::array<QByteArrayView, 6> areaKeyNames = {
     "title", "local", "remote", "active", "required", "layer"};
 static_assert(areaKeyNames.size() == AreaKeys);
 
@@ -62,11 +61,6 @@ qsizetype bodyEnd(const QList<QByteArray>& lines)
     while (end > 1 && !areaEntry(lines.at(end - 1)))
         --end;
     return end;
-}
-
-QString flagText(bool value)
-{
-    return value ? u"TRUE"_s : u"FALSE"_s;
 }
 
 bool isFlag(QByteArrayView value, QByteArrayView text)
@@ -108,8 +102,8 @@ int numberOf(QStringView text)
 QString describedArea(const CSceneryCfgItem& item)
 {
     return u"\tArea="_s + QString::number(item.intArea) + u"\n\tTitle="_s + item.sTitle +
-           u"\n\tLocal="_s + item.sLocal + u"\n\tActive="_s + flagText(item.boolActive) +
-           u"\n\tRequired="_s + flagText(item.boolRequired) + u"\n\tLayer="_s +
+           u"\n\tLocal="_s + item.sLocal + u"\n\tActive="_s + sceneryFlagText(item.boolActive) +
+           u"\n\tRequired="_s + sceneryFlagText(item.boolRequired) + u"\n\tLayer="_s +
            QString::number(item.intLayer);
 }
 
@@ -128,6 +122,10 @@ Result CSceneryCfgMgr::SceneryCfg_Load()
 {
     m_loaded.clear();
     parse({});
+    if (!winpath::isAbsolute(m_file))
+        return Result::failure(
+            u"The scenery library's place is not known, because there is no drive C:; name the prefix that the simulator lives in, or the drive."_s,
+            ErrorKind::Surroundings);
     m_stamp = FileStamp::of(m_access.actions, m_file);
     if (!m_stamp.exists())
         return Result::failure(u"Scenery configuration file '"_s + m_file + u"' was not found."_s,
@@ -180,7 +178,7 @@ void CSceneryCfgMgr::parse(const QByteArray& bytes)
             m_ids.push_back(m_nextId++);
         } else if (startsWithNoCase(*name, cacheStem)) {
             block.kind = BlockKind::Cache;
-        } else if (equalNoCase(*name, QString(generalSection))) {
+        } else if (equalNoCase(*name, u"GENERAL")) {
             block.kind = BlockKind::General;
         }
         m_blocks.push_back(block);
@@ -282,10 +280,11 @@ QString CSceneryCfgMgr::formOf(const QString& location) const
 
 QString CSceneryCfgMgr::folderOf(const CSceneryCfgItem& item) const
 {
-    if (item.sLocal.isEmpty())
+    const QString& location = item.sLocal.isEmpty() ? item.sRemote : item.sLocal;
+    if (location.isEmpty())
         return {};
-    const bool rooted = winpath::isAbsolute(item.sLocal) || item.sLocal.startsWith(u"\\\\"_s);
-    return winpath::asFolder(rooted ? item.sLocal : winpath::join(m_simulatorFolder, item.sLocal));
+    const bool rooted = winpath::isAbsolute(location) || location.startsWith(u"\\\\"_s);
+    return winpath::asFolder(rooted ? location : winpath::join(m_simulatorFolder, location));
 }
 
 void CSceneryCfgMgr::indexFolders() const
@@ -395,10 +394,10 @@ ResultOf<CSceneryCfgMgr::ByteLines> CSceneryCfgMgr::headLines(const CSceneryCfgI
     QStringList texts = {u"[Area."_s + QString::number(item.intArea).rightJustified(3, u'0') +
                              u"]"_s,
                          u"Title="_s + item.sTitle,
-                         u"Active="_s + flagText(item.boolActive)};
+                         u"Active="_s + sceneryFlagText(item.boolActive)};
     if (item.intLayer > 0)
         texts.push_back(u"Layer="_s + QString::number(item.intLayer));
-    texts.push_back(u"Required="_s + flagText(item.boolRequired));
+    texts.push_back(u"Required="_s + sceneryFlagText(item.boolRequired));
     if (!item.sRemote.isEmpty())
         texts.push_back(u"Remote="_s + item.sRemote);
     if (!item.sLocal.isEmpty())
@@ -504,30 +503,6 @@ Result CSceneryCfgMgr::setActive(qsizetype index, bool active)
     CSceneryCfgItem item = m_items.value(index);
     item.boolActive = active;
     return setArea(index, item);
-}
-
-// --- general section ---------------------------------------------------------------------------
-
-std::optional<QString> CSceneryCfgMgr::General_Get(const QString& key) const
-{
-    for (const Block& block : m_blocks) {
-        if (block.kind != BlockKind::General)
-            continue;
-        LineArray own(m_access.ansi);
-        own.lines = linesOf(block);
-        if (std::optional<QString> value = ini::INI_Entry_Get(own, QString(generalSection), key))
-            return value;
-    }
-    return std::nullopt;
-}
-
-Result CSceneryCfgMgr::General_Set(const QString& key, const QString& value)
-{
-    LineArray all = lines();
-    if (Result set = ini::INI_Entry_Set(all, QString(generalSection), key, value); !set)
-        return set;
-    parse(all.joined());
-    return Result::success();
 }
 
 // --- the whole file ----------------------------------------------------------------------------

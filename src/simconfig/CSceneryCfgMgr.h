@@ -83,6 +83,21 @@ public:
     [[nodiscard]] std::optional<QString> General_Get(const QString& key) const;
     [[nodiscard]] Result General_Set(const QString& key, const QString& value);
 
+    /// What that section says of the scenery world as a whole.
+    struct SceneryWorld
+    {
+        QString sTitle;
+        QString sDescription;
+        bool boolClean_on_Exit = false;
+
+        friend bool operator==(const SceneryWorld&, const SceneryWorld&) = default;
+    };
+
+    [[nodiscard]] SceneryWorld General_World() const;
+    /// Writes only what differs. Fails, with nothing taken, as checkGeneral() says and on
+    /// characters that the code page lacks.
+    [[nodiscard]] Result General_SetWorld(const SceneryWorld& world);
+
     /// Asks when others changed the file or it is read-only, keeps two backups, writes. A success
     /// carries "Scenery configuration file was updated." or "Nothing to write to scenery
     /// configuration file." as remark; kind Declined after a No. The file is whole in any case.
@@ -121,7 +136,8 @@ public:
     [[nodiscard]] QString SceneryCfg_Validate_Report(const CSceneryCfgItem& item,
                                                      const Files& files,
                                                      const QString& simulatorName) const;
-    /// Absolute folder of an area, ending in "\"; empty without a location.
+    /// Absolute folder of an area (the remote one without a local), ending in "\"; empty without
+    /// a location.
     [[nodiscard]] QString folderOf(const CSceneryCfgItem& item) const;
 
     /// What the editor says about parameters before it takes them.
@@ -158,6 +174,7 @@ private:
     using ByteLines = QList<QByteArray>;
 
     void parse(const QByteArray& bytes);
+    [[nodiscard]] std::optional<QString> generalValue(const QString& key, bool raw) const;
     [[nodiscard]] ByteLines linesOf(const Block& block) const;
     static void setLines(Block& block, const ByteLines& lines);
     [[nodiscard]] QByteArray joined() const;

@@ -395,6 +395,20 @@ void TestScenery::general_values()
     QCOMPARE(library.stored(),
              QByteArray(head).replace("Exit=TRUE", "Exit=FALSE") + plainArea(1, 1, "x"));
     QCOMPARE(library.manager.areas().size(), 1);
+
+    CSceneryCfgMgr::SceneryWorld world = library.manager.General_World();
+    QCOMPARE(world, (CSceneryCfgMgr::SceneryWorld{u"FSX World Scenery"_s, {}, false}));
+    QCOMPARE(library.manager.General_SetWorld(world).text,
+             u"Please provide a description for the scenery world."_s);
+    QVERIFY(!library.manager.modified());
+    world.sDescription = u"Mine // all; of it"_s;
+    world.boolClean_on_Exit = true;
+    QVERIFY(library.manager.General_SetWorld(world).ok);
+    QCOMPARE(library.manager.General_World(), world);
+    QVERIFY(library.manager.SceneryCfg_Save().ok);
+    QCOMPARE(library.stored(),
+             QByteArray(head).replace("]\r\n", "]\r\nDescription=Mine // all; of it\r\n") +
+                 plainArea(1, 1, "x"));
 }
 
 void TestScenery::changes_showWhatSaveWrites()

@@ -1,5 +1,6 @@
 // verify aircraft, panels, sounds, scenery: checks of what is installed; with --repair they are
 // mended.
+#include "catalogue/Catalogue.h"
 #include "cli/Command.h"
 #include "platform/WinPath.h"
 #include "remove/RepairLists.h"
@@ -133,11 +134,20 @@ int verifyFiles(World& world, const Arguments& arguments, ConfigFileKind kind)
 {
     if (const Result ready = enter(world, arguments); !ready)
         return world.fail(ready);
-    const ResultOf<QStringList> files = filesToVerify(
-        world.services().files, world.context().global, kind, typedPaths(world, arguments));
+    const QStringList paths = typedPaths(world, arguments);
+    Catalogue catalogue(world.context().global);
+    if (paths.isEmpty())
+        catalogue.open(world.services());
+    const ResultOf<QStringList> files =
+        filesToVerify(world.services().files, catalogue, kind, paths);
     if (!files)
         return world.fail(files.error());
-    return runList(world, arguments, repairList(world.context(), world.database(), kind, *files));
+    const int status =
+        runList(world, arguments, repairList(world.context(), world.database(), kind, *files));
+    // What was repaired is read again at the next call; all the rest need not be.
+    if (paths.isEmpty() && arguments.has(u"--repair"_s))
+        (void)catalogue.save(world.services());
+    return status;
 }
 
 int verifyAircraft(World& world, const Arguments& arguments)

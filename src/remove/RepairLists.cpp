@@ -1,5 +1,6 @@
 #include "remove/RepairLists.h"
 
+#include "catalogue/Catalogue.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "simconfig/AircraftChecks.h"
@@ -202,6 +203,19 @@ bool isFileOf(const QString& path, ConfigFileKind kind)
     Q_UNREACHABLE();
 }
 
+catalogue::ConfigKind catalogueKind(ConfigFileKind kind)
+{
+    switch (kind) {
+    case ConfigFileKind::Aircraft:
+        return catalogue::ConfigKind::Aircraft;
+    case ConfigFileKind::Panel:
+        return catalogue::ConfigKind::Panel;
+    case ConfigFileKind::Sound:
+        return catalogue::ConfigKind::Sound;
+    }
+    Q_UNREACHABLE();
+}
+
 QString nounOf(ConfigFileKind kind)
 {
     switch (kind) {
@@ -223,33 +237,22 @@ void addBelow(const Files& files, const QString& folder, ConfigFileKind kind, QS
     }
 }
 
-QStringList installedFiles(const Files& files, const GlobalRecord& global, ConfigFileKind kind)
+QStringList installedFiles(const Catalogue& catalogue, ConfigFileKind kind)
 {
     QStringList found;
-    for (const QString& top : global.aircraftTypeFolders) {
-        for (const QString& aircraft : files.names(top)) {
-            const QString folder = top + aircraft + u'\\';
-            if (kind == ConfigFileKind::Aircraft && files.isFile(folder + u"aircraft.cfg"_s))
-                found.append(files.spelled(folder + u"aircraft.cfg"_s));
-            if (kind == ConfigFileKind::Aircraft)
-                continue;
-            for (const QString& name : files.names(folder)) {
-                if (startsWithNoCase(name, nounOf(kind)))
-                    addBelow(files, folder + name + u'\\', kind, found);
-            }
-        }
-    }
+    for (const ConfigIndex config : catalogue.configs(catalogueKind(kind)))
+        found.append(catalogue.file(config));
     return found;
 }
 
 } // namespace
 
 ResultOf<QStringList> filesToVerify(const Files& files,
-                                    const GlobalRecord& global,
+                                    const Catalogue& catalogue,
                                     ConfigFileKind kind,
                                     const QStringList& paths)
 {
-    QStringList found = paths.isEmpty() ? installedFiles(files, global, kind) : QStringList();
+    QStringList found = paths.isEmpty() ? installedFiles(catalogue, kind) : QStringList();
     for (const QString& path : paths) {
         const qsizetype before = found.size();
         if (files.isFile(path))

@@ -6,6 +6,7 @@
 
 namespace vt {
 
+class Catalogue;
 class Connection;
 class CSceneryCfgMgr;
 
@@ -20,7 +21,7 @@ enum class ConfigFileKind
 /// \a paths name or hold (folders at any depth). Each once, sorted. Fails, naming the path, when
 /// one of them holds none.
 [[nodiscard]] ResultOf<QStringList> filesToVerify(const Files& files,
-                                                  const GlobalRecord& global,
+                                                  const Catalogue& catalogue,
                                                   ConfigFileKind kind,
                                                   const QStringList& paths);
 

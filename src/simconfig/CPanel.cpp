@@ -184,29 +184,30 @@ Result CPanel::Pictures_CanBeCleared() const
 
 // --- files -------------------------------------------------------------------------------------
 
-/// \a place: full path of a collection without its extension. The file or folder that holds the
-/// gauge, empty when there is none.
-QString CPanel::gaugeIn(const QString& place, const QString& gauge) const
+QString CPanel::collectionAt(const QString& place) const
 {
     for (const QStringView extension : gaugeExtensions) {
         const QString file = place + u'.' + extension.toString();
         if (isFile(file))
             return file;
     }
-    if (!isFolder(place))
-        return {};
-    const QString folder = place + u'\\';
-    if (gauge.isEmpty())
-        return folder;
-    const QString file = folder + gauge;
-    return isFile(file + u".xml"_s) || isFile(file) ? folder : QString();
+    return isFolder(place) ? place + u'\\' : QString();
 }
 
-QString CPanel::gaugePath(const QString& folder, const Entry& entry) const
+/// The file or folder (ends in "\") that holds the gauge; empty when there is none.
+QString CPanel::gaugePath(const QString& folder, const Entry& entry, Collections& collections) const
 {
     for (const QString& top : {folder, m_global.gaugesFolder}) {
         const QString place = winpath::withoutTrailing(placeOf(top, entry.collection));
-        if (const QString found = gaugeIn(place, entry.gauge); !found.isEmpty())
+        auto known = collections.constFind(place);
+        if (known == collections.cend())
+            known = collections.insert(place, collectionAt(place));
+        const QString found = *known;
+        if (found.isEmpty())
+            continue;
+        const QString gauge = found + entry.gauge;
+        if (!found.endsWith(u'\\') || entry.gauge.isEmpty() || isFile(gauge + u".xml"_s) ||
+            isFile(gauge))
             return found;
     }
     return {};
@@ -237,9 +238,10 @@ QStringList CPanel::GaugeFiles_Existing_Get() const
 {
     const Definition used = definition();
     FoundFiles found(m_files);
+    Collections collections;
     for (const Entry& entry : entriesOf(used.lines)) {
         const QString path =
-            entry.isGauge ? gaugePath(winpath::parent(used.file), entry) : QString();
+            entry.isGauge ? gaugePath(winpath::parent(used.file), entry, collections) : QString();
         if (!path.endsWith(u'\\')) {
             found.add(path);
             continue;
@@ -271,12 +273,13 @@ QStringList CPanel::missingLines(const LineArray& lines, const QString& folder) 
     QStringList gauges;
     QStringList bitmaps;
     QSet<NoCase> seen;
+    Collections collections;
     for (const Entry& entry : entriesOf(lines)) {
         const NoCase name{(entry.isGauge ? u"!"_s : u"/"_s) + entry.file};
         if (seen.contains(name))
             continue;
         seen.insert(name);
-        if (entry.isGauge && gaugePath(folder, entry).isEmpty())
+        if (entry.isGauge && gaugePath(folder, entry, collections).isEmpty())
             gauges.append(u"\n\t"_s + entry.file);
         else if (!entry.isGauge && bitmapPath(folder, entry.bitmap).isEmpty())
             bitmaps.append(u"\n\t"_s + entry.file);
@@ -322,8 +325,9 @@ QString CPanel::bitmapElsewhere(const QString& folder, const Entry& entry) const
 QList<AliasConfig::StandIn> CPanel::standIns(const LineArray& lines, const QString& folder) const
 {
     QList<StandIn> found;
+    Collections collections;
     for (const Entry& entry : entriesOf(lines)) {
-        const bool missing = entry.isGauge ? gaugePath(folder, entry).isEmpty()
+        const bool missing = entry.isGauge ? gaugePath(folder, entry, collections).isEmpty()
                                            : bitmapPath(folder, entry.bitmap).isEmpty();
         if (!missing || entry.value.startsWith(u'"'))
             continue;

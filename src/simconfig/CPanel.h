@@ -4,6 +4,8 @@
 
 #include "simconfig/AliasConfig.h"
 
+#include <QHash>
+
 namespace vt {
 
 class CPanel final : public AliasConfig
@@ -69,8 +71,13 @@ protected:
 private:
     static const Facts& facts();
     [[nodiscard]] static QList<Entry> entriesOf(const LineArray& lines);
-    [[nodiscard]] QString gaugePath(const QString& folder, const Entry& entry) const;
-    [[nodiscard]] QString gaugeIn(const QString& place, const QString& gauge) const;
+    /// What lies at the place of a collection, by its full path without extension: a file, a folder
+    /// (ends in "\"), or nothing. A panel names few collections and many gauges of each.
+    using Collections = QHash<QString, QString>;
+
+    [[nodiscard]] QString
+    gaugePath(const QString& folder, const Entry& entry, Collections& collections) const;
+    [[nodiscard]] QString collectionAt(const QString& place) const;
     [[nodiscard]] QString bitmapPath(const QString& folder, const QString& bitmap) const;
     [[nodiscard]] QString gaugeElsewhere(const QString& folder, const Entry& entry) const;
     [[nodiscard]] QString bitmapElsewhere(const QString& folder, const Entry& entry) const;

@@ -190,6 +190,7 @@ void TestParts::sound_tellsWhatItNames()
                           airplanes + u"Other\\sound\\horn.wav"_s}));
     QCOMPARE(sim.sound.SoundFiles_Get().first(), folder + u"sound.cfg"_s);
     QCOMPARE(sim.sound.SoundFiles_Get().size(), 5);
+    QVERIFY(sim.sound.Verify().problems.isEmpty());
 }
 
 void TestParts::alias_isFollowedAndNamesItsFiles()

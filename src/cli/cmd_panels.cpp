@@ -68,7 +68,10 @@ int setPart(World& world,
         return world.fail(set, refused);
     QString text =
         u"'"_s + part.sConfigurationFile + u"' now refers to '"_s + part.sAlias + u"'."_s;
-    if (const qsizetype others = sharers(world, aircraft, configuration, part.sConfigurationFile))
+    const qsizetype others = sharers(world, aircraft, configuration, part.sConfigurationFile);
+    if (others == 1)
+        text += u" So does another variation of this aircraft, which uses the same file."_s;
+    else if (others > 1)
         text += u" So do "_s + QString::number(others) +
                 u" other variations of this aircraft, which use the same file."_s;
     world.json(QJsonObject{{u"ok"_s, true}, {u"text"_s, text}});

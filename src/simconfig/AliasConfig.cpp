@@ -49,6 +49,7 @@ bool AliasConfig::Load(const QString& configurationFile)
     sTargetFile.clear();
     m_own = Definition(m_access.ansi);
     m_followed = {};
+    m_trees.clear();
     m_protocol.reset();
     if (!configurationFile.isEmpty()) {
         m_protocol = std::make_unique<SaveProtocol>(m_facts.kind, configurationFile);
@@ -259,7 +260,7 @@ Result AliasConfig::checkAlias(const QString& alias, QString& written)
         return failed(WouldNotBeValid, Result::failure(target.problem));
     if (const int unfit = unfitAsTarget(read(target.original)); unfit != Good)
         return failed(unfit, {});
-    written = target.direct ? alias : Alias_TextFor(target.original);
+    written = Alias_TextFor(target.original);
     if (written.isEmpty())
         return failed(WouldNotBeValid, {});
     return Result::success();

@@ -14,6 +14,7 @@
 #include "simconfig/engine/LineArray.h"
 #include "simconfig/engine/SaveProtocol.h"
 
+#include <QHash>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -73,9 +74,9 @@ public:
     /// empty when there is none.
     [[nodiscard]] QString DefinitionFile_Get() const;
 
-    /// Re-points the loaded configuration: \a alias as it is to stand in the file. A configuration
-    /// file that does not exist is made. The state tells what stood in the way; the file then
-    /// stands as it was, and a definition that was replaced is kept beside it.
+    /// Re-points the loaded configuration to what \a alias names, in the form of Alias_TextFor(). A
+    /// configuration file that does not exist is made. The state tells what stood in the way; the
+    /// file then stands as it was, and a definition that was replaced is kept beside it.
     [[nodiscard]] Result Alias_Set(const QString& alias);
     /// How the file is named in an alias; empty for one outside the simulator.
     [[nodiscard]] QString Alias_TextFor(const QString& configurationFile) const;
@@ -255,6 +256,7 @@ private:
     std::unique_ptr<SaveProtocol> m_protocol;
     Definition m_own;
     Followed m_followed;
+    mutable QHash<QString, QStringList> m_trees; ///< files below a folder, until the next Load()
     int m_state = NoTarget;
     QString m_error;
 };

@@ -98,8 +98,11 @@ QStringList AliasConfig::filesNamed(const QString& folder,
                                     const QString& name,
                                     const QStringList& extensions) const
 {
+    auto tree = m_trees.constFind(folder);
+    if (tree == m_trees.cend())
+        tree = m_trees.insert(folder, m_files.filesBelow(folder, treeLimit));
     QStringList found;
-    for (const QString& file : m_files.filesBelow(folder, treeLimit)) {
+    for (const QString& file : *tree) {
         if (equalNoCase(winpath::baseName(file), name) &&
             extensions.contains(winpath::extension(file), Qt::CaseInsensitive))
             found.append(file);
@@ -134,7 +137,9 @@ QStringList AliasConfig::originalsIn(const QString& aircraftFolder, const QStrin
             continue;
         const QString folder = aircraftFolder + name + u'\\';
         const QString file = folder + aliastarget::configFileName(m_facts.aliasKind, folder);
-        if (winpath::same(file, sConfigurationFile) || !read(file).original)
+        // The sounds of an aircraft and those that others hear of it never stand for each other.
+        if (!equalNoCase(winpath::name(file), winpath::name(sConfigurationFile)) ||
+            winpath::same(file, sConfigurationFile) || !read(file).original)
             continue;
         if (equalNoCase(name, folderName))
             return {m_files.spelled(file)};

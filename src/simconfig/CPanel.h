@@ -4,8 +4,6 @@
 
 #include "simconfig/AliasConfig.h"
 
-#include <QHash>
-
 namespace vt {
 
 class CPanel final : public AliasConfig

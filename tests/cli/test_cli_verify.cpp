@@ -115,6 +115,11 @@ void TestCliVerify::faults_areMendedOnce()
     const Ran again = world.verify(u"panels"_s, {u"--repair"_s});
     QCOMPARE(world.titles(again, u"Not Repaired"_s), QStringList{u"Aurelia_700\\panel"_s});
     QCOMPARE(world.titles(again, u"Healthy"_s).size(), 3);
+    QCOMPARE(world.vantrel({u"suppress"_s, u"panel"_s, liner + u"panel.cfg"_s, u"on"_s}).status, 0);
+    const Ran silenced = world.verify(u"panels"_s, {u"--repair"_s});
+    QCOMPARE(silenced.status, 0);
+    QCOMPARE(world.titles(silenced, u"Skipped (suppressed)"_s),
+             QStringList{u"Aurelia_700\\panel"_s});
 }
 
 void TestCliVerify::aircraft_followTheirSections()

@@ -324,6 +324,9 @@ void TestParts::faults_areFoundAndMended_data()
         << u"does not exist."_s << 1 << QByteArray("; mine\r\n[FLTSIM]\r\nAlias=Cub\\Panel\r\n");
     QTest::newRow("alias without folder")
         << false << QByteArray("[fltsim]\r\nalias=Cub\r\n") << u"does not exist."_s << 1 << cub;
+    QTest::newRow("alias, only sounds for others there")
+        << true << QByteArray("[fltsim]\r\nalias=Other\\sound\r\n") << u"does not exist."_s << 0
+        << QByteArray("[fltsim]\r\nalias=Other\\sound\r\n");
     QTest::newRow("alias of nobody")
         << false << QByteArray("[fltsim]\r\nalias=Nobody\\panel\r\n") << u"does not exist."_s << 0
         << QByteArray("[fltsim]\r\nalias=Nobody\\panel\r\n");
@@ -373,6 +376,7 @@ void TestParts::faults_areFoundAndMended()
                              "start.wma"})
         sim.put(folder + QLatin1StringView(name), "x");
     sim.put(airplanes + u"Chain\\panel\\panel.cfg"_s, "[fltsim]\r\nalias=Cub\\Panel\r\n");
+    sim.put(airplanes + u"Other\\soundai\\soundai.cfg"_s, "[a]\r\nfilename=stall\r\n");
     AliasConfig& part = isSound ? static_cast<AliasConfig&>(sim.sound) : sim.panel;
     part.Load(file);
     const QStringList problems = part.Verify().problems;
@@ -485,7 +489,7 @@ void TestParts::aliasSet_data()
                                   << QByteArray(old).replace("Old\\panel ; keep", "Cub\\Panel");
     QTest::newRow("panel, alias with bare LF") << false << QByteArray("[fltsim]\nalias=x\n") << cub
                                                << 0 << QByteArray("[fltsim]\nalias=Cub\\Panel\n");
-    QTest::newRow("panel, full") << false << full << cub << 0 << two;
+    QTest::newRow("panel, full") << false << full << u"/cub/panel/panel.cfg"_s << 0 << two;
     QTest::newRow("panel, both") << false << two + full << cub << 0 << two;
     QTest::newRow("panel, empty") << false << QByteArray() << cub << 0 << two;
     QTest::newRow("panel, to nothing") << false << full << u"Gone\\panel"_s << 8 << full;

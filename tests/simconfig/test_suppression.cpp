@@ -1,5 +1,7 @@
 #include "addondb/AddonDatabase.h"
 #include "engine/ConfigDisk.h"
+#include "shell/GlobalRecord.h"
+#include "simconfig/StockContent.h"
 #include "simconfig/Suppression.h"
 #include "support/TestMain.h"
 
@@ -12,6 +14,7 @@ class TestSuppression : public QObject
 
 private Q_SLOTS:
     void suppression_holdsForTheFileThatWasMarked();
+    void stockContent_isWhatNobodyRecorded();
 };
 
 void TestSuppression::suppression_holdsForTheFileThatWasMarked()
@@ -41,6 +44,31 @@ void TestSuppression::suppression_holdsForTheFileThatWasMarked()
     QVERIFY(mark(true).ok && marked(cfg));
     QVERIFY(mark(false).ok && !marked(cfg));
     QCOMPARE(modDatabase_Addon::itemDetail(*database, ItemTable::Panel, cfg)->custom[3], u"mine"_s);
+}
+
+void TestSuppression::stockContent_isWhatNobodyRecorded()
+{
+    test::ConfigDisk disk;
+    GlobalRecord global;
+    global.setSimulatorFolder(u"C:\\FSX\\"_s);
+    const auto database = Connection::create(disk.gate, u"C:\\Vantrel\\Vantrel.mdb"_s).connection;
+    QVERIFY(database);
+    AddonRecord addon;
+    addon.name = u"Repaint"_s;
+    QVERIFY(modDatabase_Addon::createAddon(*database, addon).ok);
+    const QString liner = u"C:\\FSX\\SimObjects\\Airplanes\\b737_800\\"_s;
+    QList<DetailRecord> rows(1);
+    rows[0].location = liner + u"panel\\"_s;
+    rows[0].name = u"Panel.cfg"_s;
+    QVERIFY(modDatabase_Addon::addDetails(*database, addon.key, rows).ok());
+    const auto original = [&](const QString& path) {
+        return stockcontent::isOriginal(database.get(), global, path);
+    };
+    QVERIFY(original(liner + u"aircraft.cfg"_s));
+    QVERIFY(original(liner));
+    QVERIFY(!original(liner + u"panel\\panel.cfg"_s));
+    QVERIFY(!original(u"C:\\FSX\\SimObjects\\Airplanes\\Cub\\aircraft.cfg"_s));
+    QVERIFY(!original(u"C:\\FSX\\Gauges\\B737_800\\aircraft.cfg"_s));
 }
 
 VT_TEST_CLASS(TestSuppression)

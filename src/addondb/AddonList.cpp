@@ -2,6 +2,7 @@
 
 #include "addondb/AddonDatabase.h"
 #include "addondb/DatabaseSteps.h"
+#include "addondb/Originals.h"
 #include "platform/Hash.h"
 
 using namespace Qt::StringLiterals;
@@ -56,20 +57,6 @@ Result detailsNotRead()
 NoCase placeKey(const DetailRecord& detail)
 {
     return {detail.location + detail.name};
-}
-
-/// Whether a file as it lies on the disk is the recorded one; reads it only when it must.
-bool isRecorded(const Files& files,
-                const QString& path,
-                const FileInfo& now,
-                const Fingerprint& recorded)
-{
-    if (now.size != recorded.size)
-        return false;
-    if (now.modifiedNs == recorded.modifiedNs)
-        return true;
-    const ResultOf<Fingerprint> print = fingerprint(files, path);
-    return print && print->xxh3 == recorded.xxh3;
 }
 
 bool isAsLastWritten(Connection& database,
@@ -211,13 +198,13 @@ ItemState
 AddonItems::state(Connection& database, const Gate& gate, const DetailRecord& detail) const
 {
     const QString path = detail.location + detail.name;
-    const std::optional<FileInfo> now = gate.files().info(path);
+    const std::optional<FileInfo> now = gate.files().entry(path);
     if (!now || now->folder)
         return ItemState::Missing;
     Fingerprint recorded = m_checks.value(detail.key);
     if (coveredBy(detail) != 0)
         recorded = m_coveringChecks.value(m_covering.value(placeKey(detail)).key);
-    if (recorded.size < 0 || isRecorded(gate.files(), path, *now, recorded))
+    if (originals::isRecorded(gate.files(), path, *now, recorded))
         return ItemState::Ok;
     return isAsLastWritten(database, gate, path, *now) ? ItemState::Ok : ItemState::Changed;
 }

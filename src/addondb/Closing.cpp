@@ -1,6 +1,7 @@
 #include "addondb/Closing.h"
 
 #include "addondb/AddonDatabase.h"
+#include "platform/PathIndex.h"
 #include "platform/WinPath.h"
 
 #include <QDataStream>
@@ -86,19 +87,14 @@ bool unpack(const QByteArray& bytes, RemovalClosing& closing)
 ResultOf<QList<DetailRecord>>
 detailsAt(Connection& database, const Gate& gate, qint64 masterKey, const QList<Place>& places)
 {
-    QList<DetailRecord> found;
-    const ResultOf<QList<DetailRecord>> all = modDatabase_Addon::detailsOf(database, masterKey);
-    if (!all)
-        return all.error();
-    for (const DetailRecord& detail : *all) {
-        const QString path = detail.location + detail.name;
-        for (const Place& place : places) {
-            if (winpath::isBelow(path, gate.path(place))) {
-                found.push_back(detail);
-                break;
-            }
-        }
-    }
+    PathIndex paths;
+    for (const Place& place : places)
+        paths.insert(gate.path(place));
+    ResultOf<QList<DetailRecord>> found = modDatabase_Addon::detailsOf(database, masterKey);
+    if (found)
+        found->removeIf([&](const DetailRecord& detail) {
+            return !paths.covers(detail.location + detail.name);
+        });
     return found;
 }
 
@@ -204,8 +200,9 @@ Result closeRemoval(Connection& database,
             sceneryAreasOf(database, closing.masterKey);
         if (!areas)
             return areas.error();
+        const QSet<qint64> named(closing.detailKeys.cbegin(), closing.detailKeys.cend());
         for (const SceneryAreaRecord& area : *areas) {
-            const bool goes = closing.whole || closing.detailKeys.contains(area.detailKey);
+            const bool goes = closing.whole || named.contains(area.detailKey);
             const bool passedOn = std::any_of(closing.areasPassedOn.cbegin(),
                                               closing.areasPassedOn.cend(),
                                               [&area](const SceneryAreaRecord& passed) {
@@ -236,15 +233,19 @@ Result closeRemoval(Connection& database,
             return gone;
     }
     // A folder in which something stayed is still the installation's.
-    QList<Place> gone;
-    for (const Place& folder : closing.foldersGone) {
-        const QString path = gate.path(folder);
-        const bool holds = std::any_of(failed.cbegin(), failed.cend(), [&](const Place& place) {
-            return winpath::isBelow(gate.path(place), path);
-        });
-        if (!holds)
-            gone.push_back(folder);
+    QSet<NoCase> holding;
+    for (const Place& place : failed) {
+        for (QString up = gate.path(place); !up.isEmpty(); up = winpath::parent(up)) {
+            const qsizetype known = holding.size();
+            holding.insert(NoCase{winpath::withoutTrailing(up)});
+            if (holding.size() == known)
+                break;
+        }
     }
+    QList<Place> gone = closing.foldersGone;
+    gone.removeIf([&](const Place& folder) {
+        return holding.contains(NoCase{winpath::withoutTrailing(gate.path(folder))});
+    });
     return deleteFolders(database, gone);
 }
 

@@ -95,17 +95,17 @@ ResultOf<Undone> afterRemoval(Connection& database,
     base->edits = qMax<qint64>(base->edits - 1, 1);
     if (last) {
         out.forgotten = true;
-        if (untouched) {
-            const ResultOf<QByteArray> old = gate.files().read(keptPath, baseLimit);
-            if (old) {
-                if (Result back = actions.replace(file, *old); !back)
-                    return back;
-                out.restored = true;
-            }
+        if (untouched && gate.files().entry(keptPath)) {
+            // The file itself, with its time and permissions, or the link that it was.
+            const Fingerprint now = printOf(gate.files().entry(file));
+            if (Result back = actions.move(keptPath, file, now); !back)
+                return back;
+            out.restored = true;
         }
         if (!keptPath.isEmpty()) {
             // A kept file that stays behind harms nobody.
-            (void)(out.restored ? actions.removeOnce(keptPath, file) : actions.remove(keptPath));
+            if (!out.restored)
+                (void)actions.remove(keptPath);
             (void)actions.removeEmptyFolder(winpath::parent(keptPath));
         }
         return out;

@@ -63,6 +63,27 @@ Result JournalTable::addSteps(qint64 operation, const QList<JournalStep>& steps)
     return Result::success();
 }
 
+Result JournalTable::replaceSteps(qint64 operation, const QList<JournalStep>& steps)
+{
+    Recordset chunks(m_database, Table::Vantrel_JournalSteps);
+    chunks.setIndex(Index::Vantrel_JournalSteps_PrimaryKey);
+    if (Result gone = chunks.deleteAllMatching({operation}); !gone)
+        return gone;
+    return addSteps(operation, steps);
+}
+
+Result JournalTable::setState(qint64 operation, OperationState state, const QByteArray& closing)
+{
+    Recordset operations(m_database, Table::Vantrel_Journal);
+    operations.setIndex(Index::Vantrel_Journal_PrimaryKey);
+    if (!operations.seek({operation}))
+        return Result::failure(u"The journal has lost the present operation."_s);
+    operations.edit();
+    operations.set(Field::State, int(state));
+    operations.set(Field::Closing, closing);
+    return operations.update();
+}
+
 Result JournalTable::deleteRows(qint64 operation)
 {
     Recordset chunks(m_database, Table::Vantrel_JournalSteps);
@@ -87,24 +108,14 @@ Result JournalTable::apply(qint64 operation,
     return m_database.together([&] {
         if (Result recorded = records(); !recorded)
             return recorded;
-        Recordset chunks(m_database, Table::Vantrel_JournalSteps);
-        chunks.setIndex(Index::Vantrel_JournalSteps_PrimaryKey);
-        if (Result gone = chunks.deleteAllMatching({operation}); !gone)
-            return gone;
-        if (Result added = addSteps(operation, steps); !added)
-            return added;
-        Recordset operations(m_database, Table::Vantrel_Journal);
-        operations.setIndex(Index::Vantrel_Journal_PrimaryKey);
-        if (!operations.seek({operation}))
-            return Result::failure(u"The journal has lost the present operation."_s);
-        operations.edit();
-        operations.set(Field::State, int(OperationState::Applying));
-        operations.set(Field::Closing, closing);
-        return operations.update();
+        if (Result replaced = replaceSteps(operation, steps); !replaced)
+            return replaced;
+        return setState(operation, OperationState::Applying, closing);
     });
 }
 
-Result JournalTable::end(qint64 operation, const QList<Place>& failed)
+Result
+JournalTable::end(qint64 operation, const QList<Place>& failed, const QList<JournalStep>& rest)
 {
     return m_database.together([&] {
         JournalOperation present;
@@ -120,7 +131,11 @@ Result JournalTable::end(qint64 operation, const QList<Place>& failed)
                 carryOutClosing(m_database, m_gate, present.kind, present.closing, failed);
             !closed)
             return closed;
-        return deleteRows(operation);
+        if (rest.isEmpty())
+            return deleteRows(operation);
+        if (Result replaced = replaceSteps(operation, rest); !replaced)
+            return replaced;
+        return setState(operation, OperationState::Cleaning, {});
     });
 }
 

@@ -22,13 +22,16 @@ public:
                  const QList<JournalStep>& steps,
                  const QByteArray& closing,
                  const std::function<Result()>& records) override;
-    Result end(qint64 operation, const QList<Place>& failed) override;
+    Result
+    end(qint64 operation, const QList<Place>& failed, const QList<JournalStep>& rest) override;
     Result forget(qint64 operation) override;
     [[nodiscard]] ResultOf<QList<JournalOperation>> unfinished() override;
     [[nodiscard]] ResultOf<QList<JournalStep>> steps(qint64 operation) override;
 
 private:
     Result addSteps(qint64 operation, const QList<JournalStep>& steps);
+    Result replaceSteps(qint64 operation, const QList<JournalStep>& steps);
+    Result setState(qint64 operation, OperationState state, const QByteArray& closing);
     Result deleteRows(qint64 operation);
 
     Connection& m_database;

@@ -10,16 +10,6 @@ namespace vt::originals {
 
 namespace {
 
-Fingerprint printOf(const std::optional<FileInfo>& info)
-{
-    Fingerprint print;
-    if (info) {
-        print.size = info->size;
-        print.modifiedNs = info->modifiedNs;
-    }
-    return print;
-}
-
 /// The user's changed version goes to the set-aside folder, where it stays.
 ResultOf<QString> setAside(const ReleaseContext& context, const QString& from, const QString& path)
 {
@@ -29,7 +19,7 @@ ResultOf<QString> setAside(const ReleaseContext& context, const QString& from, c
     if (!place)
         return place.error();
     QString to = winpath::join(context.setAsideFolder, place->relative);
-    for (int n = 2; context.gate.files().exists(to); ++n)
+    for (int n = 2; context.gate.files().entry(to); ++n)
         to = winpath::join(context.setAsideFolder, place->relative + u'.' + QString::number(n));
     if (Result kept = context.actions.keep(from, to); !kept)
         return kept;
@@ -50,7 +40,7 @@ ResultOf<Release> releaseBelow(const ReleaseContext& context,
     if (kept && !kept->keptFile.isEmpty()) {
         // What the row above keeps is this add-on's version: nobody needs it any more.
         const QString keptPath = context.global.originalsFolder + kept->keptFile;
-        if (const auto info = context.gate.files().info(keptPath)) {
+        if (const auto info = context.gate.files().entry(keptPath)) {
             if (!check.xxh3.isEmpty() && kept->hash != check.xxh3) {
                 const ResultOf<QString> aside = setAside(context, keptPath, path);
                 if (!aside)
@@ -127,8 +117,8 @@ bool isRecorded(const Files& files,
 {
     if (check.size < 0)
         return true; // nothing was recorded: whatever lies there counts as it
-    if (now.size != check.size)
-        return false;
+    if (now.link || now.size != check.size)
+        return false; // no link is ever installed
     if (now.modifiedNs == check.modifiedNs)
         return true;
     const ResultOf<Fingerprint> print = fingerprint(files, path);
@@ -157,7 +147,7 @@ ResultOf<Release> release(const ReleaseContext& context,
     }
     const QString keptPath =
         restores ? context.global.originalsFolder + original->keptFile : QString();
-    if (restores && !context.gate.files().exists(keptPath))
+    if (restores && !context.gate.files().entry(keptPath))
         return Result::failure(u"The file that it had replaced is no longer in '"_s + keptPath +
                                u"', so it was left in place."_s);
     if (now && !isRecorded(context.gate.files(), path, *now, check)) {

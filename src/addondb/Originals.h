@@ -68,7 +68,7 @@ struct ReleaseContext
 
 /// Decides what becomes of the file of \a detail and gives the actions their work. \a check is what
 /// was recorded when it was installed (size -1: nothing), \a original what it had replaced, \a now
-/// the file that lies there (nothing: it is gone already).
+/// the entry that lies there, a link as itself (nothing: it is gone already).
 [[nodiscard]] ResultOf<Release> release(const ReleaseContext& context,
                                         const DetailRecord& detail,
                                         const Fingerprint& check,
@@ -76,7 +76,7 @@ struct ReleaseContext
                                         const QList<DetailRecord>& sharers,
                                         const std::optional<FileInfo>& now);
 
-/// Whether the file that lies there is the recorded one: by size and time, by hash where only the
+/// Whether the entry that lies there is the recorded file: by size and time, by hash where only the
 /// time differs.
 [[nodiscard]] bool
 isRecorded(const Files& files, const QString& path, const FileInfo& now, const Fingerprint& check);

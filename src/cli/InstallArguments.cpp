@@ -77,6 +77,7 @@ ResultOf<InstallOptions> installOptionsOf(World& world, const Arguments& argumen
     }
     out.to = arguments.value(u"--to"_s) == u"cabinet" ? InstallTo::Cabinet : InstallTo::Simulator;
     out.replace = policyOf(arguments.value(u"--replace"_s), world.options().answer);
+    out.linksConfirmed = world.options().answer == u"yes";
     out.skip = arguments.values(u"--skip"_s);
     for (const QString& choice : arguments.values(u"--target"_s)) {
         const qsizetype cut = choice.lastIndexOf(u'=');

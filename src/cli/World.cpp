@@ -17,6 +17,7 @@
 #include "platform/WineRegistry.h"
 #include "shell/CRegistry_Manipulation.h"
 #include "shell/ErrorLog.h"
+#include "shell/OuterLinks.h"
 #include "shell/Results.h"
 #include "shell/Settings.h"
 #include "shell/startup/Preparation.h"
@@ -65,6 +66,7 @@ QString kindName(ErrorKind kind)
         return u"usage"_s;
     case ErrorKind::Surroundings:
     case ErrorKind::DiskFull:
+    case ErrorKind::DiskFailed:
         return u"surroundings"_s;
     case ErrorKind::Declined:
         return u"declined"_s;
@@ -82,6 +84,7 @@ int exitOf(ErrorKind kind)
         return WrongUsage;
     case ErrorKind::Surroundings:
     case ErrorKind::DiskFull:
+    case ErrorKind::DiskFailed:
         return NotFit;
     case ErrorKind::Declined:
         return Declined;
@@ -238,6 +241,7 @@ void World::Parts::buildContext()
     errors = std::make_unique<ErrorLog>(*services, global);
     context = std::unique_ptr<Context>(new Context{*services, global, *settings, *errors});
     settings->Registry_LoadSettings();
+    outerlinks::attach(*gate, *settings);
 }
 
 /// A search without questions is repeated with them once they are allowed.
@@ -289,6 +293,12 @@ Result World::Parts::finishInterrupted()
     if (const Result simulator = locate(false); !simulator)
         return unfit(u"An interrupted "_s + operationWord(unfinished->first().kind) + u" of '"_s +
                      unfinished->first().label + u"' cannot be finished. "_s + simulator.text);
+    QStringList folders;
+    for (const JournalOperation& operation : *unfinished) {
+        if (const ResultOf<QList<JournalStep>> steps = journal.steps(operation.id))
+            folders += foldersOf(*gate, *steps);
+    }
+    (void)outerlinks::confirm(*context, folders); // work behind one that stays closed waits
     ResultOf<QList<Recovery>> done = recover(journal, *gate);
     if (!done)
         return unfit(done.text);

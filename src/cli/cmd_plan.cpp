@@ -35,7 +35,19 @@ QString sourceWord(const AddonSource& source)
     return sourceTypeWord(source.type());
 }
 
-void writeItem(JsonStream& out, const CAddon_Item& item, const CAddonInstallationDetails& details)
+/// Whether the installation will place the item, by what is known beforehand.
+bool isInstalled(const CAddon_Item& item,
+                 const CAddonInstallationDetails& details,
+                 const QSet<QString>& closed)
+{
+    return details.willBeInstalled(item) &&
+           (closed.isEmpty() || !closed.contains(item.sFolder_Installation));
+}
+
+void writeItem(JsonStream& out,
+               const CAddon_Item& item,
+               const CAddonInstallationDetails& details,
+               const QSet<QString>& closed)
 {
     const QString archive = item.GetAssociatedZipFileItemDetails(details.addon()).name;
     out.beginObject();
@@ -48,7 +60,7 @@ void writeItem(JsonStream& out, const CAddon_Item& item, const CAddonInstallatio
     out.field(u"families", familyNames(familiesOf(item.enumAddonFileType)));
     out.field(u"group", mappedGroupName(item.enumMappedGroup));
     out.field(u"size", item.size);
-    out.field(u"install", details.willBeInstalled(item));
+    out.field(u"install", isInstalled(item, details, closed));
     out.field(u"targetFolder", item.sFolder_Installation);
     out.field(u"targetName", item.sName_Installation);
     out.field(u"exists", item.boolTargetExists);
@@ -127,8 +139,9 @@ void writePlan(JsonStream& out, const CAddonInstallationDetails& details, const 
     out.field(u"files", details.source().files());
     out.endObject();
     out.beginArray(u"items");
+    const QSet<QString> closed = details.closedFolders();
     for (const CAddon_Item& item : addon.colAddonItems())
-        writeItem(out, item, details);
+        writeItem(out, item, details, closed);
     out.endArray();
     writeDecisions(out, details, facts);
     writeProblems(out, details, facts.problems);
@@ -139,9 +152,11 @@ void writePlan(JsonStream& out, const CAddonInstallationDetails& details, const 
 }
 
 /// "C:\...\Effects\fx_a.fx  (replaces the existing file)" and its like.
-QString targetLine(const CAddon_Item& item, const CAddonInstallationDetails& details)
+QString targetLine(const CAddon_Item& item,
+                   const CAddonInstallationDetails& details,
+                   const QSet<QString>& closed)
 {
-    if (!details.willBeInstalled(item))
+    if (!isInstalled(item, details, closed))
         return plantext::doNotInstall();
     if (item.sFolder_Installation.isEmpty())
         return plantext::notSelected();
@@ -153,9 +168,10 @@ void sayPlan(World& world, const CAddonInstallationDetails& details, const PlanF
 {
     const CAddon_ItemGroup& addon = details.addon();
     world.say(u"Add-on: "_s + addon.sGroupName);
+    const QSet<QString> closed = details.closedFolders();
     for (const CAddon_Item& item : addon.colAddonItems())
         world.say(u"  "_s + item.sFolder_Current + item.sName + u" -> "_s +
-                  targetLine(item, details));
+                  targetLine(item, details, closed));
     for (const SceneryAreaToAdd& area : facts.sceneryAreas())
         world.say(u"New scenery area '"_s + area.title + u"': "_s + area.folder);
     for (const PlannedVariant& variant : details.variants())

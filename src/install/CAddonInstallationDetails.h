@@ -11,6 +11,7 @@
 #include "simconfig/engine/LineArray.h"
 
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -143,14 +144,18 @@ public:
     /// Whether the replace policy leaves the existing file at this item's target alone. A policy
     /// that asks counts as leave to replace.
     [[nodiscard]] bool existingIsKept(const CAddon_Item& item) const;
-    /// Marked, can be extracted, and nothing that is kept stands at its target.
+    /// Installation folders behind links that lead out of their root (or nowhere) and that are not
+    /// to be used, by the answers given so far.
+    [[nodiscard]] QSet<QString> closedFolders() const;
+    /// Marked, can be extracted, and nothing that is kept stands at its target. Whether a link on
+    /// the way there may be used is not asked here.
     [[nodiscard]] bool willBeInstalled(const CAddon_Item& item) const;
     /// Bytes of all items that will be installed.
     [[nodiscard]] qint64 bytesNeeded() const;
     /// Free bytes on the target drive; -1 when it cannot be told.
     [[nodiscard]] qint64 bytesFree() const;
 
-    /// One sentence when the add-on does not fit on the disk; else empty.
+    /// One sentence when the add-on does not fit on the disk, or on one of the disks; else empty.
     [[nodiscard]] QString spaceProblem() const;
 
     /// Whether the add-on holds files of that kind; categories that no file type sets come from it.
@@ -247,6 +252,9 @@ private:
     [[nodiscard]] Result validateFolders(MappedGroup family) const;
     [[nodiscard]] bool usableFolder(const QString& folder) const;
     [[nodiscard]] bool anyMarked(const InstallationGroup& group) const;
+    /// The first item in each installation folder that anything is installed into.
+    [[nodiscard]] QList<const CAddon_Item*> firstInFolders() const;
+    void addLinkProblems(QList<PlanProblem>& out) const;
     [[nodiscard]] QStringList areaFolders(const InstallationGroup& group) const;
     [[nodiscard]] LibraryChanges libraryChanges() const;
     void addTextureProblems(QList<PlanProblem>& out) const;

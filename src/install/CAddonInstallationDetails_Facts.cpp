@@ -1,11 +1,14 @@
 // What a plan tells beyond the items: space, areas, configuration changes, variations.
 #include "install/CAddonInstallationDetails.h"
 #include "install/CDriveFreeSpace.h"
+#include "platform/DiskSpace.h"
+#include "platform/Gate.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "shell/Settings.h"
 #include "simconfig/CSceneryCfgMgr.h"
 
+#include <QMap>
 #include <QSet>
 
 #include <algorithm>
@@ -74,14 +77,71 @@ qint64 CAddonInstallationDetails::bytesFree() const
     return space.Compute();
 }
 
+QList<const CAddon_Item*> CAddonInstallationDetails::firstInFolders() const
+{
+    QList<const CAddon_Item*> out;
+    QSet<QString> seen;
+    const CAddon_Item* last = nullptr;
+    for (const CAddon_Item& item : m_addon->colAddonItems()) {
+        const QString& folder = item.sFolder_Installation;
+        // Neighbours share their folder's text.
+        if (!item.boolProcess || folder.isEmpty() ||
+            (last && last->sFolder_Installation.constData() == folder.constData()))
+            continue;
+        last = &item;
+        if (!seen.contains(folder)) {
+            seen.insert(folder);
+            out.push_back(&item);
+        }
+    }
+    return out;
+}
+
+QSet<QString> CAddonInstallationDetails::closedFolders() const
+{
+    QSet<QString> out;
+    for (const CAddon_Item* item : firstInFolders()) {
+        const auto link = m_context.services.gate.outerLink(item->sFolder_Installation);
+        if (link && (link->target.isEmpty() || !m_options.linksConfirmed))
+            out.insert(item->sFolder_Installation);
+    }
+    return out;
+}
+
 QString CAddonInstallationDetails::spaceProblem() const
 {
-    const qint64 needed = bytesNeeded();
-    const qint64 available = bytesFree();
-    if (available < 0 || needed <= available)
-        return {};
-    return u"'"_s + m_addon->sGroupName + u"' needs "_s + sizeText(needed) + u", but only "_s +
-           sizeText(available) + u" are free on the disk. Make room and try again."_s;
+    // The simulator's folder may lie on several disks, by links.
+    const Files& files = m_context.services.files;
+    QHash<QString, quint64> diskOf;
+    for (const CAddon_Item* item : firstInFolders())
+        diskOf.insert(item->sFolder_Installation,
+                      fileSystemOf(files, item->sFolder_Installation).value_or(0));
+
+    struct Disk
+    {
+        qint64 needed = 0;
+        QString folder;
+    };
+
+    QMap<quint64, Disk> disks;
+    for (const CAddon_Item& item : m_addon->colAddonItems()) {
+        if (item.sFolder_Installation.isEmpty() || !willBeInstalled(item))
+            continue;
+        Disk& disk = disks[diskOf.value(item.sFolder_Installation)];
+        disk.needed += item.size;
+        if (disk.folder.isEmpty())
+            disk.folder = item.sFolder_Installation;
+    }
+    for (const Disk& disk : std::as_const(disks)) {
+        CDriveFreeSpace space(files);
+        space.sDrive = disk.folder;
+        const qint64 available = space.Compute();
+        if (available >= 0 && disk.needed > available)
+            return u"'"_s + m_addon->sGroupName + u"' needs "_s + sizeText(disk.needed) +
+                   u", but only "_s + sizeText(available) +
+                   u" are free on the disk. Make room and try again."_s;
+    }
+    return {};
 }
 
 QString CAddonInstallationDetails::lonePartFolder(MappedGroup family) const
@@ -141,6 +201,7 @@ LibraryChanges CAddonInstallationDetails::libraryChanges() const
         return out;
     const std::vector<InstallationGroup>& sceneries = groups(MappedGroup::Scenery);
     QSet<NoCase> taken;
+    const QSet<QString> closed = closedFolders();
     for (size_t i = 0; i < sceneries.size(); ++i) {
         if (!sceneries[i].sceneryLibraryUpdate)
             continue;
@@ -148,7 +209,12 @@ LibraryChanges CAddonInstallationDetails::libraryChanges() const
             if (taken.contains(NoCase{folder}))
                 continue;
             taken.insert(NoCase{folder});
-            out.areas.append({sceneries[i].sceneryTitle, folder, int(i), {}});
+            const bool open =
+                std::none_of(closed.cbegin(), closed.cend(), [&](const QString& behind) {
+                    return winpath::isBelow(behind, folder);
+                });
+            if (open)
+                out.areas.append({sceneries[i].sceneryTitle, folder, int(i), {}});
         }
     }
     if (out.areas.isEmpty())

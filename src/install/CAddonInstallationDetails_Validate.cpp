@@ -252,6 +252,26 @@ void CAddonInstallationDetails::addFolderProblems(QList<PlanProblem>& out) const
     }
 }
 
+void CAddonInstallationDetails::addLinkProblems(QList<PlanProblem>& out) const
+{
+    QStringList told;
+    for (const CAddon_Item* item : firstInFolders()) {
+        const auto link = m_context.services.gate.outerLink(item->sFolder_Installation);
+        if (!link || told.contains(link->link))
+            continue;
+        told.append(link->link);
+        const QString name = u"'"_s + link->link + u"' is a link that leads "_s;
+        out.append(
+            {item->lngKey,
+             link->target.isEmpty()
+                 ? QString(name + u"nowhere at present; the files behind it cannot be installed."_s)
+                 : QString(
+                       name + u"out of the simulator's folder, to '"_s + link->target +
+                       u"'. The installation asks once whether it may be used; without a Yes the files behind it are not installed."_s),
+             false});
+    }
+}
+
 PlanFacts CAddonInstallationDetails::facts() const
 {
     PlanFacts facts;
@@ -283,6 +303,7 @@ PlanFacts CAddonInstallationDetails::facts() const
             {0,
              u"The add-on cannot be put into the File Cabinet yet; install it to the simulator."_s,
              true});
+    addLinkProblems(out);
     if (const QString space = spaceProblem(); !space.isEmpty())
         out.append({0, space, true});
     if (!AddonItemGroup_IsAnythingMarkedForInstall())

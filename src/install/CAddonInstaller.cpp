@@ -101,9 +101,15 @@ Result CAddonInstaller::Install_Preliminaries()
     status(u"Installing addon..."_s);
     if (const QString space = m_details.spaceProblem(); !space.isEmpty())
         return Result::failure(space, ErrorKind::Surroundings);
-    const PlanFacts facts = m_details.facts();
+    PlanFacts facts = m_details.facts();
+    if (Result fit = facts.installable(m_details.addon()); !fit)
+        return fit;
+    const bool anyClosed = !m_details.closedFolders().isEmpty();
+    confirmLinks();
+    if (anyClosed)
+        facts = m_details.facts(); // areas behind links that are open now
     m_wantedAreas = facts.library.areas;
-    return facts.installable(m_details.addon());
+    return Result::success();
 }
 
 Result CAddonInstaller::AddonDatabase_Open()
@@ -238,7 +244,13 @@ void CAddonInstaller::Install_End()
 {
     m_context.global.currentProcedure = u"Private Sub Install_End"_s;
     status(u"Cleaning up..."_s);
-    m_actions.reset(); // takes back what was staged and not applied
+    const Result undone = m_actions ? m_actions->abandon() : Result::success();
+    if (!undone) {
+        m_failure.text += u' ' + undone.text;
+        m_results.add(resultgroup::failedSpecialActions, undone.text);
+        m_context.errors.report(u"Private Sub Install_End"_s, undone.text);
+    }
+    m_actions.reset();
     const TempFolder temporary(m_context.services.gate, m_context.global.tempFolder);
     for (const QString& folder : {m_context.global.tempInaFolder, m_context.global.tempIfoFolder}) {
         if (m_context.services.files.isFolder(folder))

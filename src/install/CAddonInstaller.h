@@ -122,8 +122,9 @@ private:
 
     // Parts of InstallFiles.
     Result AddonAndCabinetFolders_Create();
+    void confirmLinks();
     void decideAll();
-    [[nodiscard]] bool decide(File& file, const FileInfo& existing);
+    [[nodiscard]] bool decide(File& file, const FileInfo& entry);
     [[nodiscard]] InstallCode askReplace(const File& file, const FileInfo& existing, LogLines& log);
     Result stageAll();
     void InstallFiles_Initialize(const File& file);
@@ -146,6 +147,7 @@ private:
     Result recordAreas(const QList<DetailRecord>& details);
     void applyFailures(const QList<StepFailure>& failures);
     [[nodiscard]] Result nothingInstalled() const;
+    void dropNeedlessOriginals();
     void tellFiles();
 
     void status(const QString& text);
@@ -171,6 +173,7 @@ private:
     QList<AddedArea> m_areas;
     QList<ConfigBaseRecord> m_configBases;
     QString m_movieToPlay;
+    QList<OuterLink> m_closedLinks; ///< nothing is written behind them
     bool m_cancelled = false;
     bool m_replaceAll = false;
     bool m_replaceNone = false;

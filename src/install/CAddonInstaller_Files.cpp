@@ -4,6 +4,7 @@
 #include "platform/Hash.h"
 #include "platform/WinPath.h"
 #include "shell/ErrorLog.h"
+#include "shell/OuterLinks.h"
 #include "shell/Settings.h"
 #include "simconfig/engine/ConfigNormalizer.h"
 
@@ -107,6 +108,24 @@ Result CAddonInstaller::AddonAndCabinetFolders_Create()
     return Result::success();
 }
 
+/// Before the questions about single files: a link that stays closed answers for all behind it.
+void CAddonInstaller::confirmLinks()
+{
+    QStringList folders = {m_details.storageFolder(),
+                           m_context.global.originalsFolder,
+                           m_context.global.cabinetFolder};
+    for (const CAddon_Item& item : m_details.addon().colAddonItems()) {
+        if (item.boolProcess && item.sFolder_Installation != folders.last())
+            folders.push_back(item.sFolder_Installation);
+    }
+    m_closedLinks = outerlinks::confirm(m_context, folders);
+    for (const OuterLink& link : std::as_const(m_closedLinks)) {
+        const QString text = outerlinks::closedText(link);
+        m_results.add(resultgroup::failedSpecialActions, text);
+        m_log.line(QString(u"   "_s + text));
+    }
+}
+
 void CAddonInstaller::decideAll()
 {
     const Files& files = m_context.services.files;
@@ -114,6 +133,7 @@ void CAddonInstaller::decideAll()
     m_files.reserve(addon.colAddonItems().size());
     QString folder;
     bool folderExists = false;
+    std::optional<OuterLink> closed;
     for (const CAddon_Item& item : addon.colAddonItems()) {
         if (!item.boolProcess)
             continue;
@@ -124,8 +144,15 @@ void CAddonInstaller::decideAll()
         if (item.sFolder_Installation != folder) {
             folder = item.sFolder_Installation;
             folderExists = files.isFolder(folder);
+            if (!m_closedLinks.isEmpty())
+                closed = m_context.services.gate.outerLink(folder);
         }
-        const auto existing = folderExists ? files.info(targetOf(item)) : std::nullopt;
+        if (closed) {
+            file.code = closed->target.isEmpty() ? InstallCode::Error : InstallCode::ClientDeclined;
+            m_files.push_back(std::move(file));
+            continue;
+        }
+        const auto existing = folderExists ? files.entry(targetOf(item)) : std::nullopt;
         if (existing && !decide(file, *existing)) {
             m_cancelled = true;
             return;
@@ -134,13 +161,15 @@ void CAddonInstaller::decideAll()
     }
 }
 
-bool CAddonInstaller::decide(File& file, const FileInfo& existing)
+bool CAddonInstaller::decide(File& file, const FileInfo& entry)
 {
     LogLines log;
     const CAddon_Item& item = *file.item;
     file.exists = true;
-    file.before.size = existing.size;
-    file.before.modifiedNs = existing.modifiedNs;
+    file.before = printOf(entry);
+    // Of a link the user knows what it leads to.
+    const FileInfo existing =
+        entry.link ? m_context.services.files.info(targetOf(item)).value_or(entry) : entry;
     log.line(u"   File already exists.");
     if (item.size == existing.size) {
         log.line(u"   Sizes are the same.");
@@ -240,6 +269,8 @@ Result CAddonInstaller::stageAll()
             return Result::failure(installed.text +
                                        u" Nothing was installed; make room and try again."_s,
                                    ErrorKind::Surroundings);
+        if (!installed && installed.kind == ErrorKind::DiskFailed)
+            return Result::failure(installed.text + u" Nothing was installed."_s, installed.kind);
     }
     sink.progress(qint64(m_files.size()), qint64(m_files.size()));
     return Result::success();
@@ -311,7 +342,7 @@ Result CAddonInstaller::InstallFile(File& file)
         m_log.raw(file.decisions);
     if (file.code == InstallCode::NotExtracted)
         return m_details.source().readable(item);
-    if (file.code == InstallCode::Error)
+    if (file.code == InstallCode::Error && file.exists)
         return Result::failure(u"'"_s + target +
                                u"' could not be written: a folder of that name lies there."_s);
     if (file.code != InstallCode::Installed)
@@ -334,9 +365,11 @@ Result CAddonInstaller::InstallFile(File& file)
         m_log.line(QString(u"      Creating destination folder "_s + item.sFolder_Installation));
     const ResultOf<Fingerprint> placed = m_actions->placeOver(target, *content, file.before);
     if (!placed) {
-        if (file.exists) // what was kept for it is not needed
-            (void)m_context.services.actions.remove(m_context.global.originalsFolder +
-                                                    m_originals.takeLast().keptFile);
+        if (file.exists) { // what was kept for it is not needed; it goes with the other changes
+            const QString kept = m_context.global.originalsFolder + m_originals.takeLast().keptFile;
+            if (Result gone = m_actions->remove(kept); !gone)
+                m_log.line(QString(u"   "_s + gone.text));
+        }
         file.code = sourceFailed ? InstallCode::NotExtracted : InstallCode::Error;
         return placed.error();
     }

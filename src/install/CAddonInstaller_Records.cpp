@@ -4,7 +4,9 @@
 #include "addondb/Closing.h"
 #include "addondb/ConfigBases.h"
 #include "install/CAddonInstaller.h"
+#include "platform/PathIndex.h"
 #include "platform/WinPath.h"
+#include "shell/OuterLinks.h"
 #include "shell/RunStep.h"
 #include "simconfig/CSceneryCfgMgr.h"
 
@@ -149,6 +151,9 @@ Result CAddonInstaller::nothingInstalled() const
                                ErrorKind::Declined);
     QString text = u"Nothing was installed: none of the files of '"_s + m_details.source().path() +
                    u"' could be, or was to be, installed."_s;
+    if (!m_closedLinks.isEmpty())
+        return Result::failure(text + u' ' + outerlinks::closedText(m_closedLinks.first()),
+                               ErrorKind::Declined);
     if (const QString why = cause(); !why.isEmpty())
         text += u' ' + why;
     return Result::failure(text);
@@ -171,6 +176,8 @@ Result CAddonInstaller::Changes_Apply()
     if (!applied)
         return applied.error();
     applyFailures(*applied);
+    if (m_actions->closingFailure().isEmpty())
+        dropNeedlessOriginals();
     tellFiles();
     m_results.append(std::move(m_libraryResults));
     if (!m_actions->closingFailure().isEmpty())
@@ -260,18 +267,35 @@ Result CAddonInstaller::recordAreas(const QList<DetailRecord>& details)
 
 void CAddonInstaller::applyFailures(const QList<StepFailure>& failures)
 {
+    if (failures.isEmpty())
+        return;
+    PathIndex failed;
     for (const StepFailure& failure : failures) {
         const QString why = u"'"_s + failure.path + u"': "_s + failure.text;
         m_context.errors.report(u"Private Sub Changes_Apply"_s, why);
-        for (File& file : m_files) {
-            if (file.code != InstallCode::Installed ||
-                !winpath::isBelow(targetOf(*file.item), failure.path))
-                continue;
-            file.code = InstallCode::Error;
-            file.cause = why;
-        }
+        failed.insert(failure.path, why);
         if (winpath::same(failure.path, m_context.global.sceneryCfgFile))
             tellLibraryFailure(failure.text);
+    }
+    for (File& file : m_files) {
+        if (file.code != InstallCode::Installed)
+            continue;
+        if (const QString* why = failed.find(targetOf(*file.item))) {
+            file.code = InstallCode::Error;
+            file.cause = *why;
+        }
+    }
+}
+
+/// What was kept of files that were not replaced after all; the records know nothing of it.
+void CAddonInstaller::dropNeedlessOriginals()
+{
+    for (const OriginalRecord& original : std::as_const(m_originals)) {
+        if (m_files[size_t(original.detailKey)].code == InstallCode::Installed)
+            continue;
+        const QString kept = m_context.global.originalsFolder + original.keptFile;
+        if (Result gone = m_context.services.actions.remove(kept); !gone)
+            m_results.add(resultgroup::failedSpecialActions, gone.text);
     }
 }
 

@@ -46,6 +46,9 @@ struct InstallOptions
     /// The question whether a read-only Scenery.cfg may be updated will be answered with Yes; only
     /// a plan asks this, so that it tells what will happen.
     bool updateReadOnlyLibrary = false;
+    /// Questions about links that lead out of the simulator's folder will be answered with Yes; for
+    /// what a plan tells.
+    bool linksConfirmed = false;
     QString archiveSourceFolder; ///< the source archive goes there afterwards; empty: stays
     bool deleteSource = false;
     /// Ask before the source is moved or deleted; off where naming the option was the confirmation.

@@ -67,12 +67,11 @@ ResultOf<Fingerprint> DirectActions::place(const QString& path, const Content& c
     const QByteArray temporary =
         "~vtd" + QByteArray::number(getpid()) + '-' + QByteArray::number(++m_counter) + ".tmp";
     unlinkat(folder.get(), temporary.constData(), 0); // left by a dead process of the same number
+    unsigned mode = exists && S_ISREG(st.st_mode) ? st.st_mode & 0777 : 0644;
+    if (content.writable)
+        mode |= 0200;
     ResultOf<Fingerprint> print =
-        hostfile::create(folder.get(),
-                         temporary,
-                         content,
-                         m_sync == Sync::Each,
-                         exists && S_ISREG(st.st_mode) ? st.st_mode & 0777 : 0644);
+        hostfile::create(folder.get(), temporary, content, m_sync == Sync::Each, mode);
     if (!print)
         return Result::failure(
             hostfile::withCause(u"'"_s + path + u"' could not be written"_s, print.text),
@@ -83,9 +82,13 @@ ResultOf<Fingerprint> DirectActions::place(const QString& path, const Content& c
         unlinkat(folder.get(), temporary.constData(), 0);
         return refused(path, u"written"_s, error);
     }
-    if (m_sync == Sync::Each)
-        fsync(folder.get());
     m_gate.files().noteChanged(path);
+    if (m_sync == Sync::Each) {
+        const int fault = m_gate.fault("sync folder", folderHost);
+        if (const Result synced = hostfile::syncFolder(folder.get(), fault); !synced)
+            return Result::failure(u"'"_s + path + u"' was written, but "_s + synced.text,
+                                   synced.kind);
+    }
     return print;
 }
 
@@ -99,7 +102,8 @@ Result DirectActions::keep(const QString& from, const QString& to)
         return target.error();
     if (const int error = m_gate.fault("keep", *target))
         return refused(from, u"kept"_s, error);
-    const Result kept = hostfile::linkOrCopy(source, *target);
+    const Result kept = hostfile::linkOrCopy(
+        source, *target, hostfile::Links::Follow, true, m_gate.fault("link", *target));
     m_gate.files().noteChanged(to);
     return kept ? kept
                 : Result::failure(

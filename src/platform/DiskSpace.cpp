@@ -48,14 +48,13 @@ ResultOf<qint64> freeBytes(const Files& files, QStringView path)
     return qint64(status.f_bavail) * qint64(status.f_frsize);
 }
 
-bool sameFileSystem(const Files& files, QStringView a, QStringView b)
+std::optional<quint64> fileSystemOf(const Files& files, QStringView path)
 {
-    const QByteArray hostA = nearestExisting(files, a);
-    const QByteArray hostB = nearestExisting(files, b);
-    struct stat statusA = {};
-    struct stat statusB = {};
-    return !hostA.isEmpty() && !hostB.isEmpty() && stat(hostA.constData(), &statusA) == 0 &&
-           stat(hostB.constData(), &statusB) == 0 && statusA.st_dev == statusB.st_dev;
+    const QByteArray host = nearestExisting(files, path);
+    struct stat status = {};
+    if (host.isEmpty() || stat(host.constData(), &status) != 0)
+        return std::nullopt;
+    return status.st_dev;
 }
 
 } // namespace vt

@@ -5,6 +5,8 @@
 
 #include <QStringView>
 
+#include <optional>
+
 namespace vt {
 
 class Files;
@@ -13,8 +15,8 @@ class Files;
 /// does.
 [[nodiscard]] ResultOf<qint64> freeBytes(const Files& files, QStringView path);
 
-/// Whether both paths (or their nearest existing parents) lie on one file system, so that hard
-/// links and renames between them work. False when that cannot be told.
-[[nodiscard]] bool sameFileSystem(const Files& files, QStringView a, QStringView b);
+/// A number of the file system that \a path, or its nearest existing parent, lies on: hard links
+/// and renames work where it is the same. Nothing when that cannot be told.
+[[nodiscard]] std::optional<quint64> fileSystemOf(const Files& files, QStringView path);
 
 } // namespace vt

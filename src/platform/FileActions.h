@@ -12,6 +12,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 namespace vt {
 
@@ -23,13 +24,16 @@ struct Content
 
     qint64 size = -1;       ///< expected bytes, -1 when unknown; more or fewer is a failure
     qint64 modifiedNs = -1; ///< time given to the new file, -1 for now
+    int mode = -1;          ///< exact permissions, -1: those of a file that it replaces
+    bool writable = false;  ///< the new file may be written even if the old one was read-only
     /// Hands every byte to the sink in order; its failure is the placing's failure.
     std::function<Result(const Sink&)> transfer;
 
     [[nodiscard]] static Content ofBytes(QByteArray bytes);
 };
 
-/// What identifies a file's content; taken while it is written.
+/// What identifies a file's content; taken while it is written. Of a link: its own size and time,
+/// and the hash of where it leads.
 struct Fingerprint
 {
     qint64 size = -1;
@@ -38,6 +42,12 @@ struct Fingerprint
 
     friend bool operator==(const Fingerprint&, const Fingerprint&) = default;
 };
+
+/// Of an entry as it lies there, without a hash; size -1 for nothing.
+[[nodiscard]] inline Fingerprint printOf(const std::optional<FileInfo>& entry)
+{
+    return entry ? Fingerprint{entry->size, entry->modifiedNs, {}} : Fingerprint{};
+}
 
 class FileActions
 {
@@ -49,12 +59,13 @@ public:
     [[nodiscard]] virtual std::optional<FileInfo> info(const QString& path) = 0;
 
     /// The whole file becomes \a bytes (made when missing, missing folders too). An existing file
-    /// keeps its spelling and permissions. On failure the old file stands untouched.
+    /// keeps its spelling and permissions; a link is replaced, never followed. On failure the old
+    /// file stands untouched (but for a disk that does not confirm its renaming, which is told).
     virtual Result replace(const QString& path, const QByteArray& bytes) = 0;
     /// A new file (or one that takes the place of an old one), streamed.
     virtual ResultOf<Fingerprint> place(const QString& path, const Content& content) = 0;
     /// A second standing copy of an existing file: a hard link where possible, else a copy with the
-    /// same time. Fails when \a to exists.
+    /// same times and permissions. Fails when \a to exists.
     virtual Result keep(const QString& from, const QString& to) = 0;
     /// As \a from is now, over \a to if that exists; always a file of its own.
     virtual Result copy(const QString& from, const QString& to) = 0;

@@ -41,12 +41,19 @@ FileTransaction::FileTransaction(Gate& gate, Journal& journal) : m_gate(gate), m
 
 FileTransaction::~FileTransaction()
 {
-    abandon();
+    (void)abandon(); // who wants to tell calls it himself
 }
 
 Result FileTransaction::begin(OperationKind kind, const QString& label)
 {
     Q_ASSERT(m_operation == 0);
+    // Its steps would meet what this one does.
+    const ResultOf<QList<JournalOperation>> unfinished = m_journal.unfinished();
+    if (!unfinished)
+        return unfinished.error();
+    if (!unfinished->isEmpty())
+        return Result::failure(u"The work on '"_s + unfinished->first().label +
+                               u"' has not ended yet; it is ended at the next start."_s);
     if (const int error = m_gate.fault("commit", "begin"))
         return Result::failure(hostfile::errorText(error));
     // Recovery must not take another simulator's folder for this one.
@@ -72,7 +79,7 @@ Result FileTransaction::announce(const QStringList& targetFolders, qsizetype exp
         while (!existing.isEmpty() && !m_gate.files().isFolder(existing))
             existing = withoutTrailing(winpath::parent(existing));
         const ResultOf<Place> place = m_gate.place(existing);
-        if (!place || m_told.contains(NoCase{existing}))
+        if (!place || !m_gate.hostFolder(existing) || m_told.contains(NoCase{existing}))
             continue; // what is refused here is refused again, with its text, when it is staged
         m_told.insert(NoCase{existing});
         JournalStep step;
@@ -137,7 +144,7 @@ ResultOf<FileTransaction::Folder> FileTransaction::folderFor(const QString& fold
     if (const auto it = m_folders.constFind(NoCase{folder}); it != m_folders.cend())
         return *it;
     Q_ASSERT(m_operation != 0);
-    const ResultOf<QByteArray> host = m_gate.hostPath(folder);
+    const ResultOf<QByteArray> host = m_gate.hostFolder(folder);
     if (!host)
         return host.error();
 
@@ -247,18 +254,22 @@ Result FileTransaction::replace(const QString& path, const QByteArray& bytes)
 
 ResultOf<Fingerprint> FileTransaction::place(const QString& path, const Content& content)
 {
-    Fingerprint before = absent();
-    if (const auto now = m_gate.files().info(path)) {
-        if (now->folder)
-            return refused(path, "written", EISDIR);
-        before.size = now->size;
-        before.modifiedNs = now->modifiedNs;
-    }
-    return placeOver(path, content, before);
+    const auto now = m_gate.files().entry(path);
+    if (now && now->folder)
+        return refused(path, "written", EISDIR);
+    return placeOver(path, content, printOf(now));
 }
 
 ResultOf<Fingerprint>
 FileTransaction::placeOver(const QString& path, const Content& content, const Fingerprint& before)
+{
+    return stage(path, before, [&](int folder, const QByteArray& name, unsigned mode) {
+        return hostfile::create(folder, name, content, m_syncEach, mode);
+    });
+}
+
+ResultOf<Fingerprint>
+FileTransaction::stage(const QString& path, const Fingerprint& before, const Write& write)
 {
     const qsizetype cut = path.lastIndexOf(u'\\');
     QString name = path.sliced(cut + 1);
@@ -285,7 +296,7 @@ FileTransaction::placeOver(const QString& path, const Content& content, const Fi
         {};
 
         if (before.size >= 0) {
-            if (const auto now = m_gate.files().info(path)) {
+            if (const auto now = m_gate.files().entry(path)) {
                 name = now->name;
                 if (fstatat(folder->fd->get(), name.toUtf8().constData(), &st, 0) == 0)
                     mode = st.st_mode & 0777;
@@ -305,9 +316,15 @@ FileTransaction::placeOver(const QString& path, const Content& content, const Fi
         m_steps[step].kind = StepKind::PlaceFile;
         m_steps[step].stagedName = stagedName;
     }
-    const ResultOf<Fingerprint> print =
-        hostfile::create(folder->fd->get(), stagedName.toUtf8(), content, m_syncEach, mode | 0200);
+    ResultOf<Fingerprint> print = write(folder->fd->get(), stagedName.toUtf8(), mode | 0200);
+    const int fault = print && m_syncEach ? m_gate.fault("sync", folder->host) : 0;
+    if (fault != 0) {
+        unlinkat(folder->fd->get(), stagedName.toUtf8().constData(), 0);
+        print = hostfile::notSynced(fault);
+    }
     if (!print) {
+        if (print.kind == ErrorKind::DiskFailed)
+            m_syncFailure = print.error();
         if (step >= 0)
             m_steps[step].target.root = RootId::None;
         m_pending.remove(NoCase{path});
@@ -343,11 +360,18 @@ Result FileTransaction::keep(const QString& from, const QString& to)
     if (const int error = m_gate.fault("keep", target))
         return refused(from, "kept", error);
     m_stagedAny = true;
-    const Result kept = hostfile::linkOrCopy(m_gate.files().hostPath(from), target);
-    return kept ? kept
-                : Result::failure(
-                      hostfile::withCause(u"'"_s + from + u"' could not be kept"_s, kept.text),
-                      kept.kind);
+    const Result kept = hostfile::linkOrCopy(m_gate.files().hostPath(from),
+                                             target,
+                                             hostfile::Links::Keep,
+                                             m_syncEach,
+                                             m_gate.fault("link", target));
+    if (kept)
+        return kept;
+    const Result failed = Result::failure(
+        hostfile::withCause(u"'"_s + from + u"' could not be kept"_s, kept.text), kept.kind);
+    if (failed.kind == ErrorKind::DiskFailed)
+        m_syncFailure = failed;
+    return failed;
 }
 
 Result
@@ -365,12 +389,20 @@ FileTransaction::openKeptFolder(const QString& from, const QString& to, const QS
         return target.error();
     Folder entry;
     entry.host = target->first(target->lastIndexOf('/'));
-    const auto syncAbove = [](const QByteArray& made) {
-        hostfile::syncFolder(made.first(qMax<qsizetype>(made.lastIndexOf('/'), 1)));
+    Result synced = Result::success();
+    const auto syncAbove = [&](const QByteArray& made) {
+        const QByteArray above = made.first(qMax<qsizetype>(made.lastIndexOf('/'), 1));
+        if (synced)
+            synced = hostfile::syncFolder(above, m_gate.fault("sync folder", above));
     };
     if (Result made = hostfile::makeFolders(entry.host, syncAbove); !made)
         return Result::failure(u"The folder '"_s + folder + u"' could not be made: "_s + made.text,
                                made.kind);
+    if (!synced) {
+        m_syncFailure = Result::failure(
+            u"The folder '"_s + folder + u"' could not be made: "_s + synced.text, synced.kind);
+        return m_syncFailure;
+    }
     m_gate.files().noteChanged(folder);
     entry.fd = std::make_shared<hostfile::Descriptor>(hostfile::openFolder(entry.host));
     if (!entry.fd->valid())
@@ -394,15 +426,10 @@ Result FileTransaction::copy(const QString& from, const QString& to)
 
 Result FileTransaction::remove(const QString& path)
 {
-    const auto now = m_gate.files().info(path);
-    if (!now)
-        return removeKnown(path, absent());
-    if (now->folder)
+    const auto now = m_gate.files().entry(path);
+    if (now && now->folder && !now->link)
         return refused(path, "deleted", EISDIR);
-    Fingerprint before;
-    before.size = now->size;
-    before.modifiedNs = now->modifiedNs;
-    return removeKnown(path, before);
+    return removeKnown(path, printOf(now));
 }
 
 Result FileTransaction::removeKnown(const QString& path, const Fingerprint& before)
@@ -462,13 +489,11 @@ Result FileTransaction::removeEmptyFolder(const QString& folder)
 
 Result FileTransaction::move(const QString& from, const QString& to, const Fingerprint& before)
 {
-    const auto source = m_gate.files().info(from);
-    if (!source || source->folder)
+    const auto source = m_gate.files().entry(from);
+    if (!source || (source->folder && !source->link))
         return refused(from, "moved", ENOENT);
+    const QByteArray sourceHost = m_gate.files().hostPath(from);
     const QString folder = withoutTrailing(winpath::parent(to));
-    Fingerprint moved;
-    moved.size = source->size;
-    moved.modifiedNs = source->modifiedNs;
 
     struct stat a
     {};
@@ -476,13 +501,15 @@ Result FileTransaction::move(const QString& from, const QString& to, const Finge
     struct stat b
     {};
 
-    const bool renames = m_gate.files().isFolder(folder) &&
-                         stat(m_gate.files().hostPath(from).constData(), &a) == 0 &&
+    const bool renames = m_gate.files().isFolder(folder) && m_gate.fault("link", sourceHost) == 0 &&
+                         lstat(sourceHost.constData(), &a) == 0 &&
                          stat(m_gate.files().hostPath(folder).constData(), &b) == 0 &&
                          a.st_dev == b.st_dev;
     if (!renames) {
         const ResultOf<Fingerprint> placed =
-            placeOver(to, hostfile::contentOf(m_gate.files().hostPath(from)), before);
+            stage(to, before, [&](int into, const QByteArray& name, unsigned) {
+                return hostfile::copyTo(into, name, sourceHost, hostfile::Links::Keep, m_syncEach);
+            });
         return placed ? removeOnce(from, to) : placed.error();
     }
     const ResultOf<Place> sourcePlace = m_gate.place(from);
@@ -496,7 +523,14 @@ Result FileTransaction::move(const QString& from, const QString& to, const Finge
     step.target = *target;
     step.source = *sourcePlace;
     step.before = before;
-    step.after = moved;
+    step.after = printOf(source);
+    if (const auto staged = m_pending.constFind(NoCase{to}); staged != m_pending.cend()) {
+        if (staged->fate == Fate::Staged)
+            unlink(hostOf(to, *staged).constData());
+        if (staged->step >= 0)
+            m_steps[staged->step].target.root = RootId::None;
+        m_pending.erase(staged);
+    }
     m_steps.push_back(step);
     return Result::success();
 }
@@ -504,7 +538,7 @@ Result FileTransaction::move(const QString& from, const QString& to, const Finge
 Result FileTransaction::removeOnce(const QString& path, const QString& target)
 {
     const auto staged = m_pending.constFind(NoCase{target});
-    const auto now = m_gate.files().info(path);
+    const auto now = m_gate.files().entry(path);
     if (!now || staged == m_pending.cend() || staged->fate != Fate::Staged)
         return refused(path, "deleted", ENOENT);
     const ResultOf<Place> source = m_gate.place(path);
@@ -517,8 +551,7 @@ Result FileTransaction::removeOnce(const QString& path, const QString& target)
     step.kind = StepKind::RemoveSource;
     step.source = *source;
     step.target = *place;
-    step.before.size = now->size;
-    step.before.modifiedNs = now->modifiedNs;
+    step.before = printOf(now);
     step.after.size = staged->info.size;
     step.after.modifiedNs = staged->info.modifiedNs;
     m_steps.push_back(step);
@@ -558,22 +591,8 @@ ResultOf<QList<StepFailure>> FileTransaction::apply(const QByteArray& closing,
         return a.size() != b.size() ? a.size() < b.size() : a < b;
     });
 
-    if (m_stagedAny) {
-        QSet<dev_t> synced;
-        for (const Folder& folder : std::as_const(m_folders)) {
-            struct stat st
-            {};
-
-            if (m_syncEach) {
-                fsync(folder.fd->get());
-            } else if (fstat(folder.fd->get(), &st) == 0 && !synced.contains(st.st_dev)) {
-                synced.insert(st.st_dev);
-                if (syncfs(folder.fd->get()) != 0)
-                    return Result::failure(u"The new files could not be written to the disk: "_s +
-                                           hostfile::errorText(errno));
-            }
-        }
-    }
+    if (Result synced = syncStaged(); !synced)
+        return Result::failure(synced.text + u" Nothing was changed."_s, synced.kind);
     if (const int error = m_gate.fault("commit", "apply"))
         return Result::failure(hostfile::errorText(error));
     if (Result applied = m_journal.apply(m_operation, steps, closing, records); !applied)
@@ -583,37 +602,57 @@ ResultOf<QList<StepFailure>> FileTransaction::apply(const QByteArray& closing,
     const qint64 operation = std::exchange(m_operation, 0);
     m_folders.clear();
     m_pending.clear();
-    StepRunner runner(m_gate, operation);
-    QList<StepFailure> failures = runner.carryOut(steps);
-    runner.syncFolders();
+    const StepRunner::Completion done = StepRunner(m_gate, operation).complete(m_journal, steps);
     m_gate.files().newOperation();
-    QList<Place> failed;
-    for (const StepFailure& failure : std::as_const(failures)) {
-        if (const ResultOf<Place> place = m_gate.place(failure.path))
-            failed.push_back(*place);
-    }
-    if (!failed.isEmpty())
-        (void)runner.undo(steps);
-    if (const int error = m_gate.fault("commit", "end"))
-        return Result::failure(hostfile::errorText(error));
-    if (Result ended = m_journal.end(operation, failed); !ended)
-        m_closingFailure = u"The files were changed, but their records could not be closed: "_s +
-                           ended.text + u" They are closed at the next start."_s;
-    return failures;
+    if (!done.unfinished.isEmpty())
+        m_closingFailure = u"The files were changed, but the work could not be ended: "_s +
+                           done.unfinished + u" It is ended at the next start."_s;
+    return done.failures;
 }
 
-void FileTransaction::abandon()
+Result FileTransaction::syncStaged()
+{
+    if (!m_stagedAny || !m_syncFailure)
+        return m_syncFailure;
+    QSet<dev_t> seen;
+    for (auto it = m_folders.cbegin(); it != m_folders.cend(); ++it) {
+        const Folder& folder = *it;
+
+        struct stat st
+        {};
+
+        if (!m_syncEach && (fstat(folder.fd->get(), &st) != 0 || seen.contains(st.st_dev)))
+            continue;
+        seen.insert(st.st_dev);
+        const int fault = m_gate.fault("sync folder", folder.host);
+        const Result synced = m_syncEach ? hostfile::syncFolder(folder.fd->get(), fault)
+                                         : hostfile::syncFileSystem(folder.host, fault);
+        if (!synced)
+            return Result::failure(u"What was prepared in '"_s + it.key().text +
+                                       u"' is not safe: "_s + synced.text,
+                                   synced.kind);
+    }
+    return Result::success();
+}
+
+Result FileTransaction::abandon()
 {
     if (m_operation == 0)
-        return;
+        return Result::success();
     m_folders.clear();
     m_pending.clear();
     StepRunner runner(m_gate, m_operation);
-    const QStringList texts = runner.undo(m_undo);
+    const QStringList left = runner.undo(m_undo);
     m_gate.files().newOperation();
-    if (texts.isEmpty())
-        (void)m_journal.forget(m_operation); // else the next start tries again
+    const int fault = m_gate.fault("commit", "forget");
+    Result done = !left.isEmpty() ? Result::failure(left.first())
+                  : fault != 0    ? Result::failure(hostfile::errorText(fault))
+                                  : m_journal.forget(m_operation);
     m_operation = 0;
+    if (!done)
+        done.text = u"What had been prepared could not be taken back: "_s + done.text +
+                    u" It is taken back at the next start."_s;
+    return done;
 }
 
 } // namespace vt

@@ -52,7 +52,8 @@ public:
     /// (size -1: nothing).
     ResultOf<Fingerprint>
     placeOver(const QString& path, const Content& content, const Fingerprint& before);
-    /// Carried out at once: a kept copy harms nobody. \a to must lie in an announced kept folder.
+    /// Carried out at once: a kept copy harms nobody. \a to must lie in an announced kept folder. A
+    /// link is kept as the link that it is.
     Result keep(const QString& from, const QString& to) override;
     Result copy(const QString& from, const QString& to) override;
     Result remove(const QString& path) override;
@@ -60,24 +61,28 @@ public:
     Result removeKnown(const QString& path, const Fingerprint& before);
     Result makeFolder(const QString& folder) override;
     Result removeEmptyFolder(const QString& folder) override;
-    /// \a from becomes \a to, which may exist (\a before: what lies there). By a rename on one file
-    /// system, by a staged copy otherwise.
+    /// \a from becomes \a to, which may exist (\a before: what lies there now), with its times and
+    /// permissions; a link goes as a link. What was staged for \a to before is dropped. By a rename
+    /// on one file system, by a staged copy otherwise.
     Result move(const QString& from, const QString& to, const Fingerprint& before);
 
     /// \a path goes once \a target, which was staged before, is in its place; else it stays.
     Result removeOnce(const QString& path, const QString& target);
 
     /// Syncs, commits (\a records inside the commit), carries out, ends the journal's operation.
-    /// The failures are those of single files; a failed result means that nothing has changed.
+    /// The failures are those of single files (or of a folder with everything in it); a failed
+    /// result means that nothing has changed.
     ResultOf<QList<StepFailure>> apply(const QByteArray& closing,
                                        const std::function<Result()>& records);
 
-    /// Set when apply() brought everything about but could not close the records: they are closed
-    /// at the next start.
+    /// Set when apply() carried out what it could but could not end the operation (the disk does
+    /// not confirm, the records cannot be closed, something staged cannot be deleted): a sentence
+    /// that says so. The next start ends it.
     [[nodiscard]] const QString& closingFailure() const { return m_closingFailure; }
 
-    /// Takes everything back; also done by the destructor.
-    void abandon();
+    /// Takes everything back; also done by the destructor. A failure says what could not be taken
+    /// back; the journal then keeps the operation for the next start.
+    Result abandon();
 
     /// Folders that came to exist through this transaction, outermost first; set by apply().
     [[nodiscard]] QStringList madeFolders() const { return m_madeFolders; }
@@ -111,11 +116,16 @@ private:
         FileInfo info;
     };
 
+    /// Writes the new file \a name (with \a mode, should it not bring its own) into \a folder.
+    using Write =
+        std::function<ResultOf<Fingerprint>(int folder, const QByteArray& name, unsigned mode)>;
+
+    ResultOf<Fingerprint> stage(const QString& path, const Fingerprint& before, const Write& write);
     ResultOf<Folder> folderFor(const QString& folder);
     ResultOf<Folder> stagedFolder(const QString& folder, const QString& firstMissing);
     Result tellStagingFolder(const QString& folder);
     Result openKeptFolder(const QString& from, const QString& to, const QString& folder);
-    ResultOf<Fingerprint> fingerprintNow(const QString& path);
+    Result syncStaged();
     QString nextStagedName(const char* ending);
     QByteArray hostOf(const QString& path, const Pending& pending) const;
 
@@ -132,6 +142,7 @@ private:
     QHash<NoCase, StagedRoot> m_stagedRoots;
     QHash<NoCase, Pending> m_pending;
     QSet<NoCase> m_told;
+    Result m_syncFailure; ///< nothing is applied any more
     QStringList m_keptFolders;
     QStringList m_madeFolders;
     QString m_closingFailure;

@@ -171,20 +171,15 @@ Files::Resolved Files::resolveFolder(QStringView folder) const
     return out;
 }
 
-std::optional<FileInfo> Files::info(QStringView path) const
+std::optional<FileInfo> Files::lookAt(QStringView path, Look look) const
 {
     if (path.endsWith(u'\\'))
         path.chop(1);
     const qsizetype cut = path.lastIndexOf(u'\\');
-
-    struct stat st
-    {};
-
     if (cut < 0) {
         const Resolved drive = resolveFolder(path);
-        if (!drive.exists || stat(drive.host.isEmpty() ? "/" : drive.host.constData(), &st) != 0)
-            return std::nullopt;
-        return infoOf(st, path.toString());
+        return drive.exists ? look(drive.host.isEmpty() ? "/" : drive.host, path.toString())
+                            : std::nullopt;
     }
     const Resolved above = resolveFolder(path.first(cut));
     if (!above.exists)
@@ -197,16 +192,40 @@ std::optional<FileInfo> Files::info(QStringView path) const
         const auto spellings = held->names.constFind(NoCase{name.toString()});
         if (spellings != held->names.cend() && !spellings->contains(exact)) {
             const QByteArray& own = spellings->first();
-            if (stat(joinHost(above.host, own).constData(), &st) == 0)
-                return infoOf(st, QString::fromUtf8(own));
+            if (auto found = look(joinHost(above.host, own), QString::fromUtf8(own)))
+                return found;
         }
     }
-    if (stat(joinHost(above.host, exact).constData(), &st) == 0)
-        return infoOf(st, name.toString());
+    if (auto found = look(joinHost(above.host, exact), name.toString()))
+        return found;
     const QByteArray own = spellingIn(above.host, name);
-    if (own.isEmpty() || stat(joinHost(above.host, own).constData(), &st) != 0)
-        return std::nullopt;
-    return infoOf(st, QString::fromUtf8(own));
+    return own.isEmpty() ? std::nullopt : look(joinHost(above.host, own), QString::fromUtf8(own));
+}
+
+std::optional<FileInfo> Files::info(QStringView path) const
+{
+    return lookAt(path, [](const QByteArray& host, const QString& name) {
+        struct stat st
+        {};
+
+        return stat(host.constData(), &st) == 0 ? std::optional(infoOf(st, name)) : std::nullopt;
+    });
+}
+
+std::optional<FileInfo> Files::entry(QStringView path) const
+{
+    return lookAt(path, [](const QByteArray& host, const QString& name) -> std::optional<FileInfo> {
+        struct stat st
+        {};
+
+        if (lstat(host.constData(), &st) != 0)
+            return std::nullopt;
+        FileInfo found = infoOf(st, name);
+        found.link = S_ISLNK(st.st_mode);
+        if (found.link)
+            found.folder = stat(host.constData(), &st) == 0 && S_ISDIR(st.st_mode);
+        return found;
+    });
 }
 
 bool Files::exists(QStringView path) const
@@ -237,7 +256,8 @@ QList<FileInfo> Files::list(QStringView folder) const
     readFolder(resolved.host, [&](const char* name, unsigned char) {
         struct stat st
         {};
-        if (stat(joinHost(resolved.host, name).constData(), &st) == 0)
+        const QByteArray full = joinHost(resolved.host, name);
+        if (stat(full.constData(), &st) == 0 || lstat(full.constData(), &st) == 0)
             out.push_back(infoOf(st, QString::fromUtf8(name)));
     });
     std::sort(out.begin(), out.end(), [](const FileInfo& a, const FileInfo& b) {

@@ -19,11 +19,12 @@ namespace vt {
 /// One file or folder as it lies on the disk.
 struct FileInfo
 {
-    QString name; ///< as spelled on the disk
-    bool folder = false;
+    QString name;          ///< as spelled on the disk
+    bool folder = false;   ///< of a link: whether it leads to a folder
     bool readOnly = false; ///< the owner may not write
     qint64 size = 0;       ///< bytes; 0 for folders
     qint64 modifiedNs = 0; ///< nanoseconds since 1970 UTC
+    bool link = false;     ///< told by entry() alone
 
     [[nodiscard]] QDateTime modified() const; ///< local time, milliseconds
 };
@@ -40,11 +41,14 @@ public:
 
     /// Nothing when the path does not exist (or has no known drive). Follows links.
     [[nodiscard]] std::optional<FileInfo> info(QStringView path) const;
+    /// As info(), but a link stands for itself, wherever it leads: its own size and time.
+    [[nodiscard]] std::optional<FileInfo> entry(QStringView path) const;
     [[nodiscard]] bool exists(QStringView path) const;
     [[nodiscard]] bool isFile(QStringView path) const;
     [[nodiscard]] bool isFolder(QStringView path) const;
 
-    /// Entries of a folder, sorted by name without regard to case; empty when there is none.
+    /// Entries of a folder, sorted by name without regard to case; empty when there is none. A link
+    /// that leads nowhere counts as a file.
     [[nodiscard]] QList<FileInfo> list(QStringView folder) const;
     /// Names alone, unsorted and without a look at each entry.
     [[nodiscard]] QStringList names(QStringView folder) const;
@@ -67,6 +71,10 @@ public:
 
     /// To be called when an operation begins: listings are checked against the disk again, once.
     void newOperation();
+
+    /// Changes with every newOperation(); for those who remember what they saw on the disk.
+    [[nodiscard]] quint64 epoch() const { return m_epoch; }
+
     /// To be called by whoever created, renamed or deleted something at \a path.
     void noteChanged(QStringView path);
 
@@ -88,6 +96,8 @@ private:
 
     /// \a folder without its trailing "\".
     Resolved resolveFolder(QStringView folder) const;
+    using Look = std::optional<FileInfo> (*)(const QByteArray& host, const QString& name);
+    std::optional<FileInfo> lookAt(QStringView path, Look look) const;
     /// The entry's own spelling inside a host folder, empty when there is none.
     QByteArray spellingIn(const QByteArray& hostFolder, QStringView name) const;
     const Listing& listing(const QByteArray& hostFolder) const;

@@ -1,5 +1,6 @@
 // Names are checked as text first, then the folders on the way are compared with the root on the
-// host, so that a link planted inside the tree cannot carry a write out of it.
+// host, so that a link planted inside the tree cannot carry a write out of it. A confirmed link is
+// compared with where it led when it was confirmed.
 #include "platform/Gate.h"
 
 #include "platform/Hash.h"
@@ -30,6 +31,16 @@ bool liesBelow(const QByteArray& path, const QByteArray& folder)
 {
     return folder == "/" || path == folder ||
            (path.size() > folder.size() && path.startsWith(folder) && path[folder.size()] == '/');
+}
+
+Result refusal(const QString& path, const OuterLink& out, const QString& root)
+{
+    const QString link = u"' was refused: the link '"_s + out.link;
+    return Result::failure(
+        out.target.isEmpty()
+            ? QString(u"'"_s + path + link + u"' on the way leads nowhere at present."_s)
+            : QString(u"'"_s + path + link + u"' on the way leads out of '"_s + root +
+                      u"', to '"_s + out.target + u"', and was not confirmed."_s));
 }
 
 } // namespace
@@ -113,25 +124,74 @@ ResultOf<QByteArray> Gate::hostPath(QStringView path) const
         return Result::failure(u"'"_s + path.toString() +
                                u"' was refused: its drive is not known."_s);
 
-    // The nearest existing folder above decides where the path really leads.
-    QByteArray folder = host.first(qMax<qsizetype>(host.lastIndexOf('/'), 0));
-    if (checked->relative.isEmpty() || m_insideFolders.contains(folder))
+    if (checked->relative.isEmpty())
         return host;
-    QByteArray existing = folder;
-    QByteArray real = canonicalFolder(existing.isEmpty() ? "/" : existing);
-    while (real.isNull() && !existing.isEmpty()) {
-        existing.truncate(qMax<qsizetype>(existing.lastIndexOf('/'), 0));
-        real = canonicalFolder(existing.isEmpty() ? "/" : existing);
+    const QByteArray above = host.first(qMax<qsizetype>(host.lastIndexOf('/'), 0));
+    QStringView folder = path.endsWith(u'\\') ? path.chopped(1) : path;
+    folder.truncate(qMax<qsizetype>(folder.lastIndexOf(u'\\'), 0));
+    const auto out = linkOut(*root, folder, above);
+    return out ? ResultOf<QByteArray>(refusal(path.toString(), *out, root->folder)) : host;
+}
+
+ResultOf<QByteArray> Gate::hostFolder(QStringView folder) const
+{
+    ResultOf<QByteArray> host = hostPath(folder);
+    if (!host)
+        return host;
+    const Root* root = covering(folder);
+    const auto out = linkOut(*root, folder, *host);
+    return out ? ResultOf<QByteArray>(refusal(folder.toString(), *out, root->folder)) : host;
+}
+
+std::optional<OuterLink> Gate::outerLink(QStringView folder) const
+{
+    const Root* root = covering(folder);
+    return root ? linkOut(*root, folder, m_files.hostPath(folder)) : std::nullopt;
+}
+
+std::optional<OuterLink>
+Gate::linkOut(const Root& root, QStringView folder, const QByteArray& host) const
+{
+    // What was seen holds for one operation: links may be set anew between two.
+    if (std::exchange(m_insideEpoch, m_files.epoch()) != m_files.epoch())
+        m_insideFolders.clear();
+    if (m_insideFolders.contains(host))
+        return std::nullopt;
+    const QByteArray realRoot = canonicalFolder(m_files.hostPath(root.folder));
+    if (realRoot.isNull())
+        return std::nullopt; // yet to be made: nothing inside could lead out
+    const QByteArray real = canonicalFolder(host.isEmpty() ? "/" : host);
+    if (!real.isNull() && liesBelow(real, realRoot)) {
+        m_insideFolders.insert(host);
+        return std::nullopt;
     }
-    const QByteArray realRoot = canonicalFolder(m_files.hostPath(root->folder));
-    // A root that is yet to be made has nothing inside that could lead out.
-    if (!realRoot.isNull() && !liesBelow(real, realRoot))
-        return Result::failure(u"'"_s + path.toString() +
-                               u"' was refused: a link on the way leads out of '"_s + root->folder +
-                               u"'."_s);
-    if (existing == folder)
-        m_insideFolders.insert(folder);
-    return host;
+    QByteArray inside = realRoot; // where the way has led so far
+    QString way = winpath::withoutTrailing(root.folder);
+    for (const QString& part : winpath::components(winpath::relativeTo(folder, root.folder))) {
+        const QByteArray at = m_files.hostPath(way + u'\\' + part);
+        way += u'\\' + QString::fromUtf8(at.sliced(at.lastIndexOf('/') + 1)); // as it is spelled
+
+        struct stat st
+        {};
+
+        if (lstat(at.constData(), &st) != 0)
+            return std::nullopt; // the rest is new
+        if (!S_ISLNK(st.st_mode))
+            continue;
+        const QByteArray target = canonicalFolder(at);
+        if (!target.isNull() && (liesBelow(target, inside) || liesBelow(target, realRoot)))
+            continue;
+        OuterLink link{way, {}};
+        if (!target.isNull())
+            link.target = winpath::asFolder(m_files.drives().toWindows(QString::fromUtf8(target)));
+        if (target.isNull() || !linkConfirmed || !linkConfirmed(link))
+            return link;
+        inside = target;
+    }
+    if (!real.isNull() && !liesBelow(real, inside))
+        return OuterLink{winpath::withoutTrailing(folder), {}}; // changed under our eyes
+    m_insideFolders.insert(host);
+    return std::nullopt;
 }
 
 QString Gate::identity(RootId id) const

@@ -1,6 +1,7 @@
 // The one gate of every write: (root, relative path). Roots are folders that the system may change;
 // everything else is refused. Names are checked (winpath::checkRelative), components are resolved
-// without regard to case, and nothing is followed that leads outside the root.
+// without regard to case, and nothing is followed that leads outside the root, but for links of the
+// user's own that were confirmed.
 #pragma once
 
 #include "platform/Files.h"
@@ -12,6 +13,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 namespace vt {
 
@@ -37,6 +39,15 @@ struct Place
     friend bool operator==(const Place&, const Place&) = default;
 };
 
+/// A link inside a root through which a path leaves it.
+struct OuterLink
+{
+    QString link;   ///< full path, no trailing "\"
+    QString target; ///< where it leads in the end, ends in "\"; empty: nowhere at present
+
+    friend bool operator==(const OuterLink&, const OuterLink&) = default;
+};
+
 class Gate
 {
 public:
@@ -53,16 +64,24 @@ public:
     /// Back to a Windows text.
     [[nodiscard]] QString path(const Place& place) const;
     /// Where a checked path lies or would lie on the host: existing components in their own
-    /// spelling, new ones as given. Refuses a link that leads out of the root.
+    /// spelling, new ones as given. Refuses what lies behind a link that leads out of the root and
+    /// was not confirmed; the path itself may be such a link, which is then not to be followed.
     [[nodiscard]] ResultOf<QByteArray> hostPath(const Place& place) const;
     /// place() and hostPath() together.
     [[nodiscard]] ResultOf<QByteArray> hostPath(QStringView path) const;
+    /// As hostPath(), for a folder that is to be entered.
+    [[nodiscard]] ResultOf<QByteArray> hostFolder(QStringView folder) const;
+    /// The first link on the way to \a folder, itself included, for which hostFolder() refuses it.
+    [[nodiscard]] std::optional<OuterLink> outerLink(QStringView folder) const;
 
     [[nodiscard]] Files& files() const { return m_files; }
 
     /// What tells this root's folder on the host from every other (a hash of where it lies, 32
     /// hexadecimal digits); empty when the folder does not exist.
     [[nodiscard]] QString identity(RootId id) const;
+
+    /// Whether the user confirmed that this link may be followed; unset: none.
+    std::function<bool(const OuterLink&)> linkConfirmed;
 
     /// Asked before each action that changes the disk ("place", "rename", "commit", ...): 0, or the
     /// errno that the action is to fail with. Set by tests alone, which also end the process in it.
@@ -81,10 +100,13 @@ private:
     };
 
     const Root* covering(QStringView path) const;
+    std::optional<OuterLink>
+    linkOut(const Root& root, QStringView folder, const QByteArray& host) const;
 
     Files& m_files;
     QList<Root> m_roots;
     mutable QSet<QByteArray> m_insideFolders; ///< host folders already seen to lie inside
+    mutable quint64 m_insideEpoch = 0;        ///< of the files, when they were seen
 };
 
 } // namespace vt

@@ -74,7 +74,10 @@ QByteArray xxh3(QByteArrayView bytes)
 ResultOf<Fingerprint> fingerprint(const Files& files, QStringView path)
 {
     const QByteArray host = files.hostPath(path);
-    const hostfile::Descriptor file(open(host.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const hostfile::Descriptor file(
+        open(host.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+    if (!file.valid() && errno == ELOOP)
+        return hostfile::fingerprint(host);
     struct stat status = {};
     if (!file.valid() || fstat(file.get(), &status) != 0)
         return unreadable(path, errno);

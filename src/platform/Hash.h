@@ -35,7 +35,7 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-/// Size, time and hash of a file, read in pieces.
+/// Size, time and hash of a file, read in pieces; of a link itself.
 [[nodiscard]] ResultOf<Fingerprint> fingerprint(const Files& files, QStringView path);
 
 /// CRC-32 as in ZIP archives; \a before continues an earlier piece.

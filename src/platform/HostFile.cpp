@@ -4,11 +4,14 @@
 #include "platform/Text.h"
 
 #include <cerrno>
+#include <climits>
+#include <cstdio>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace vt {
@@ -104,6 +107,24 @@ timespec timeOf(qint64 ns)
     return {time_t(ns / 1'000'000'000), long(ns % 1'000'000'000)};
 }
 
+qint64 nsOf(const timespec& time)
+{
+    return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
+QByteArray linkText(const QByteArray& host)
+{
+    char text[PATH_MAX];
+    const ssize_t length = readlink(host.constData(), text, sizeof text);
+    return length < 0 ? QByteArray() : QByteArray(text, length);
+}
+
+/// Of a link itself.
+Fingerprint linkPrint(const QByteArray& text, const struct stat& st)
+{
+    return {st.st_size, nsOf(st.st_mtim), xxh3("link:" + text)};
+}
+
 /// Writes the content into the open file and names the failure, if any.
 ResultOf<Fingerprint> fill(int fd, const Content& content, bool sync)
 {
@@ -129,6 +150,9 @@ ResultOf<Fingerprint> fill(int fd, const Content& content, bool sync)
     Fingerprint print;
     print.size = hash.total();
     print.xxh3 = hash.result();
+    // A file system without permissions of its own is no reason to fail.
+    if (content.mode >= 0)
+        (void)!fchmod(fd, mode_t(content.mode & 0777));
     if (content.modifiedNs >= 0) {
         const timespec times[2] = {timeOf(content.modifiedNs), timeOf(content.modifiedNs)};
         if (futimens(fd, times) != 0)
@@ -140,10 +164,10 @@ ResultOf<Fingerprint> fill(int fd, const Content& content, bool sync)
 
         if (fstat(fd, &st) != 0)
             return failed(errno);
-        print.modifiedNs = qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec;
+        print.modifiedNs = nsOf(st.st_mtim);
     }
     if (sync && fsync(fd) != 0)
-        return failed(errno);
+        return notSynced(errno);
     return print;
 }
 
@@ -242,6 +266,8 @@ create(int folder, const QByteArray& name, const Content& content, bool sync, un
         folder, name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
     if (!fd.valid())
         return failed(errno);
+    if (content.mode < 0 && mode != 0644)
+        (void)!fchmod(fd.get(), mode); // what is replaced had it in spite of the mask
     ResultOf<Fingerprint> print = fill(fd.get(), content, sync);
     if (!print)
         unlinkat(folder, name.constData(), 0);
@@ -284,7 +310,7 @@ Content contentOf(const QByteArray& host)
 
     if (stat(host.constData(), &st) == 0) {
         content.size = st.st_size;
-        content.modifiedNs = qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec;
+        content.modifiedNs = nsOf(st.st_mtim);
     }
     content.transfer = [host](const Content::Sink& sink) {
         const Descriptor fd(open(host.constData(), O_RDONLY | O_CLOEXEC));
@@ -306,30 +332,79 @@ Content contentOf(const QByteArray& host)
     return content;
 }
 
-Result copyFile(const QByteArray& from, const QByteArray& to, bool sync)
+ResultOf<Fingerprint>
+copyTo(int folder, const QByteArray& name, const QByteArray& from, Links links, bool sync)
 {
     struct stat st
     {};
 
-    if (stat(from.constData(), &st) != 0)
+    const bool link =
+        links == Links::Keep && lstat(from.constData(), &st) == 0 && S_ISLNK(st.st_mode);
+    if (!link) {
+        Content content = contentOf(from);
+        if (stat(from.constData(), &st) == 0)
+            content.mode = int(st.st_mode & 0777);
+        return create(folder, name, content, sync);
+    }
+    const QByteArray text = linkText(from);
+    if (text.isEmpty() || symlinkat(text.constData(), folder, name.constData()) != 0)
         return failed(errno);
+    const timespec times[2] = {st.st_atim, st.st_mtim};
+    // Where a link's time cannot be set, it has that of now.
+    (void)!utimensat(folder, name.constData(), times, AT_SYMLINK_NOFOLLOW);
+    if (fstatat(folder, name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0)
+        return failed(errno);
+    return linkPrint(text, st);
+}
+
+Result linkOrCopy(const QByteArray& from, const QByteArray& to, Links links, bool sync, int fault)
+{
+    const int follow = links == Links::Follow ? AT_SYMLINK_FOLLOW : 0;
+    const int error = fault != 0 ? fault
+                      : linkat(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), follow) == 0
+                          ? 0
+                          : errno;
+    if (error == 0)
+        return Result::success();
+    if (error == EEXIST || error == ENOENT || error == ENOSPC || error == EROFS)
+        return failed(error);
     const qsizetype cut = to.lastIndexOf('/');
     const Descriptor folder = openFolder(to.first(qMax<qsizetype>(cut, 1)));
     if (!folder.valid())
         return failed(errno);
     const ResultOf<Fingerprint> copied =
-        create(folder.get(), to.sliced(cut + 1), contentOf(from), sync, st.st_mode & 0777);
+        copyTo(folder.get(), to.sliced(cut + 1), from, links, sync);
     return copied ? Result::success() : copied.error();
 }
 
-Result linkOrCopy(const QByteArray& from, const QByteArray& to)
+int renameNew(int folder, const QByteArray& from, int toFolder, const QByteArray& to, int fault)
 {
-    // The file behind a link is kept, not the link: that would lead nowhere from its new place.
-    if (linkat(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), AT_SYMLINK_FOLLOW) == 0)
-        return Result::success();
-    if (errno == EEXIST || errno == ENOENT || errno == ENOSPC || errno == EROFS)
-        return failed(errno);
-    return copyFile(from, to, true);
+    const char* oldName = from.constData();
+    const char* newName = to.constData();
+    if (fault == 0) {
+        if (renameat2(folder, oldName, toFolder, newName, RENAME_NOREPLACE) == 0)
+            return 0;
+        fault = errno;
+    }
+    if (fault != EINVAL && fault != ENOSYS && fault != ENOTSUP)
+        return fault;
+
+    struct stat st
+    {};
+
+    if (fstatat(folder, oldName, &st, AT_SYMLINK_NOFOLLOW) != 0)
+        return errno;
+    if (!S_ISDIR(st.st_mode)) {
+        if (linkat(folder, oldName, toFolder, newName, 0) == 0)
+            return unlinkat(folder, oldName, 0) == 0 ? 0 : errno;
+        if (errno == EEXIST)
+            return EEXIST;
+    }
+    // Folders, and files where there are no second names. A folder takes the place of an empty one
+    // at most, should one come to life at this very moment.
+    if (fstatat(toFolder, newName, &st, AT_SYMLINK_NOFOLLOW) == 0)
+        return EEXIST;
+    return renameat(folder, oldName, toFolder, newName) == 0 ? 0 : errno;
 }
 
 Result removeTree(const QByteArray& host)
@@ -341,23 +416,47 @@ Result removeTree(const QByteArray& host)
     return removeTreeAt(above.get(), host.sliced(cut + 1).constData());
 }
 
-void syncFolder(const QByteArray& host)
+// The content may be whole in memory, but nobody knows what the disk will hold.
+Result notSynced(int error)
 {
-    const Descriptor fd = openFolder(host);
-    if (fd.valid())
-        fsync(fd.get());
+    if (error == ENOSPC || error == EDQUOT)
+        return failed(error);
+    return Result::failure(u"the disk did not confirm the writing: "_s + errorText(error),
+                           ErrorKind::DiskFailed);
 }
 
-Result syncFileSystem(const QByteArray& host)
+Result syncFolder(const QByteArray& host, int fault)
 {
     const Descriptor fd = openFolder(host);
-    if (!fd.valid() || syncfs(fd.get()) != 0)
-        return failed(errno);
-    return Result::success();
+    if (!fd.valid())
+        return errno == ENOENT ? Result::success() : notSynced(errno);
+    return syncFolder(fd.get(), fault);
+}
+
+Result syncFolder(int folder, int fault)
+{
+    const int error = fault != 0 ? fault : fsync(folder) == 0 ? 0 : errno;
+    // Answers of file systems that know no sync of folders, or are not there to be written.
+    const bool unknown = error == EINVAL || error == ENOTSUP || error == ENOSYS;
+    return error == 0 || unknown ? Result::success() : notSynced(error);
+}
+
+Result syncFileSystem(const QByteArray& host, int fault)
+{
+    const Descriptor fd = openFolder(host);
+    if (!fd.valid())
+        return errno == ENOENT ? Result::success() : notSynced(errno);
+    return fault == 0 && syncfs(fd.get()) == 0 ? Result::success()
+                                               : notSynced(fault != 0 ? fault : errno);
 }
 
 ResultOf<Fingerprint> fingerprint(const QByteArray& host)
 {
+    struct stat st
+    {};
+
+    if (lstat(host.constData(), &st) == 0 && S_ISLNK(st.st_mode))
+        return linkPrint(linkText(host), st);
     const Content content = contentOf(host);
     Fingerprint print;
     Xxh3 hash;

@@ -11,6 +11,9 @@
 
 namespace vt::hostfile {
 
+// A parameter "fault" is the error that the system call is to meet instead of being made, 0 for
+// none: tests set it through the gate.
+
 /// An owned file descriptor, closed with its owner.
 class Descriptor
 {
@@ -46,7 +49,8 @@ private:
 [[nodiscard]] Descriptor openFolder(const QByteArray& host);
 
 /// Creates \a name in a folder (it must not exist), writes the content and sets its time. \a sync:
-/// fsync before closing. On failure the file is gone again. \a mode as for open().
+/// fsync before closing. On failure the file is gone again. \a mode as for open(), where the
+/// content does not say.
 [[nodiscard]] ResultOf<Fingerprint>
 create(int folder, const QByteArray& name, const Content& content, bool sync, unsigned mode = 0644);
 
@@ -54,23 +58,40 @@ create(int folder, const QByteArray& name, const Content& content, bool sync, un
 [[nodiscard]] Result makeFolders(const QByteArray& host,
                                  const std::function<void(const QByteArray&)>& made = {});
 
-/// A copy with the same time and permissions; \a to must not exist.
-[[nodiscard]] Result copyFile(const QByteArray& from, const QByteArray& to, bool sync);
+enum class Links
+{
+    Keep,   ///< a link stands for itself
+    Follow, ///< a link stands for what it leads to
+};
+
+/// A copy in a folder, with the same times and permissions; \a name must not exist there.
+[[nodiscard]] ResultOf<Fingerprint>
+copyTo(int folder, const QByteArray& name, const QByteArray& from, Links links, bool sync);
 /// A hard link where the file systems allow, else a copy.
-[[nodiscard]] Result linkOrCopy(const QByteArray& from, const QByteArray& to);
+[[nodiscard]] Result
+linkOrCopy(const QByteArray& from, const QByteArray& to, Links links, bool sync, int fault = 0);
+/// Renames unless something has the new name: 0, or the error (EEXIST). Where the file system
+/// cannot do both at once, a file gets its second name first and loses the old one then; an end of
+/// the process may leave it with both.
+[[nodiscard]] int
+renameNew(int folder, const QByteArray& from, int toFolder, const QByteArray& to, int fault = 0);
 
 /// Deletes a folder with everything in it, following no links. Missing is a success.
 [[nodiscard]] Result removeTree(const QByteArray& host);
 
-/// fsync of a folder; failures are those of the file system and ignored.
-void syncFolder(const QByteArray& host);
-/// syncfs of the file system that holds \a host.
-[[nodiscard]] Result syncFileSystem(const QByteArray& host);
+/// What is said when an fsync fails.
+[[nodiscard]] Result notSynced(int error);
+/// fsync of a folder, one that is gone counts as synced; so does every folder of a file system that
+/// cannot sync folders.
+[[nodiscard]] Result syncFolder(const QByteArray& host, int fault = 0);
+[[nodiscard]] Result syncFolder(int folder, int fault = 0);
+/// syncfs of the file system that holds the folder.
+[[nodiscard]] Result syncFileSystem(const QByteArray& host, int fault = 0);
 
 /// Bytes of an open or named file as content; the file is opened when the transfer begins.
 [[nodiscard]] Content contentOf(const QByteArray& host);
 
-/// Size, time and hash of a file, read in pieces.
+/// Size, time and hash of a file, read in pieces; of a link itself.
 [[nodiscard]] ResultOf<Fingerprint> fingerprint(const QByteArray& host);
 
 } // namespace vt::hostfile

@@ -2,6 +2,7 @@
 #include "platform/Journal.h"
 
 #include "platform/StepRunner.h"
+#include "platform/WinPath.h"
 
 #include <QDataStream>
 #include <QIODevice>
@@ -83,35 +84,30 @@ Recovery recoverOne(Journal& journal, Gate& gate, const JournalOperation& operat
                             u"'; it is finished when that one is used again."_s);
         return out;
     }
-    Result ended = Result::success();
-    if (operation.state == OperationState::Staging) {
-        out.texts = runner.undo(*steps);
-        if (!out.texts.isEmpty())
-            return out; // tried again next time
-        if (const int error = gate.fault("commit", "forget"))
-            return out.texts.push_back(QString::number(error)), out;
-        ended = journal.forget(operation.id);
-        out.outcome = u"undone"_s;
-    } else {
-        const QList<StepFailure> failures = runner.carryOut(*steps);
-        runner.syncFolders();
-        QList<Place> failed;
-        for (const StepFailure& failure : failures) {
+    if (const QString obstacle = runner.obstacle(*steps); !obstacle.isEmpty()) {
+        out.texts.push_back(obstacle + u" The work waits for it."_s);
+        return out;
+    }
+    if (operation.state == OperationState::Applying) {
+        const StepRunner::Completion done = runner.complete(journal, *steps);
+        for (const StepFailure& failure : done.failures)
             out.texts.push_back(u"'"_s + failure.path + u"': "_s + failure.text);
-            if (const ResultOf<Place> place = gate.place(failure.path))
-                failed.push_back(*place);
-        }
-        // What single files staged is gone by now; a folder that could not be placed may remain.
-        out.texts += runner.undo(*steps);
-        if (const int error = gate.fault("commit", "end"))
-            return out.texts.push_back(QString::number(error)), out;
-        ended = journal.end(operation.id, failed);
-        out.outcome = u"completed"_s;
+        if (done.unfinished.isEmpty())
+            out.outcome = u"completed"_s;
+        else
+            out.texts.prepend(done.unfinished);
+        return out;
     }
-    if (!ended) {
-        out.outcome = u"failed"_s;
-        out.texts.push_back(ended.text);
-    }
+    out.texts = runner.undo(*steps);
+    if (!out.texts.isEmpty())
+        return out; // tried again next time
+    const int error = gate.fault("commit", "forget");
+    const Result forgotten =
+        error != 0 ? Result::failure(hostfile::errorText(error)) : journal.forget(operation.id);
+    if (forgotten)
+        out.outcome = operation.state == OperationState::Cleaning ? u"completed"_s : u"undone"_s;
+    else
+        out.texts.push_back(forgotten.text);
     return out;
 }
 
@@ -164,6 +160,22 @@ bool unpackSteps(const QByteArray& bytes, QList<JournalStep>& steps)
         steps.push_back(step);
     }
     return in.status() == QDataStream::Ok;
+}
+
+QStringList foldersOf(const Gate& gate, const QList<JournalStep>& steps)
+{
+    QStringList out;
+    const auto add = [&](const QString& folder) {
+        if (out.isEmpty() || out.last() != folder)
+            out.push_back(folder);
+    };
+    for (const JournalStep& step : steps) {
+        const QString target = gate.path(step.target);
+        add(step.kind == StepKind::StagingFolder ? target : winpath::parent(target));
+        if (step.source.root != RootId::None)
+            add(winpath::parent(gate.path(step.source)));
+    }
+    return out;
 }
 
 ResultOf<QList<Recovery>> recover(Journal& journal, Gate& gate)

@@ -28,6 +28,7 @@ enum class OperationState : quint8
     Staging = 1, ///< nothing that the simulator sees has changed; a dead run is undone
     Applying =
         2, ///< everything is on the disk, the changes are carried out; a dead run is completed
+    Cleaning = 3, ///< carried out and recorded; what could not be placed is being deleted
 };
 
 /// Stored: never renumber.
@@ -85,9 +86,11 @@ public:
                          const QByteArray& closing,
                          const std::function<Result()>& records) = 0;
     /// In one commit: the records are closed (those of \a failed targets as not done) and the
-    /// operation's rows go.
-    virtual Result end(qint64 operation, const QList<Place>& failed) = 0;
-    /// After an undone operation: its rows go, records untouched.
+    /// operation's rows go; or, when staged files may be left in the folders of \a rest, the state
+    /// becomes Cleaning and these steps replace the others.
+    virtual Result
+    end(qint64 operation, const QList<Place>& failed, const QList<JournalStep>& rest) = 0;
+    /// After an undone or cleaned operation: its rows go, records untouched.
     virtual Result forget(qint64 operation) = 0;
 
     [[nodiscard]] virtual ResultOf<QList<JournalOperation>> unfinished() = 0;
@@ -100,6 +103,9 @@ packSteps(const QList<JournalStep>& steps, qsizetype from, qsizetype count);
 /// Appends to \a steps; false when the bytes are damaged.
 [[nodiscard]] bool unpackSteps(const QByteArray& bytes, QList<JournalStep>& steps);
 
+/// The folders that these steps work in, neighbours once.
+[[nodiscard]] QStringList foldersOf(const Gate& gate, const QList<JournalStep>& steps);
+
 /// What recover() did with one unfinished operation.
 struct Recovery
 {
@@ -109,9 +115,9 @@ struct Recovery
 };
 
 /// Ends every unfinished operation: undoes what was only staged, completes what had begun to be
-/// carried out. A file that is neither the old nor the new one is never touched, only told. May be
-/// interrupted itself and run again. To be called with the instance lock held, before anything else
-/// writes.
+/// carried out. A file that is neither the old nor the new one is never touched, only told. Work
+/// behind a link that the gate does not follow waits. May be interrupted itself and run again. To
+/// be called with the instance lock held, before anything else writes.
 [[nodiscard]] ResultOf<QList<Recovery>> recover(Journal& journal, Gate& gate);
 
 } // namespace vt

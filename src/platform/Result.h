@@ -19,6 +19,7 @@ enum class ErrorKind
                   ///< unreadable
     Declined,     ///< a question was answered with No or Cancel
     DiskFull,     ///< there is no room for what is to be written
+    DiskFailed,   ///< the disk did not confirm that it has written
 };
 
 /// Success, or one sentence for a person: what, where, why, what next.

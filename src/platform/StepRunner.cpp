@@ -23,15 +23,30 @@ QByteArray folderOf(const QByteArray& host)
     return host.first(qMax<qsizetype>(host.lastIndexOf('/'), 1));
 }
 
-/// What lies under a name of a folder: its facts, or nothing.
+/// What lies under a name of a folder: its facts, or nothing. A link stands for itself.
 std::optional<struct stat> entryAt(int folder, const QByteArray& name)
 {
     struct stat st
     {};
 
-    if (fstatat(folder, name.constData(), &st, 0) != 0)
+    if (fstatat(folder, name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0)
         return std::nullopt;
     return st;
+}
+
+/// Calls \a take(name) for every entry but "." and ".."; 0 or the error.
+template <typename Take> int eachEntry(const QByteArray& folder, const Take& take)
+{
+    DIR* dir = opendir(folder.constData());
+    if (!dir)
+        return errno;
+    while (const dirent* entry = readdir(dir)) {
+        const QByteArrayView name(entry->d_name);
+        if (name != "." && name != "..")
+            take(name);
+    }
+    closedir(dir);
+    return 0;
 }
 
 /// Whether the file is the one described. Size and time decide; a hash decides where they differ
@@ -65,15 +80,13 @@ Result systemFailure(int error)
 /// Deletes the entries of a folder whose names begin with \a prefix.
 Result removeStaged(const QByteArray& folder, const QByteArray& prefix)
 {
-    DIR* dir = opendir(folder.constData());
-    if (!dir)
-        return errno == ENOENT ? Result::success() : systemFailure(errno);
     QList<QByteArray> names;
-    while (const dirent* entry = readdir(dir)) {
-        if (QByteArrayView(entry->d_name).startsWith(prefix))
-            names.push_back(entry->d_name);
-    }
-    closedir(dir);
+    const int error = eachEntry(folder, [&](QByteArrayView name) {
+        if (name.startsWith(prefix))
+            names.push_back(name.toByteArray());
+    });
+    if (error != 0)
+        return error == ENOENT ? Result::success() : systemFailure(error);
     Result result = Result::success();
     for (const QByteArray& name : names) {
         if (Result removed = hostfile::removeTree(folder + '/' + name); !removed)
@@ -94,14 +107,60 @@ QByteArray stagedPrefix(qint64 operation)
     return "~vt" + QByteArray::number(operation) + '-';
 }
 
-QList<StepFailure> StepRunner::carryOut(const QList<JournalStep>& steps)
+QList<JournalStep> stagingSteps(const QList<JournalStep>& steps)
 {
-    QList<StepFailure> failures;
+    QList<JournalStep> out;
+    for (const JournalStep& step : steps) {
+        if (step.kind == StepKind::StagingFolder)
+            out.push_back(step);
+    }
+    return out;
+}
+
+StepRunner::Completion StepRunner::complete(Journal& journal, const QList<JournalStep>& steps)
+{
+    // What others made since the steps were planned is to be seen.
+    m_gate.files().newOperation();
     for (const JournalStep& step : steps) {
         if (Result done = carryOut(step); !done)
-            failures.push_back({m_gate.path(step.target), done.text});
+            failed(m_gate.path(step.target), done.text);
     }
-    return failures;
+    Completion out;
+    out.failures = m_failures;
+    if (Result synced = syncFolders(); !synced) {
+        out.unfinished = synced.text;
+        return out;
+    }
+    QList<Place> failedPlaces;
+    for (const StepFailure& failure : std::as_const(m_failures)) {
+        if (const ResultOf<Place> place = m_gate.place(failure.path))
+            failedPlaces.push_back(*place);
+    }
+    // What was not placed is deleted only once the records say so: a run that dies in between
+    // could not tell any more which files of a folder were its own.
+    const bool clean = m_failures.isEmpty() && !m_merged;
+    const QList<JournalStep> rest = clean ? QList<JournalStep>() : stagingSteps(steps);
+    const int error = m_gate.fault("commit", "end");
+    Result ended = error != 0 ? systemFailure(error) : journal.end(m_operation, failedPlaces, rest);
+    if (ended && !rest.isEmpty()) {
+        const QStringList left = undo(rest);
+        const int fault = m_gate.fault("commit", "forget");
+        ended = !left.isEmpty() ? Result::failure(left.first())
+                : fault != 0    ? systemFailure(fault)
+                                : journal.forget(m_operation);
+    }
+    if (!ended)
+        out.unfinished = ended.text;
+    return out;
+}
+
+QString StepRunner::obstacle(const QList<JournalStep>& steps) const
+{
+    for (const QString& folder : foldersOf(m_gate, steps)) {
+        if (const ResultOf<QByteArray> entered = m_gate.hostFolder(folder); !entered)
+            return entered.text;
+    }
+    return {};
 }
 
 ResultOf<StepRunner::Target> StepRunner::locate(const Place& place)
@@ -177,8 +236,10 @@ Result StepRunner::carryOut(const JournalStep& step)
 Result StepRunner::placeFile(const JournalStep& step, const Target& target)
 {
     const QByteArray staged = step.stagedName.toUtf8();
-    if (!entryAt(target.folder, staged))
+    if (!entryAt(target.folder, staged)) {
+        noteChanged(target); // done before, but perhaps not on the disk yet
         return target.is(step.after) ? Result::success() : changedMeanwhile();
+    }
     if (!target.is(step.before)) {
         unlinkat(target.folder, staged.constData(), 0);
         return changedMeanwhile();
@@ -196,52 +257,72 @@ Result StepRunner::placeFolder(const JournalStep& step, const Target& target)
 {
     const QByteArray staged = step.stagedName.toUtf8();
     const int at = target.folder;
+    noteChanged(target);
     if (!entryAt(at, staged))
         return target.now ? Result::success() : changedMeanwhile();
-    noteChanged(target);
-    if (renameat2(at, staged.constData(), at, target.name.constData(), RENAME_NOREPLACE) == 0)
-        return Result::success();
-    if (errno == EINVAL && !target.now &&
-        renameat(at, staged.constData(), at, target.name.constData()) == 0)
-        return Result::success(); // a file system without the flag
-    if (errno != EEXIST && errno != ENOTEMPTY)
-        return systemFailure(errno);
+    const int error =
+        target.now ? EEXIST
+                   : hostfile::renameNew(
+                         at, staged, at, target.name, m_gate.fault("rename new", target.host()));
+    if (error != EEXIST && error != ENOTEMPTY)
+        return error == 0 ? Result::success() : systemFailure(error);
     // The folder came to life meanwhile: its files keep their place, ours join them.
-    const QByteArray stagedHost = target.in->host + '/' + staged;
-    Result merged = merge(stagedHost, target.host());
-    if (merged)
-        (void)hostfile::removeTree(stagedHost);
-    return merged;
+    m_merged = true;
+    m_gate.files().newOperation();
+    merge(target.in->host + '/' + staged, m_gate.path(step.target));
+    return Result::success(); // each file that found no place is told by itself
 }
 
-Result StepRunner::merge(const QByteArray& staged, const QByteArray& target)
+void StepRunner::merge(const QByteArray& staged, const QString& folder)
 {
-    DIR* dir = opendir(staged.constData());
-    if (!dir)
-        return systemFailure(errno);
-    Result result = Result::success();
-    while (const dirent* entry = readdir(dir)) {
-        const QByteArray name(entry->d_name);
-        if (name == "." || name == "..")
-            continue;
+    const ResultOf<QByteArray> into = m_gate.hostFolder(folder);
+    if (!into)
+        return failed(folder, into.text);
+    QHash<NoCase, QByteArray> there;
+    int error = eachEntry(*into, [&](QByteArrayView name) {
+        there.insert(NoCase{QString::fromUtf8(name)}, name.toByteArray());
+    });
+    QList<QByteArray> ours;
+    if (error == 0)
+        error = eachEntry(staged, [&](QByteArrayView name) { ours.push_back(name.toByteArray()); });
+    if (error != 0)
+        return failed(folder, hostfile::errorText(error));
+    m_changedFolders.insert(*into);
+    for (const QByteArray& name : std::as_const(ours)) {
+        const QString path = folder + u'\\' + QString::fromUtf8(name);
+        const auto known = there.constFind(NoCase{QString::fromUtf8(name)});
         const QByteArray from = staged + '/' + name;
-        const QByteArray to = target + '/' + name;
-        if (renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
-            continue;
+        const QByteArray to = *into + '/' + (known == there.cend() ? name : *known);
+        error = m_gate.fault("merge", to);
+        if (error == 0)
+            error = known != there.cend()
+                        ? EEXIST
+                        : hostfile::renameNew(
+                              AT_FDCWD, from, AT_FDCWD, to, m_gate.fault("rename new", to));
+        if (error == EEXIST || error == ENOTEMPTY)
+            mergeEntry(from, to, path);
+        else if (error != 0)
+            failed(path, hostfile::errorText(error));
+    }
+}
 
+void StepRunner::mergeEntry(const QByteArray& from, const QByteArray& to, const QString& path)
+{
+    const auto ours = entryAt(AT_FDCWD, from);
+    const auto theirs = entryAt(AT_FDCWD, to);
+    if (ours && S_ISDIR(ours->st_mode)) {
         struct stat st
         {};
 
-        if (lstat(from.constData(), &st) == 0 && S_ISDIR(st.st_mode)) {
-            if (Result inner = merge(from, to); !inner)
-                result = inner;
-        } else {
-            result = changedMeanwhile();
-        }
+        if (stat(to.constData(), &st) == 0 && S_ISDIR(st.st_mode))
+            return merge(from, path);
+    } else if (ours && theirs && ours->st_dev == theirs->st_dev && ours->st_ino == theirs->st_ino) {
+        // An earlier run ended between giving the second name and taking the first.
+        if (unlink(from.constData()) != 0)
+            failed(path, hostfile::errorText(errno));
+        return;
     }
-    closedir(dir);
-    m_changedFolders.insert(target);
-    return result;
+    failed(path, changedMeanwhile().text);
 }
 
 Result StepRunner::move(const JournalStep& step, const Target& target)
@@ -249,26 +330,26 @@ Result StepRunner::move(const JournalStep& step, const Target& target)
     const ResultOf<QByteArray> source = m_gate.hostPath(step.source);
     if (!source)
         return source.error();
+    noteChanged(target);
+    m_changedFolders.insert(folderOf(*source));
     if (!entryAt(AT_FDCWD, *source))
         return target.is(step.after) ? Result::success() : changedMeanwhile();
     if (!target.is(step.before))
         return changedMeanwhile();
     if (renameat(AT_FDCWD, source->constData(), target.folder, target.name.constData()) != 0)
         return systemFailure(errno);
-    noteChanged(target);
-    m_changedFolders.insert(folderOf(*source));
     return Result::success();
 }
 
 Result StepRunner::removeFile(const JournalStep& step, const Target& target)
 {
+    noteChanged(target);
     if (!target.now)
         return Result::success();
     if (!target.is(step.before))
         return changedMeanwhile();
     if (unlinkat(target.folder, target.name.constData(), 0) != 0 && errno != ENOENT)
         return systemFailure(errno);
-    noteChanged(target);
     return Result::success();
 }
 
@@ -277,6 +358,7 @@ Result StepRunner::removeSource(const JournalStep& step, const Target& target)
     const ResultOf<QByteArray> source = m_gate.hostPath(step.source);
     if (!source)
         return source.error();
+    m_changedFolders.insert(folderOf(*source));
     const auto now = entryAt(AT_FDCWD, *source);
     if (!now)
         return Result::success();
@@ -285,36 +367,42 @@ Result StepRunner::removeSource(const JournalStep& step, const Target& target)
             u"what was kept for it stays, because the file is not in its place."_s);
     if (unlink(source->constData()) != 0 && errno != ENOENT)
         return systemFailure(errno);
-    m_changedFolders.insert(folderOf(*source));
     return Result::success();
 }
 
 void StepRunner::removeFolder(const Target& target)
 {
     // One that stays, for whatever reason, is no failure: it is tried again with the next removal.
-    if (target.folder >= 0 && unlinkat(target.folder, target.name.constData(), AT_REMOVEDIR) == 0)
+    if (target.folder >= 0 &&
+        (unlinkat(target.folder, target.name.constData(), AT_REMOVEDIR) == 0 || errno == ENOENT))
         noteChanged(target);
 }
 
-void StepRunner::syncFolders()
+Result StepRunner::syncFolders()
 {
     constexpr qsizetype oneByOne = 64;
-    if (m_changedFolders.size() <= oneByOne) {
-        for (const QByteArray& folder : std::as_const(m_changedFolders))
-            hostfile::syncFolder(folder);
-    } else {
-        QSet<dev_t> seen;
-        for (const QByteArray& folder : std::as_const(m_changedFolders)) {
-            struct stat st
-            {};
+    const bool each = m_changedFolders.size() <= oneByOne;
+    QSet<dev_t> seen;
+    Result first = Result::success();
+    for (const QByteArray& folder : std::as_const(m_changedFolders)) {
+        struct stat st
+        {};
 
-            if (stat(folder.constData(), &st) == 0 && !seen.contains(st.st_dev)) {
-                seen.insert(st.st_dev);
-                (void)hostfile::syncFileSystem(folder); // the journal still holds the steps
-            }
-        }
+        if (!each && (stat(folder.constData(), &st) != 0 || seen.contains(st.st_dev)))
+            continue;
+        seen.insert(st.st_dev);
+        const int fault = m_gate.fault("sync folder", folder);
+        Result synced =
+            each ? hostfile::syncFolder(folder, fault) : hostfile::syncFileSystem(folder, fault);
+        if (!synced && first)
+            first =
+                Result::failure(u"what was changed in '"_s +
+                                    m_gate.files().drives().toWindows(QString::fromUtf8(folder)) +
+                                    u"' is not safe: "_s + synced.text,
+                                synced.kind);
     }
     m_changedFolders.clear();
+    return first;
 }
 
 QStringList StepRunner::undo(const QList<JournalStep>& steps)
@@ -323,23 +411,25 @@ QStringList StepRunner::undo(const QList<JournalStep>& steps)
     for (const JournalStep& step : steps) {
         if (step.kind != StepKind::StagingFolder && step.kind != StepKind::KeptFolder)
             continue;
-        const ResultOf<QByteArray> host = m_gate.hostPath(step.target);
+        const bool kept = step.kind == StepKind::KeptFolder;
+        const QString folder = m_gate.path(step.target);
+        const ResultOf<QByteArray> host =
+            kept ? m_gate.hostPath(folder) : m_gate.hostFolder(folder);
         if (!host) {
             texts.push_back(host.text);
             continue;
         }
-        if (const int error = m_gate.fault("undo", *host)) {
-            texts.push_back(hostfile::errorText(error));
-            continue;
-        }
-        const Result removed = step.kind == StepKind::KeptFolder
-                                   ? hostfile::removeTree(*host)
-                                   : removeStaged(*host, stagedPrefix(m_operation));
+        const int fault = m_gate.fault("undo", *host);
+        Result done = fault != 0 ? systemFailure(fault)
+                      : kept     ? hostfile::removeTree(*host)
+                                 : removeStaged(*host, stagedPrefix(m_operation));
         // Gone for good before the journal forgets it.
-        hostfile::syncFolder(step.kind == StepKind::KeptFolder ? folderOf(*host) : *host);
-        if (!removed)
-            texts.push_back(u"What was left in '"_s + m_gate.path(step.target) +
-                            u"' could not be deleted: "_s + removed.text);
+        const QByteArray changed = kept ? folderOf(*host) : *host;
+        if (done)
+            done = hostfile::syncFolder(changed, m_gate.fault("sync folder", changed));
+        if (!done)
+            texts.push_back(u"What was left in '"_s + folder + u"' could not be deleted: "_s +
+                            done.text);
     }
     return texts;
 }

@@ -21,15 +21,24 @@ class StepRunner
 public:
     StepRunner(Gate& gate, qint64 operation) : m_gate(gate), m_operation(operation) {}
 
-    /// In order. A step that is found done is a success; a target that is neither what the step
-    /// expects nor what it makes is left alone and told.
-    QList<StepFailure> carryOut(const QList<JournalStep>& steps);
-    /// Makes the renames durable.
-    void syncFolders();
-    /// Deletes what is staged below the steps' staging and kept folders.
-    QStringList undo(const QList<JournalStep>& steps);
+    /// What became of an operation that was committed.
+    struct Completion
+    {
+        QList<StepFailure> failures; ///< targets that could not be brought about
+        QString unfinished;          ///< why the journal keeps the operation; empty: it has ended
+    };
+
+    /// Carries out the steps in order, makes that durable, closes the records and deletes what
+    /// could not be placed. A step that is found done is a success; a target that is neither what
+    /// the step expects nor what it makes is left alone and told.
+    [[nodiscard]] Completion complete(Journal& journal, const QList<JournalStep>& steps);
+    /// Deletes what is staged below the steps' staging and kept folders; tells what it could not.
+    [[nodiscard]] QStringList undo(const QList<JournalStep>& steps);
     /// Whether anything that this operation staged lies in the steps' staging folders.
     [[nodiscard]] bool anyStaged(const QList<JournalStep>& steps) const;
+    /// Why the steps cannot be met at present: a link on their way leads nowhere, or out without
+    /// having been confirmed. Empty when nothing stands in the way.
+    [[nodiscard]] QString obstacle(const QList<JournalStep>& steps) const;
 
 private:
     /// A folder that steps work in; kept open, because many steps share it.
@@ -58,18 +67,28 @@ private:
     Result carryOut(const JournalStep& step);
     Result placeFile(const JournalStep& step, const Target& target);
     Result placeFolder(const JournalStep& step, const Target& target);
-    Result merge(const QByteArray& staged, const QByteArray& target);
+    void merge(const QByteArray& staged, const QString& folder);
+    void mergeEntry(const QByteArray& from, const QByteArray& to, const QString& path);
     Result move(const JournalStep& step, const Target& target);
     Result removeFile(const JournalStep& step, const Target& target);
     Result removeSource(const JournalStep& step, const Target& target);
     void removeFolder(const Target& target);
     void noteChanged(const Target& target);
 
+    void failed(const QString& path, const QString& why) { m_failures.push_back({path, why}); }
+
+    Result syncFolders();
+
     Gate& m_gate;
     qint64 m_operation;
+    QList<StepFailure> m_failures;
+    bool m_merged = false; ///< a staged folder was emptied instead of renamed
     QHash<QString, std::shared_ptr<Folder>> m_folders; ///< by root and relative path
     QSet<QByteArray> m_changedFolders;
 };
+
+/// The steps that name folders with staged files: what is left to do once the others are recorded.
+[[nodiscard]] QList<JournalStep> stagingSteps(const QList<JournalStep>& steps);
 
 /// "~vt12-": how the names of everything begin that operation 12 stages.
 [[nodiscard]] QByteArray stagedPrefix(qint64 operation);

@@ -91,8 +91,13 @@ bool CAddonRemover::Remove_Begin()
             break;
     }
     if (m_failure) {
-        // A step that fails tells it in the results, and the next one still runs.
-        (void)step(u"Private Sub RemoveFiles"_s, &R::RemoveFiles);
+        // A step that fails tells it in the results, and the next one still runs; but a stop by the
+        // user, or a disk that fails, ends everything while nothing has changed.
+        const Result files = step(u"Private Sub RemoveFiles"_s, &R::RemoveFiles);
+        if (m_cancelled || files.kind == ErrorKind::DiskFull || files.kind == ErrorKind::DiskFailed)
+            m_failure = files;
+    }
+    if (m_failure) {
         (void)step(u"Private Sub SceneryLibrary_Update"_s, &R::SceneryLibrary_Update);
         (void)step(u"Private Sub AddonMasterTable_Update"_s, &R::AddonMasterTable_Update);
         (void)step(u"Private Sub CustomFolders_Delete"_s, &R::CustomFolders_Delete);
@@ -333,7 +338,13 @@ Result CAddonRemover::Changes_Apply()
 void CAddonRemover::Remove_End()
 {
     m_context.global.currentProcedure = u"Private Sub Remove_End"_s;
-    m_actions.reset(); // takes back what was staged and not applied
+    const Result undone = m_actions ? m_actions->abandon() : Result::success();
+    if (!undone) {
+        m_failure.text += u' ' + undone.text;
+        m_results.add(resultgroup::failedSpecialActions, undone.text);
+        m_context.errors.report(u"Private Sub Remove_End"_s, undone.text);
+    }
+    m_actions.reset();
     if (!m_failure)
         m_log.line(QString(u"   "_s + m_failure.text));
     m_log.line(u"Removing addon ...end.");

@@ -93,6 +93,7 @@ private:
     Result Changes_Apply();
     void Remove_End();
 
+    void confirmLinks();
     Result RemoveFile(File& file);
     void tellRelease(const File& file, const originals::Release& release);
     bool otherSceneryFilesIn(const SceneryAreaRecord& area);
@@ -123,8 +124,10 @@ private:
     std::vector<File> m_files;
     QHash<qint64, Fingerprint> m_checks;
     QHash<qint64, OriginalRecord> m_originals;
-    QSet<NoCase> m_keptFolders; ///< folders below Originals from which a kept file goes
+    QSet<NoCase> m_keptFolders;     ///< folders below Originals from which a kept file goes
+    QList<OuterLink> m_closedLinks; ///< nothing is changed behind them
     bool m_announcedSetAside = false;
+    bool m_cancelled = false;
     bool m_anyFailed = false;
 };
 

@@ -1,8 +1,10 @@
 // What a removal does with files and folders.
 #include "addondb/AddonDatabase.h"
+#include "platform/PathIndex.h"
 #include "platform/WinPath.h"
 #include "remove/CAddonRemover.h"
 #include "shell/ErrorLog.h"
+#include "shell/OuterLinks.h"
 
 using namespace Qt::StringLiterals;
 
@@ -66,12 +68,21 @@ Result CAddonRemover::RemoveFiles()
                                           return Result::success();
                                       return m_actions->announceKept(setAsideFolder);
                                   }});
+    confirmLinks();
     StatusSink& sink = m_context.services.status;
     for (size_t i = 0; i < m_files.size(); ++i) {
+        if (sink.cancelled()) {
+            m_cancelled = true;
+            return Result::failure(u"The removal of '"_s + m_record.name +
+                                       u"' was stopped; nothing was changed."_s,
+                                   ErrorKind::Declined);
+        }
         if (i % progressEvery == 0)
             sink.progress(qint64(i), qint64(m_files.size()));
         File& file = m_files[i];
         if (Result removed = RemoveFile(file); !removed) {
+            if (removed.kind == ErrorKind::DiskFull || removed.kind == ErrorKind::DiskFailed)
+                return Result::failure(removed.text + u" Nothing was removed."_s, removed.kind);
             file.outcome = RemovalOutcome::Failed;
             const QString path = file.detail.location + file.detail.name;
             m_context.errors.report(u"Private Sub RemoveFile"_s, path + u": "_s + removed.text);
@@ -83,6 +94,18 @@ Result CAddonRemover::RemoveFiles()
     return Result::success();
 }
 
+void CAddonRemover::confirmLinks()
+{
+    QStringList folders = {m_context.global.originalsFolder};
+    for (const File& file : m_files) {
+        if (file.detail.location != folders.last())
+            folders.push_back(file.detail.location);
+    }
+    m_closedLinks = outerlinks::confirm(m_context, folders);
+    for (const OuterLink& link : std::as_const(m_closedLinks))
+        m_results.add(resultgroup::failedSpecialActions, outerlinks::closedText(link));
+}
+
 Result CAddonRemover::RemoveFile(File& file)
 {
     const DetailRecord& detail = file.detail;
@@ -90,8 +113,13 @@ Result CAddonRemover::RemoveFile(File& file)
     status(u"Processing '"_s + detail.name + u"'..."_s);
     m_log.line(
         QString(u"Removing file "_s + path + u" using method "_s + QString::number(int(m_method))));
-    const auto now = m_context.services.files.info(path);
-    if (now && now->folder)
+    if (!m_closedLinks.isEmpty()) {
+        const auto closed = m_context.services.gate.outerLink(detail.location);
+        if (closed)
+            return Result::failure(outerlinks::closedText(*closed));
+    }
+    const auto now = m_context.services.files.entry(path);
+    if (now && now->folder && !now->link)
         return Result::failure(u"a folder of that name lies there now."_s);
     const auto kept = m_originals.constFind(detail.key);
     const auto original = kept == m_originals.cend() ? std::nullopt : std::optional(*kept);
@@ -235,18 +263,18 @@ void CAddonRemover::cleanKeptFolders()
 
 void CAddonRemover::tellFiles(const QList<StepFailure>& failures)
 {
-    QHash<NoCase, QString> failed;
+    PathIndex failed;
     for (const StepFailure& failure : failures) {
-        failed.insert(NoCase{failure.path}, failure.text);
+        failed.insert(failure.path, failure.text);
         m_anyFailed = true;
         m_context.errors.report(u"Private Sub Changes_Apply"_s,
                                 failure.path + u": "_s + failure.text);
     }
     for (File& file : m_files) {
         const QString path = file.detail.location + file.detail.name;
-        if (!failed.isEmpty() && failed.contains(NoCase{path})) {
+        if (const QString* why = failed.find(path)) {
             file.outcome = RemovalOutcome::Failed;
-            m_results.addCause(path, failed.value(NoCase{path}));
+            m_results.addCause(path, *why);
         }
         m_anyFailed = m_anyFailed || file.outcome == RemovalOutcome::Failed;
         m_results.add(file.outcome == RemovalOutcome::Removed ? resultgroup::processed
@@ -254,8 +282,8 @@ void CAddonRemover::tellFiles(const QList<StepFailure>& failures)
                       path,
                       removalPhrase(file.outcome));
     }
-    if (const NoCase library{m_context.global.sceneryCfgFile}; failed.contains(library))
-        tellLibraryFailure(failed.value(library));
+    if (const QString* why = failed.find(m_context.global.sceneryCfgFile))
+        tellLibraryFailure(*why);
     m_results.append(std::move(m_libraryResults));
 }
 

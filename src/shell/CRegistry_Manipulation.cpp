@@ -128,6 +128,11 @@ bool CRegistry_Manipulation::SaveKeyDirect(Hive hive,
     return m_store.setValue(hive, keyPath, storedName(valueName), value).ok;
 }
 
+Result CRegistry_Manipulation::Save(FileActions& actions)
+{
+    return m_store.save(actions);
+}
+
 bool CRegistry_Manipulation::SaveSetting(const QString& section,
                                          const QString& valueName,
                                          const QString& value)

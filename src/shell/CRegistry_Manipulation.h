@@ -52,6 +52,9 @@ public:
                        const QString& value);
     bool SaveSetting(const QString& section, const QString& valueName, const QString& value);
 
+    /// Writes the store to its file; on failure the old file stands.
+    Result Save(FileActions& actions);
+
 private:
     RegistryStore& m_store;
     Prompts& m_prompts;

@@ -168,6 +168,11 @@ bool Settings::setColour(SettingKey key, qint32 value)
     return setText(key, QString::number(value));
 }
 
+Result Settings::store(FileActions& actions)
+{
+    return m_registry.Save(actions);
+}
+
 bool Settings::clear(SettingKey key)
 {
     if (isProgramWide(key))

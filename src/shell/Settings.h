@@ -3,6 +3,7 @@
 // or of the wrong type reads as its default, and reading never writes.
 #pragma once
 
+#include "platform/Result.h"
 #include "shell/SettingsTable.h"
 
 #include <QString>
@@ -14,6 +15,7 @@
 namespace vt {
 
 class CRegistry_Manipulation;
+class FileActions;
 struct GlobalRecord;
 
 class Settings
@@ -40,6 +42,8 @@ public:
     bool setFlag(SettingKey key, bool value);
     bool setNumber(SettingKey key, qint32 value);
     bool setColour(SettingKey key, qint32 value);
+    /// Saves what was written to the disk at once, for what must outlive a sudden end.
+    Result store(FileActions& actions);
     /// Back to the default: the stored value is deleted.
     bool clear(SettingKey key);
 

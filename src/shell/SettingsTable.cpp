@@ -417,6 +417,10 @@ constexpr SettingRow settingRows[] = {
     flagRow(Section::Reporting, u"Auto Open", true, "open a report once it is saved"),
     numberRow(Section::Reporting, u"Method", u"0", upTo(1), "form of reports: 0 HTML, 1 text"),
     flagRow(Section::Reporting, u"Prompt For Path", true, "ask where a report is to be saved"),
+    textRow(Section::FlightSimulator,
+            u"Confirmed Links",
+            u"",
+            "links out of the simulator's folder that may be used: link|where it leads|..."),
 };
 
 static_assert(std::size(settingRows) == static_cast<size_t>(SettingKey::Count));

@@ -169,6 +169,7 @@ enum class SettingKey : quint8
     ReportAutoOpen,
     ReportMethod,
     ReportPromptForPath,
+    ConfirmedLinks,
     Count,
 };
 

@@ -91,20 +91,12 @@ Result CSceneryCfgMgr::SceneryCfg_Backup()
 
 Result CSceneryCfgMgr::write(const QByteArray& bytes, bool readOnly)
 {
-    FileActions& actions = m_access.actions;
     if (!readOnly)
-        return actions.replace(m_file, bytes);
-    // Written new, so that the mark goes. Should that fail, the old bytes go back at once.
-    const ResultOf<QByteArray> before = actions.read(m_file, configFileLimit);
-    if (!before)
-        return before.error();
-    if (Result removed = actions.remove(m_file); !removed)
-        return removed;
-    const Result written = actions.replace(m_file, bytes);
-    if (written)
-        return written;
-    const Result back = actions.replace(m_file, *before);
-    return back ? written : Result::failure(written.text + u' ' + back.text);
+        return m_access.actions.replace(m_file, bytes);
+    Content content = Content::ofBytes(bytes);
+    content.writable = true;
+    const ResultOf<Fingerprint> written = m_access.actions.place(m_file, content);
+    return written ? Result::success() : written.error();
 }
 
 Result CSceneryCfgMgr::failedSave(const Result& why)

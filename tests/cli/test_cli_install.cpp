@@ -135,6 +135,39 @@ private Q_SLOTS:
         QCOMPARE(world.json({u"history"_s}).array().size(), 1);
     }
 
+    void sceneryBehindALink_isUsedOnceConfirmed()
+    {
+        InstallWorld world;
+        const QString scenery = world.simulator + u"/Addon Scenery"_s;
+        const QString outside = world.dir.filePath(u"big disk"_s);
+        QVERIFY(QDir().rename(scenery, outside) && QFile::link(outside, scenery));
+        const TreeSnapshot before = hashTree(outside);
+        const QStringList plan = {u"plan"_s, u"pack.zip"_s};
+        const QStringList install = {u"install"_s, u"pack.zip"_s};
+        const QStringList yes = {u"--answer"_s, u"yes"_s};
+        const auto planned = [&](const QStringList& call) {
+            int count = 0;
+            for (const QJsonValue& item : world.json(call).object()[u"items"].toArray())
+                count += item[u"install"].toBool();
+            return count;
+        };
+        const QJsonArray problems = world.json(plan).object()[u"problems"].toArray();
+        QCOMPARE(problems.size(), 1);
+        QVERIFY(problems[0][u"text"].toString().contains(world.windows(u"big disk"_s) + u"\\'"_s));
+        QCOMPARE(planned(plan), 1);
+        QCOMPARE(planned(plan + yes), 11);
+
+        const QJsonObject declined = world.json(install, 1).object();
+        QCOMPARE(declined[u"results"][u"Installed"].toArray().size(), 1);
+        QCOMPARE(differences(before, hashTree(outside), Backups::Compare), QStringList());
+        const QJsonObject done = world.json(install + yes).object();
+        QCOMPARE(done[u"results"][u"Installed"].toArray().size(), 11);
+        QCOMPARE(planned(plan), 11); // it is remembered
+        for (const QJsonObject& each : {done, declined})
+            QCOMPARE(world.run({u"remove"_s, QString::number(each[u"key"].toInt())}).status, 0);
+        QCOMPARE(differences(before, hashTree(outside), Backups::Compare), QStringList());
+    }
+
     void unfit_isOneSentence_andLeavesNoTrace_data()
     {
         QTest::addColumn<QStringList>("arguments");

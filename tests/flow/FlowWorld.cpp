@@ -3,11 +3,16 @@
 #include "addondb/JournalTable.h"
 #include "demo/SampleAddons.h"
 #include "platform/WinPath.h"
+#include "shell/OuterLinks.h"
+#include "shell/startup/Preparation.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -45,7 +50,9 @@ FlowWorld::FlowWorld(const QString& folder)
     gate.setRoot(RootId::AllUsersConfig, demo.allUsersFolder);
     gate.setRoot(RootId::UserConfig, demo.userDataFolder);
     gate.setRoot(RootId::Documents, demo.documentsFolder);
+    (void)registry.load(files, registryFile(global));
     settings.Registry_LoadSettings();
+    outerlinks::attach(gate, settings);
     for (const QString& own : {global.originalsFolder,
                                global.addonsFolder,
                                global.backupsFolder,
@@ -120,6 +127,75 @@ QString FlowWorld::simulatorPath(const QString& relative) const
 QString FlowWorld::hostPath(const QString& relative) const
 {
     return QString::fromUtf8(files.hostPath(demo.simulatorFolder + relative));
+}
+
+int countPoints(FlowWorld& world, const std::function<void(FlowWorld&)>& work)
+{
+    int points = 0;
+    world.gate.faultHook = [&](const char*, const QByteArray&) {
+        ++points;
+        return 0;
+    };
+    work(world);
+    world.gate.faultHook = {};
+    return points;
+}
+
+bool runAndEnd(const QString& folder,
+               int n,
+               const std::function<void(FlowWorld&)>& work,
+               const std::function<void(const char*)>& before)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        FlowWorld world(folder);
+        world.prompts.defaultsBeyondQueue = true;
+        if (!world.start())
+            _exit(3);
+        world.gate.faultHook = [&, left = n](const char* action, const QByteArray&) mutable {
+            if (before)
+                before(action);
+            if (--left == 0)
+                _exit(9);
+            return 0;
+        };
+        work(world);
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 9)
+        return true;
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        qFatal("the child process failed");
+    return false;
+}
+
+bool startAndEnd(const QString& folder, int n)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        FlowWorld world(folder);
+        world.gate.faultHook = [left = n](const char*, const QByteArray&) mutable {
+            if (--left == 0)
+                _exit(9);
+            return 0;
+        };
+        _exit(world.start() ? 0 : 3);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 9;
+}
+
+QStringList strayStaging(const TreeSnapshot& tree)
+{
+    QStringList out;
+    for (auto it = tree.cbegin(); it != tree.cend(); ++it) {
+        if (it.key().contains(u"~vt"))
+            out.push_back(it.key());
+    }
+    return out;
 }
 
 QString writePack(const QString& hostFolder, const QString& name, const DemoFiles& files)

@@ -26,6 +26,19 @@ namespace vt::test {
 /// A folder for a test on a memory file system where there is one.
 [[nodiscard]] QString temporaryTemplate();
 
+/// Stops after some looks, as a user would between two files.
+class StoppingStatus final : public StatusSink
+{
+public:
+    void text(const QString&, const QString&) override {}
+
+    void progress(qint64, qint64) override {}
+
+    bool cancelled() override { return looksUntilStop >= 0 && --looksUntilStop < 0; }
+
+    int looksUntilStop = -1; ///< negative: never
+};
+
 class FlowWorld
 {
 public:
@@ -52,7 +65,7 @@ public:
     Gate gate{files};
     DirectActions actions{gate};
     ScriptedPrompts prompts;
-    SilentStatus status;
+    StoppingStatus status;
     Clock clock;
     AnsiCodec ansi;
     RegistryStore registry;
@@ -68,6 +81,19 @@ public:
     Results results;        ///< of the last operation
     bool anyFailed = false; ///< of the last removal
 };
+
+/// How many fault points \a work passes.
+int countPoints(FlowWorld& world, const std::function<void(FlowWorld&)>& work);
+/// Runs \a work on the world at \a folder in a process of its own that ends at fault point \a n (1
+/// is the first); true when it was ended. \a before is called at each point.
+bool runAndEnd(const QString& folder,
+               int n,
+               const std::function<void(FlowWorld&)>& work,
+               const std::function<void(const char* action)>& before = {});
+/// A start that is itself ended at its n-th fault point.
+bool startAndEnd(const QString& folder, int n);
+/// What staging left behind.
+[[nodiscard]] QStringList strayStaging(const TreeSnapshot& tree);
 
 /// An archive of these files at a host path.
 [[nodiscard]] QString

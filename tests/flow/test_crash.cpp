@@ -8,84 +8,9 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 using namespace Qt::StringLiterals;
 using namespace vt;
 using namespace vt::test;
-
-namespace {
-
-/// Ends the process at the n-th fault point (1 is the first).
-void endAt(FlowWorld& world, int n)
-{
-    world.gate.faultHook = [left = n](const char*, const QByteArray&) mutable {
-        if (--left == 0)
-            _exit(9);
-        return 0;
-    };
-}
-
-int countPoints(FlowWorld& world, const std::function<void(FlowWorld&)>& work)
-{
-    int points = 0;
-    world.gate.faultHook = [&](const char*, const QByteArray&) {
-        ++points;
-        return 0;
-    };
-    work(world);
-    world.gate.faultHook = {};
-    return points;
-}
-
-/// Runs \a work in a process of its own that ends at fault point \a n; true when it was ended.
-bool runAndEnd(const QString& folder, int n, const std::function<void(FlowWorld&)>& work)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        FlowWorld world(folder);
-        world.prompts.defaultsBeyondQueue = true;
-        if (!world.start())
-            _exit(3);
-        endAt(world, n);
-        work(world);
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 9)
-        return true;
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        qFatal("the child process failed");
-    return false;
-}
-
-/// A start that is itself ended at its n-th fault point.
-bool startAndEnd(const QString& folder, int n)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        FlowWorld world(folder);
-        endAt(world, n);
-        _exit(world.start() ? 0 : 3);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 9;
-}
-
-QStringList strayStaging(const TreeSnapshot& tree)
-{
-    QStringList out;
-    for (auto it = tree.cbegin(); it != tree.cend(); ++it) {
-        if (it.key().contains(u"~vt"))
-            out.push_back(it.key());
-    }
-    return out;
-}
-
-} // namespace
 
 class TestCrash : public QObject
 {

@@ -372,6 +372,25 @@ private Q_SLOTS:
         QVERIFY(effect == existingEffect());
     }
 
+    void removal_stoppedBetweenFiles_changesNothing()
+    {
+        m_world->prompts.expect(u"already exists"_s, Button::Yes);
+        const ResultOf<qint64> key = m_world->install(effectsPack());
+        QVERIFY(key.ok());
+        QVERIFY(m_world->actions.replace(m_world->simulatorPath(u"Effects\\fx_new.fx"_s), "mine"));
+        const TreeSnapshot installed = m_world->tree();
+        m_world->status.looksUntilStop = 2;
+        const Result stopped = m_world->remove(*key);
+        m_world->status.looksUntilStop = -1;
+        QVERIFY(!stopped.ok);
+        QCOMPARE(stopped.kind, ErrorKind::Declined);
+        QCOMPARE(differences(installed, m_world->tree(), Backups::Compare), QStringList());
+        QCOMPARE(modDatabase_Addon::detailsOf(*m_world->database, *key)->size(), 3);
+        QCOMPARE(m_world->files.filesBelow(m_world->global.backupsFolder), QStringList());
+        QVERIFY(m_world->remove(*key));
+        QCOMPARE(changes(), QStringList());
+    }
+
     void failedFile_staysRecorded_withItsAddon()
     {
         m_world->prompts.expect(u"already exists"_s, Button::Yes);
@@ -533,22 +552,6 @@ private Q_SLOTS:
                                     wrong.value(0)));
             } while (std::next_permutation(out.begin(), out.end()));
         } while (std::next_permutation(in.begin(), in.end()));
-    }
-
-    void linkAsTarget_isReplacedAndItsContentComesBack()
-    {
-        const QString effect = existingEffect();
-        const QString host = m_world->hostPath(u"Effects\\"_s + effect);
-        const QByteArray old = bytesAt(u"Effects\\"_s + effect);
-        QVERIFY(QFile::rename(host, m_dir->filePath(u"elsewhere.fx"_s)));
-        QVERIFY(QFile::link(m_dir->filePath(u"elsewhere.fx"_s), host));
-        m_world->prompts.expect(u"already exists"_s, Button::Yes);
-        const ResultOf<qint64> key = m_world->install(effectsPack());
-        QVERIFY(key.ok());
-        QCOMPARE(m_world->results.count(resultgroup::installed), 3);
-        QVERIFY(m_world->remove(*key));
-        QVERIFY(!m_world->anyFailed);
-        QCOMPARE(bytesAt(u"Effects\\"_s + effect), old);
     }
 
     void secondRemoval_doesNotTouchWhatTheFirstSetAside()

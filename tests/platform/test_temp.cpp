@@ -225,9 +225,11 @@ void TestTemp::space()
     QVERIFY(!unknown.ok());
     QVERIFY2(unknown.text.contains(u"Q:\\x"_s), qPrintable(unknown.text));
 
-    QVERIFY(sameFileSystem(disk.files, u"C:\\FSX\\", u"C:\\Vantrel\\none\\a"));
-    QVERIFY(!sameFileSystem(disk.files, u"C:\\FSX\\", u"Z:\\proc\\self"));
-    QVERIFY(!sameFileSystem(disk.files, u"C:\\FSX\\", u"Q:\\"));
+    const auto fsx = fileSystemOf(disk.files, u"C:\\FSX\\");
+    QVERIFY(fsx.has_value());
+    QCOMPARE(fileSystemOf(disk.files, u"C:\\Vantrel\\none\\a"), fsx);
+    QVERIFY(fileSystemOf(disk.files, u"Z:\\proc\\self") != fsx);
+    QVERIFY(!fileSystemOf(disk.files, u"Q:\\"));
 }
 
 VT_TEST_CLASS(TestTemp)

@@ -172,6 +172,12 @@ Result deleteRows(Connection& database,
     });
 }
 
+/// Name of the counter of master keys.
+QString keyCounter()
+{
+    return u"Addon_Master_Key"_s;
+}
+
 } // namespace
 
 // --- counters ---
@@ -199,24 +205,27 @@ Result setCounter(Connection& database, const QString& name, qint64 value)
     });
 }
 
+ResultOf<qint64> nextMasterKey(Connection& database)
+{
+    qint64 key = counter(database, keyCounter());
+    for (const Table table : {Table::Addon_Master, Table::Addon_History}) {
+        Recordset rows(database, table);
+        if (rows.moveLast())
+            key = qMax(key, rows.number(Field::Addon_Master_Key));
+        else if (!rows.error())
+            return rows.error();
+    }
+    return key + 1;
+}
+
 ResultOf<qint64> newMasterKey(Connection& database)
 {
-    qint64 key = 0;
+    ResultOf<qint64> key = Result::failure(QString());
     const Result done = database.together([&]() -> Result {
-        const QString name = u"Addon_Master_Key"_s;
-        key = counter(database, name);
-        for (const Table table : {Table::Addon_Master, Table::Addon_History}) {
-            Recordset rows(database, table);
-            if (rows.moveLast())
-                key = qMax(key, rows.number(Field::Addon_Master_Key));
-            else if (!rows.error())
-                return rows.error();
-        }
-        return setCounter(database, name, ++key);
+        key = nextMasterKey(database);
+        return key ? setCounter(database, keyCounter(), *key) : key.error();
     });
-    if (!done)
-        return done;
-    return key;
+    return done ? key : ResultOf<qint64>(done);
 }
 
 // --- the add-on itself ---

@@ -30,6 +30,8 @@ namespace vt::modDatabase_Addon {
 Result createAddon(Connection& database, AddonRecord& addon);
 /// Raises the counter so that a key above all used ones is returned; never returned again.
 [[nodiscard]] ResultOf<qint64> newMasterKey(Connection& database);
+/// The key that newMasterKey() would return next.
+[[nodiscard]] ResultOf<qint64> nextMasterKey(Connection& database);
 /// "Could not locate the addon master record." (kind Failed) for an unknown key.
 [[nodiscard]] ResultOf<AddonRecord> addon(Connection& database, qint64 masterKey);
 /// Every master row in the order of keys; descriptions only when asked for.
@@ -126,6 +128,7 @@ Result setItemDetail(Connection& database, ItemTable table, const ItemDetailReco
 Result moveItemSections(Connection& database,
                         const QString& item,
                         const QList<std::pair<QString, QString>>& moves);
+/// Of an aircraft without a section: the rows of all its sections.
 Result deleteItemDetail(Connection& database,
                         ItemTable table,
                         const QString& item,

@@ -268,7 +268,7 @@ deleteItemDetail(Connection& database, ItemTable table, const QString& item, con
 {
     return database.together([&]() -> Result {
         Recordset rows(database, tableOf(table));
-        const Result deleted = table == ItemTable::Aircraft
+        const Result deleted = table == ItemTable::Aircraft && !section.isEmpty()
                                    ? rows.deleteAllMatching({item.toLower(), sectionKey(section)})
                                    : rows.deleteAllMatching({item.toLower()});
         if (!deleted)

@@ -48,8 +48,7 @@ ResultOf<ConfigBaseRecord> beforeEdit(Connection& database,
         return now.error();
     if (auto earlier = modDatabase_Addon::configBase(database, *place)) {
         if (!isLastWritten(*now, *earlier))
-            earlier->keptFile
-                .clear(); // somebody else's edits lie between: no way back to old bytes
+            dropBase(actions, global, *earlier);
         return *earlier;
     }
     ConfigBaseRecord base;
@@ -58,6 +57,9 @@ ResultOf<ConfigBaseRecord> beforeEdit(Connection& database,
     if (Result announced = actions.announceKept(folder); !announced)
         return announced;
     base.keptFile = keptFolder(actions.operation()) + winpath::name(file);
+    for (int number = 2; gate.files().exists(global.originalsFolder + base.keptFile); ++number)
+        base.keptFile = keptFolder(actions.operation()) + winpath::baseName(file) + u' ' +
+                        QString::number(number) + u'.' + winpath::extension(file);
     if (Result kept = actions.keep(file, global.originalsFolder + base.keptFile); !kept)
         return kept;
     return base;

@@ -225,7 +225,7 @@ QList<ManufacturerGroup> Catalogue::grouped() const
     for (const Shown& one : all) {
         if (out.isEmpty() || !equalNoCase(out.last().manufacturer, one.manufacturer))
             out.push_back({one.manufacturer, {}});
-        QList<TypeGroup>& types = out.last().types;
+        QList<CatalogueTypeGroup>& types = out.last().types;
         if (types.isEmpty() || !equalNoCase(types.last().type, one.type))
             types.push_back({one.type, {}});
         types.last().variations.push_back(one.number);

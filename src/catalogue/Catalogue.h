@@ -52,7 +52,7 @@ struct CatalogueProblem
     QString text; ///< one sentence that names the file
 };
 
-struct TypeGroup
+struct CatalogueTypeGroup
 {
     QString type;
     QList<quint32> variations; ///< numbers of variations, by name
@@ -61,7 +61,7 @@ struct TypeGroup
 struct ManufacturerGroup
 {
     QString manufacturer;
-    QList<TypeGroup> types;
+    QList<CatalogueTypeGroup> types;
 };
 
 class Catalogue final : public InstalledTitles

@@ -5,6 +5,7 @@
 #include "cli/Command.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
+#include "simconfig/AddonVariations.h"
 
 using namespace Qt::StringLiterals;
 
@@ -234,6 +235,16 @@ int showAddon(World& world, const Arguments& arguments)
     writeItems(world, *shown, true);
     writeAreas(world, shown->areas);
     out.beginArray(u"variants");
+    for (const auto& variation : addonvariations::find(
+             ConfigAccess(world.services()), shown->row.addon.key, shown->items.details())) {
+        world.say(u"Aircraft variation '"_s + variation.title + u"' ["_s + variation.section +
+                  u"] of "_s + variation.file);
+        out.beginObject();
+        out.field(u"file", variation.file);
+        out.field(u"section", variation.section);
+        out.field(u"title", variation.title);
+        out.endObject();
+    }
     out.endArray();
     out.endObject();
     return Done;

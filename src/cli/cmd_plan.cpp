@@ -1,4 +1,5 @@
 // classify and plan: what a file is, and what an installation would do. Both only read.
+#include "addondb/AddonDatabase.h"
 #include "cli/InstallArguments.h"
 #include "install/CAddonInstallationDetails.h"
 #include "shell/JsonStream.h"
@@ -67,12 +68,10 @@ void writeItem(JsonStream& out,
     out.endObject();
 }
 
-void writeDecisions(JsonStream& out,
-                    const CAddonInstallationDetails& details,
-                    const PlanFacts& facts)
+void writeDecisions(JsonStream& out, const PlanFacts& facts)
 {
     out.beginArray(u"variants");
-    for (const PlannedVariant& variant : details.variants()) {
+    for (const PlannedVariant& variant : facts.variants()) {
         out.beginObject();
         out.field(u"title", variant.title);
         out.field(u"variation", variant.variation);
@@ -143,7 +142,7 @@ void writePlan(JsonStream& out, const CAddonInstallationDetails& details, const 
     for (const CAddon_Item& item : addon.colAddonItems())
         writeItem(out, item, details, closed);
     out.endArray();
-    writeDecisions(out, details, facts);
+    writeDecisions(out, facts);
     writeProblems(out, details, facts.problems);
     out.field(u"eliminatedDuplicates", addon.Array_sarrayEliminatedDuplicateItems_Get());
     out.field(u"bytesNeeded", details.bytesNeeded());
@@ -174,7 +173,7 @@ void sayPlan(World& world, const CAddonInstallationDetails& details, const PlanF
                   targetLine(item, details, closed));
     for (const SceneryAreaToAdd& area : facts.sceneryAreas())
         world.say(u"New scenery area '"_s + area.title + u"': "_s + area.folder);
-    for (const PlannedVariant& variant : details.variants())
+    for (const PlannedVariant& variant : facts.variants())
         world.say(u"Aircraft variation '"_s + variant.title + u"', texture "_s + variant.texture);
     for (const PlanProblem& problem : facts.problems)
         world.say(u"Problem: "_s + problem.sentence(addon));
@@ -184,9 +183,16 @@ int runPlan(World& world, const Arguments& arguments)
 {
     if (Result ready = world.needSimulator(); !ready)
         return world.fail(ready);
-    const ResultOf<InstallOptions> options = installOptionsOf(world, arguments, false);
+    ResultOf<InstallOptions> options = installOptionsOf(world, arguments, false);
     if (!options)
         return world.fail(options.error());
+    // A database that cannot be read is the installation's matter.
+    if (world.needDatabase() && world.database()) {
+        if (const auto key = modDatabase_Addon::nextMasterKey(*world.database()))
+            options->masterKey = *key;
+    } else {
+        options->masterKey = 1;
+    }
     CAddonInstallationDetails details(world.context());
     const QString source = world.userPath(arguments.one(u"SOURCE"_s));
     if (Result prepared = details.prepare(source, *options); !prepared)

@@ -114,6 +114,7 @@ struct CAddonInstallationDetails::Analysis
     void addLooseTextures();
     void findSections(Repaint& repaint) const;
     [[nodiscard]] bool sectionsIn(int folder, Repaint& repaint) const;
+    [[nodiscard]] QString installedWithFlightModel(const Repaint& repaint) const;
     void resolveRepaints();
     void resolveRepaint(Repaint& repaint);
     void placeParts(Repaint& repaint, const QString& aircraft);

@@ -1,5 +1,6 @@
 // Claiming textures for aircraft, and finding the aircraft that they are for. A repaint is never
 // installed as an aircraft: its aircraft.cfg is read and stays out of the simulator.
+#include "catalogue/Catalogue.h"
 #include "install/Analysis.h"
 #include "platform/WinPath.h"
 
@@ -166,6 +167,30 @@ int CAddonInstallationDetails::Analysis::aircraftGroupFor(const Repaint& repaint
     return -1;
 }
 
+/// The one installed aircraft with the flight model that the repaint's sections name.
+QString CAddonInstallationDetails::Analysis::installedWithFlightModel(const Repaint& repaint) const
+{
+    QSet<NoCase> models;
+    for (const AircraftSection& section : repaint.facts.sections) {
+        if (!section.sim.isEmpty())
+            models.insert(NoCase{section.sim});
+    }
+    if (models.isEmpty())
+        return {};
+    const Catalogue& catalogue = d.catalogue();
+    QString found;
+    for (quint32 i = 0; i < catalogue.variationCount(); ++i) {
+        const CatalogueVariation variation = catalogue.variation(i);
+        if (!models.contains(NoCase{variation.sim.toString()}))
+            continue;
+        const QString folder = winpath::parent(catalogue.file(variation.config));
+        if (!found.isEmpty() && !winpath::same(found, folder))
+            return {}; // several: the user chooses
+        found = folder;
+    }
+    return found;
+}
+
 void CAddonInstallationDetails::Analysis::resolveRepaints()
 {
     for (Repaint& repaint : repaints)
@@ -186,6 +211,9 @@ void CAddonInstallationDetails::Analysis::resolveRepaint(Repaint& repaint)
         aircraft = d.m_options.aircraftFolder;
     } else if (!repaint.givenAircraft.isEmpty()) {
         group.baseMissing = true;
+    } else if (const QString same = installedWithFlightModel(repaint);
+               d.groups(MappedGroup::Aircraft).empty() && !same.isEmpty()) {
+        aircraft = same;
     } else {
         // Chained to the aircraft of the default group, when the add-on brings one.
         const std::vector<InstallationGroup>& all = d.groups(MappedGroup::Aircraft);

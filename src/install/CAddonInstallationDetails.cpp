@@ -2,6 +2,7 @@
 // _Validate, what a plan tells in _Facts.
 #include "install/CAddonInstallationDetails.h"
 
+#include "catalogue/Catalogue.h"
 #include "install/Analysis.h"
 #include "platform/WinPath.h"
 #include "shell/Settings.h"
@@ -77,12 +78,27 @@ std::unique_ptr<CAddonInstallationDetails> CAddonInstallationDetails::Clone() co
     auto copy = std::make_unique<CAddonInstallationDetails>(m_context);
     copy->sVariantDataFilename = sVariantDataFilename;
     copy->m_source = m_source;
+    copy->m_catalogue = m_catalogue;
     copy->m_addon = m_addon->Clone();
     copy->m_options = m_options;
     copy->m_storageFolder = m_storageFolder;
     copy->m_remarks = m_remarks;
     std::copy(std::begin(m_groups), std::end(m_groups), std::begin(copy->m_groups));
     return copy;
+}
+
+Catalogue& CAddonInstallationDetails::catalogue() const
+{
+    if (!m_catalogue) {
+        m_catalogue = std::make_shared<Catalogue>(m_context.global);
+        m_catalogue->open(m_context.services);
+    }
+    return *m_catalogue;
+}
+
+Result CAddonInstallationDetails::saveCatalogue() const
+{
+    return m_catalogue ? m_catalogue->save(m_context.services) : Result::success();
 }
 
 const std::vector<InstallationGroup>& CAddonInstallationDetails::groups(MappedGroup family) const

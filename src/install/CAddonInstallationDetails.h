@@ -4,10 +4,12 @@
 
 #include "addondb/CAddon_ItemGroup.h"
 #include "install/AddonSource.h"
+#include "install/AircraftEdit.h"
 #include "install/InstallOptions.h"
 #include "install/InstallationGroup.h"
 #include "platform/Result.h"
 #include "shell/Context.h"
+#include "simconfig/AddonVariations.h"
 #include "simconfig/engine/LineArray.h"
 
 #include <QList>
@@ -21,6 +23,7 @@
 namespace vt {
 
 class CSceneryCfgMgr;
+class Catalogue;
 
 namespace plantext {
 /// "*** Not Selected ***", "Same target folder as item", "Do not install".
@@ -59,14 +62,26 @@ struct LibraryChanges
     QString problem;     ///< why the library as a whole stays as it is; empty when it does not
 };
 
+/// A variation as the plan tells it.
+struct PlannedVariant
+{
+    QString title;
+    QString variation;
+    QString texture;  ///< suffix in the aircraft's folder
+    QString aircraft; ///< folder, empty when it is not known
+    QString file;     ///< the aircraft.cfg that gets the section
+};
+
 /// What a plan tells beyond its items.
 struct PlanFacts
 {
     LibraryChanges library;
+    QList<AircraftEdit> aircraft; ///< of every aircraft.cfg that the add-on concerns
     QList<PlanProblem> problems;
 
     /// The areas that are added.
     [[nodiscard]] QList<SceneryAreaToAdd> sceneryAreas() const;
+    [[nodiscard]] QList<PlannedVariant> variants() const;
     /// The changes of all configuration files.
     [[nodiscard]] QList<ConfigChange> configChanges() const;
     /// The first blocking problem as a failure, or success.
@@ -82,16 +97,6 @@ enum class DateOrder : quint8
     ItemIsNewer,
 };
 
-/// A variation as the plan tells it.
-struct PlannedVariant
-{
-    QString title;
-    QString variation;
-    QString texture;  ///< suffix in the aircraft's folder
-    QString aircraft; ///< folder, empty when it is not known
-    QString file;     ///< the aircraft.cfg that gets the section
-};
-
 class CAddonInstallationDetails
 {
 public:
@@ -102,7 +107,7 @@ public:
     CAddonInstallationDetails& operator=(const CAddonInstallationDetails&) = delete;
 
     /// Name under which the variations' data file is installed.
-    QString sVariantDataFilename = QStringLiteral("VT Aircraft Variant Data File.txt");
+    QString sVariantDataFilename = addonvariations::dataFilename();
 
     /// Lists the source, analyses it and applies the options: the whole proposal. A failure says
     /// why the source cannot be used; problems of single items are in problems().
@@ -124,6 +129,11 @@ public:
     [[nodiscard]] const std::vector<InstallationGroup>& groups(MappedGroup family) const;
     [[nodiscard]] std::vector<InstallationGroup>& groups(MappedGroup family);
 
+    /// What is installed, read when it is first asked for.
+    [[nodiscard]] Catalogue& catalogue() const;
+    /// Keeps what was read of it for later runs; only for whoever holds the program folder's lock.
+    Result saveCatalogue() const;
+
     /// Where panels or sounds without an aircraft get a folder of their own.
     [[nodiscard]] QString lonePartFolder(MappedGroup family) const;
 
@@ -137,7 +147,8 @@ public:
 
     [[nodiscard]] Result installable() const { return facts().installable(*m_addon); }
 
-    [[nodiscard]] QList<PlannedVariant> variants() const;
+    [[nodiscard]] QList<PlannedVariant> variants() const { return facts().variants(); }
+
     [[nodiscard]] DateOrder compareDates(const CAddon_Item& item, const FileInfo& existing) const;
     /// Whether only more recent files may replace existing ones, and this one is not.
     [[nodiscard]] bool moreRecentIsKept(const CAddon_Item& item, const FileInfo& existing) const;
@@ -263,6 +274,7 @@ private:
     void addRemark(qint32 item, const QString& text, bool blocks);
 
     Context& m_context;
+    mutable std::shared_ptr<Catalogue> m_catalogue;
     std::shared_ptr<AddonSource> m_source;
     std::unique_ptr<CAddon_ItemGroup> m_addon;
     InstallOptions m_options;

@@ -1,4 +1,5 @@
 // What a plan tells beyond the items: space, areas, configuration changes, variations.
+#include "install/AircraftEdits.h"
 #include "install/CAddonInstallationDetails.h"
 #include "install/CDriveFreeSpace.h"
 #include "platform/DiskSpace.h"
@@ -48,6 +49,8 @@ bool CAddonInstallationDetails::moreRecentIsKept(const CAddon_Item& item,
 bool CAddonInstallationDetails::existingIsKept(const CAddon_Item& item) const
 {
     if (!item.boolTargetExists || m_options.replace == ReplacePolicy::Yes)
+        return false;
+    if (isMerged(item, m_context))
         return false;
     if (m_options.replace == ReplacePolicy::No)
         return true;
@@ -240,26 +243,6 @@ LibraryChanges CAddonInstallationDetails::libraryChanges() const
     }
     if (out.problem.isEmpty())
         out.change = library.changes();
-    return out;
-}
-
-QList<PlannedVariant> CAddonInstallationDetails::variants() const
-{
-    QList<PlannedVariant> out;
-    if (m_options.to == InstallTo::Cabinet)
-        return out;
-    for (const InstallationGroup& group : groups(MappedGroup::Texture)) {
-        if (!anyMarked(group))
-            continue;
-        for (const VariantDetails& variant : group.variants) {
-            out.append({variant.title,
-                        variant.variation,
-                        variant.texture,
-                        group.aircraftFolder,
-                        group.aircraftFolder.isEmpty() ? QString()
-                                                       : group.aircraftFolder + u"aircraft.cfg"_s});
-        }
-    }
     return out;
 }
 

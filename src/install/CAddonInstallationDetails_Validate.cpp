@@ -1,4 +1,5 @@
 // Checks before an installation, with the texts that a user sees.
+#include "install/AircraftEdits.h"
 #include "install/CAddonInstallationDetails.h"
 #include "platform/Gate.h"
 #include "platform/WinPath.h"
@@ -201,7 +202,24 @@ QList<SceneryAreaToAdd> PlanFacts::sceneryAreas() const
 
 QList<ConfigChange> PlanFacts::configChanges() const
 {
-    return library.change.lines.isEmpty() ? QList<ConfigChange>() : QList{library.change};
+    QList<ConfigChange> changes;
+    for (const AircraftEdit& edit : aircraft) {
+        if (!edit.lines.isEmpty())
+            changes.append({edit.file, edit.lines});
+    }
+    if (!library.change.lines.isEmpty())
+        changes.append(library.change);
+    return changes;
+}
+
+QList<PlannedVariant> PlanFacts::variants() const
+{
+    QList<PlannedVariant> out;
+    for (const AircraftEdit& edit : aircraft) {
+        for (const AddedVariation& added : edit.added)
+            out.append({added.title, added.variation, added.texture, edit.aircraft, edit.file});
+    }
+    return out;
 }
 
 Result PlanFacts::installable(const CAddon_ItemGroup& addon) const
@@ -283,6 +301,14 @@ PlanFacts CAddonInstallationDetails::facts() const
             out.append(remark);
     }
     const bool cabinet = m_options.to == InstallTo::Cabinet;
+    if (!cabinet)
+        facts.aircraft = aircraftEdits(*this, m_context, m_options.masterKey);
+    for (const AircraftEdit& edit : std::as_const(facts.aircraft)) {
+        if (!edit.problem.isEmpty())
+            out.append({edit.item, edit.problem, false});
+        for (const QString& remark : edit.remarks)
+            out.append({edit.item, remark, false});
+    }
     if (!cabinet)
         addTextureProblems(out);
     addFolderProblems(out);

@@ -77,7 +77,8 @@ bool CAddonInstaller::Install_Begin()
             break;
     }
     if (m_failure) {
-        // A failure of these two is told in the results; the files are installed all the same.
+        // A failure of these is told in the results; the files are installed all the same.
+        (void)step(u"Private Sub AircraftVariants_Create"_s, &I::AircraftVariants_Create);
         (void)step(u"Private Sub AddonMasterTable_UpdateRecord"_s,
                    &I::AddonMasterTable_UpdateRecord);
         (void)step(u"Private Sub SceneryLibrary_Update"_s, &I::SceneryLibrary_Update);
@@ -251,6 +252,7 @@ void CAddonInstaller::Install_End()
         m_context.errors.report(u"Private Sub Install_End"_s, undone.text);
     }
     m_actions.reset();
+    (void)m_details.saveCatalogue(); // the next run then reads what changed since
     const TempFolder temporary(m_context.services.gate, m_context.global.tempFolder);
     for (const QString& folder : {m_context.global.tempInaFolder, m_context.global.tempIfoFolder}) {
         if (m_context.services.files.isFolder(folder))

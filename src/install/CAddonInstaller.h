@@ -5,6 +5,7 @@
 
 #include "addondb/AddonRecords.h"
 #include "addondb/Connection.h"
+#include "install/AircraftEdit.h"
 #include "install/CAddonInstallationDetails.h"
 #include "install/InstallLog.h"
 #include "platform/FileTransaction.h"
@@ -15,6 +16,8 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace vt {
@@ -112,6 +115,7 @@ private:
     Result AddonMasterTable_OpenTable();
     Result AddonMasterTable_CreateAddonRecord();
     Result InstallFiles();
+    Result AircraftVariants_Create();
     Result AddonMasterTable_UpdateRecord();
     Result SceneryLibrary_Update();
     Result Changes_Apply();
@@ -137,6 +141,14 @@ private:
     Result InstallFile(File& file);
     Result keepOriginal(File& file, const QString& target);
     [[nodiscard]] ResultOf<Content> contentOf(const File& file, bool& sourceFailed);
+
+    // Parts of AircraftVariants_Create.
+    [[nodiscard]] const AircraftEdit* editOf(const CAddon_Item& item) const;
+    Result writeAircraftEdit(const AircraftEdit& edit);
+    Result noteOwner(const QString& file);
+    Result writeVariantData();
+    Result recordAircraft();
+    void tellVariants();
 
     // Parts of SceneryLibrary_Update and Changes_Apply.
     [[nodiscard]] bool anySceneryIn(const QString& folder) const;
@@ -172,6 +184,9 @@ private:
     QList<SceneryAreaToAdd> m_wantedAreas;
     QList<AddedArea> m_areas;
     QList<ConfigBaseRecord> m_configBases;
+    QList<AircraftEdit> m_aircraftEdits;
+    QList<std::pair<qint64, Fingerprint>> m_newChecks; ///< detail keys of files that we edited
+    std::optional<Fingerprint> m_variantData;          ///< the data file, when it was written
     QString m_movieToPlay;
     QList<OuterLink> m_closedLinks; ///< nothing is written behind them
     bool m_cancelled = false;

@@ -1,5 +1,6 @@
 // What an installation does with single files: decide and ask, keep what is replaced, stage.
 #include "addondb/Originals.h"
+#include "install/AircraftEdits.h"
 #include "install/CAddonInstaller.h"
 #include "platform/Hash.h"
 #include "platform/WinPath.h"
@@ -87,6 +88,8 @@ qint64 CAddonInstaller::sourceTimeMs(const CAddon_Item& item) const
 
 Result CAddonInstaller::InstallFiles()
 {
+    if (m_details.options().to != InstallTo::Cabinet)
+        m_aircraftEdits = aircraftEdits(m_details, m_context, m_record.key);
     decideAll();
     if (Result made = AddonAndCabinetFolders_Create(); !made)
         return made;
@@ -179,10 +182,18 @@ bool CAddonInstaller::decide(File& file, const FileInfo& entry)
     } else {
         log.line(u"   Sizes are different!");
     }
-    if (file.code == InstallCode::Installed)
-        file.code = existing.folder ? InstallCode::Error : askReplace(file, existing, log);
-    if (file.code == InstallCode::Installed && m_details.moreRecentIsKept(item, existing))
-        file.code = InstallCode::ExistingIsNewer;
+    const AircraftEdit* edit = editOf(item);
+    if (edit && edit->merged) {
+        // Nothing is lost, so nobody is asked.
+        log.line(u"   Its aircraft sections stay; those that it lacks are added.");
+        if (!edit->problem.isEmpty())
+            file.code = InstallCode::Error;
+    } else {
+        if (file.code == InstallCode::Installed)
+            file.code = existing.folder ? InstallCode::Error : askReplace(file, existing, log);
+        if (file.code == InstallCode::Installed && m_details.moreRecentIsKept(item, existing))
+            file.code = InstallCode::ExistingIsNewer;
+    }
     file.decisions = log.bytes();
     return file.code != InstallCode::Cancelled;
 }
@@ -342,6 +353,9 @@ Result CAddonInstaller::InstallFile(File& file)
         m_log.raw(file.decisions);
     if (file.code == InstallCode::NotExtracted)
         return m_details.source().readable(item);
+    const AircraftEdit* edit = editOf(item);
+    if (file.code == InstallCode::Error && edit && !edit->problem.isEmpty())
+        return Result::failure(edit->problem);
     if (file.code == InstallCode::Error && file.exists)
         return Result::failure(u"'"_s + target +
                                u"' could not be written: a folder of that name lies there."_s);
@@ -418,10 +432,17 @@ ResultOf<Content> CAddonInstaller::contentOf(const File& file, bool& sourceFaile
             m_results.add(
                 resultgroup::specialActions, targetOf(item), u": "_s + normal->done + u'.');
             const qint64 modified = content->modifiedNs;
-            content = Content::ofBytes(normal->bytes);
+            const AircraftEdit* edit = editOf(item);
+            content = Content::ofBytes(edit && edit->changesItem() ? edit->bytes : normal->bytes);
             content->modifiedNs = modified;
             return content;
         }
+    }
+    if (const AircraftEdit* edit = editOf(item); edit && edit->changesItem()) {
+        const qint64 modified = content->modifiedNs;
+        content = Content::ofBytes(edit->bytes);
+        content->modifiedNs = modified;
+        return content;
     }
     const auto transfer = content->transfer;
     content->transfer = [transfer, &sourceFailed](const Content::Sink& sink) {

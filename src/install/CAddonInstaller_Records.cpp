@@ -169,8 +169,9 @@ Result CAddonInstaller::Changes_Apply()
         return nothingInstalled();
     }
     InstallationClosing closing{m_record.key, {}};
-    if (!m_configBases.isEmpty())
-        closing.library = m_configBases.first().file;
+    if (const auto library = m_context.services.gate.place(m_context.global.sceneryCfgFile);
+        library && !m_areas.isEmpty())
+        closing.library = *library;
     const ResultOf<QList<StepFailure>> applied =
         m_actions->apply(packClosing(closing), [this] { return recordAddon(); });
     if (!applied)
@@ -179,6 +180,7 @@ Result CAddonInstaller::Changes_Apply()
     if (m_actions->closingFailure().isEmpty())
         dropNeedlessOriginals();
     tellFiles();
+    tellVariants();
     m_results.append(std::move(m_libraryResults));
     if (!m_actions->closingFailure().isEmpty())
         m_results.add(resultgroup::failedSpecialActions, m_actions->closingFailure());
@@ -189,7 +191,9 @@ Result CAddonInstaller::recordAddon()
 {
     if (!modDatabase_Addon::createAddon(m_database, m_record))
         return Result::failure(u"Could not create a master record for the addon."_s);
-    return recordFiles();
+    if (Result recorded = recordFiles(); !recorded)
+        return recorded;
+    return recordAircraft();
 }
 
 Result CAddonInstaller::recordFiles()
@@ -212,6 +216,13 @@ Result CAddonInstaller::recordFiles()
         row.preferredName = file.item->sName_PreferredInstallation;
         details.push_back(row);
         checks.push_back(file.after);
+    }
+    if (m_variantData) {
+        DetailRecord row;
+        row.filename = row.name = row.preferredName = m_details.sVariantDataFilename;
+        row.location = row.preferredLocation = m_details.storageFolder();
+        details.push_back(row);
+        checks.push_back(*m_variantData);
     }
     const ResultOf<qint64> first =
         modDatabase_Addon::addDetails(m_database, m_record.key, details, checks);
@@ -274,6 +285,10 @@ void CAddonInstaller::applyFailures(const QList<StepFailure>& failures)
         const QString why = u"'"_s + failure.path + u"': "_s + failure.text;
         m_context.errors.report(u"Private Sub Changes_Apply"_s, why);
         failed.insert(failure.path, why);
+        for (AircraftEdit& edit : m_aircraftEdits) {
+            if (winpath::isBelow(edit.file, failure.path))
+                edit.problem = why;
+        }
         if (winpath::same(failure.path, m_context.global.sceneryCfgFile))
             tellLibraryFailure(failure.text);
     }
@@ -303,7 +318,13 @@ QString CAddonInstaller::cause() const
 {
     const auto first = std::find_if(
         m_files.cbegin(), m_files.cend(), [](const File& file) { return !file.cause.isEmpty(); });
-    return first == m_files.cend() ? QString() : first->cause;
+    if (first != m_files.cend())
+        return first->cause;
+    const auto edit =
+        std::find_if(m_aircraftEdits.cbegin(), m_aircraftEdits.cend(), [](const AircraftEdit& one) {
+            return !one.added.isEmpty() && !one.problem.isEmpty();
+        });
+    return edit == m_aircraftEdits.cend() ? QString() : edit->problem;
 }
 
 void CAddonInstaller::tellFiles()

@@ -49,6 +49,8 @@ struct InstallOptions
     /// Questions about links that lead out of the simulator's folder will be answered with Yes; for
     /// what a plan tells.
     bool linksConfirmed = false;
+    /// The key that the add-on will get, so that a plan shows the very lines; 0: not known.
+    qint64 masterKey = 0;
     QString archiveSourceFolder; ///< the source archive goes there afterwards; empty: stays
     bool deleteSource = false;
     /// Ask before the source is moved or deleted; off where naming the option was the confirmation.

@@ -174,15 +174,26 @@ std::optional<QByteArray> tidyEntry(const QByteArray& line)
     return key + '=' + text.sliced(equals + 1).trimmed();
 }
 
+/// Whether a variation's section has entries of that key (lower case); others behind an empty line
+/// of a text are its prose.
+bool isVariationKey(const QByteArray& key)
+{
+    static const QSet<QByteArray> plain = {
+        "title", "sim", "model", "panel", "sound", "texture", "description", "editable"};
+    return plain.contains(key) || key.contains('_');
+}
+
 LineArray tidyBlock(const LineArray& lines, const Block& block)
 {
     LineArray out(lines.ansi());
     out.lines = {lines.ansi().encode(u'[' + block.name + u']').value.value_or(QByteArray())};
     QSet<QByteArray> keys;
+    bool prose = false;
     for (qsizetype i = block.first + 1; i < block.end; ++i) {
+        prose = prose || (!keys.isEmpty() && isBlank(lines.lines.at(i)));
         const std::optional<QByteArray> entry = tidyEntry(lines.lines.at(i));
         const QByteArray key = entry ? entry->first(entry->indexOf('=')).toLower() : QByteArray();
-        if (!entry || keys.contains(key))
+        if (!entry || keys.contains(key) || (prose && !isVariationKey(key)))
             continue;
         keys.insert(key);
         out.lines.append(*entry);

@@ -174,7 +174,7 @@ void TestCatalogue::groups_showSomethingForMissingNames()
     const auto catalogue = world.fresh();
     QStringList shown;
     for (const ManufacturerGroup& manufacturer : catalogue->grouped()) {
-        for (const TypeGroup& type : manufacturer.types) {
+        for (const CatalogueTypeGroup& type : manufacturer.types) {
             QString line = manufacturer.manufacturer + u'/' + type.type + u':';
             for (const quint32 number : type.variations)
                 line += u' ' + catalogue->variation(number).shownVariation();

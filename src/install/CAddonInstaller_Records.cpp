@@ -285,12 +285,12 @@ void CAddonInstaller::applyFailures(const QList<StepFailure>& failures)
         const QString why = u"'"_s + failure.path + u"': "_s + failure.text;
         m_context.errors.report(u"Private Sub Changes_Apply"_s, why);
         failed.insert(failure.path, why);
-        for (AircraftEdit& edit : m_aircraftEdits) {
-            if (winpath::isBelow(edit.file, failure.path))
-                edit.problem = why;
-        }
         if (winpath::same(failure.path, m_context.global.sceneryCfgFile))
             tellLibraryFailure(failure.text);
+    }
+    for (AircraftEdit& edit : m_aircraftEdits) {
+        if (const QString* why = failed.find(edit.file))
+            edit.problem = *why;
     }
     for (File& file : m_files) {
         if (file.code != InstallCode::Installed)

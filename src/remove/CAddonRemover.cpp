@@ -5,6 +5,7 @@
 #include "addondb/AddonDatabase.h"
 #include "addondb/ConfigBases.h"
 #include "addondb/JournalTable.h"
+#include "catalogue/UsedFiles.h"
 #include "platform/WinPath.h"
 #include "shell/RunStep.h"
 #include "shell/Settings.h"
@@ -66,7 +67,11 @@ CAddonRemover::CAddonRemover(Context& context,
       m_results(Results::forRemoval())
 {}
 
-CAddonRemover::~CAddonRemover() = default;
+CAddonRemover::~CAddonRemover()
+{
+    if (m_catalogue)
+        (void)m_catalogue->save(m_context.services); // the next run reads what changed since
+}
 
 void CAddonRemover::status(const QString& text)
 {
@@ -93,6 +98,7 @@ bool CAddonRemover::Remove_Begin()
     if (m_failure) {
         // A step that fails tells it in the results, and the next one still runs; but a stop by the
         // user, or a disk that fails, ends everything while nothing has changed.
+        (void)step(u"Private Sub AircraftVariants_Remove"_s, &R::AircraftVariants_Remove);
         const Result files = step(u"Private Sub RemoveFiles"_s, &R::RemoveFiles);
         if (m_cancelled || files.kind == ErrorKind::DiskFull || files.kind == ErrorKind::DiskFailed)
             m_failure = files;
@@ -173,6 +179,7 @@ Result CAddonRemover::AddonDetails_Open()
         m_files.push_back({detail, RemovalOutcome::Removed});
 
     m_closing.masterKey = m_masterKey;
+    findUsers();
     return m_actions->begin(OperationKind::Removal, m_record.name);
 }
 
@@ -320,9 +327,10 @@ Result CAddonRemover::Changes_Apply()
 {
     status(u"Removing detail records..."_s);
     const ResultOf<QList<StepFailure>> applied =
-        m_actions->apply(packClosing(m_closing), [] { return Result::success(); });
+        m_actions->apply(packClosing(m_closing), [this] { return recordVariants(); });
     if (!applied)
         return applied.error();
+    tellVariants(*applied);
     tellFiles(*applied);
     if (!m_actions->closingFailure().isEmpty()) {
         m_anyFailed = true;

@@ -12,14 +12,20 @@
 #include "platform/FileTransaction.h"
 #include "shell/Context.h"
 #include "shell/Results.h"
+#include "simconfig/CAircraft.h"
 
 #include <QHash>
 #include <QList>
 #include <QString>
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace vt {
+
+class Catalogue;
+class UsedFiles;
 
 /// Stored nowhere; the numbers are shown in logs.
 enum class RemovalMethod : int
@@ -76,6 +82,14 @@ private:
     {
         DetailRecord detail;
         RemovalOutcome outcome = RemovalOutcome::Removed;
+        bool editedInPlace = false; ///< our part went out of it, the file itself stays
+    };
+
+    struct VariantTold
+    {
+        QString file;
+        QString title;
+        bool removed = false;
     };
 
     // Remove_Begin's steps, in order.
@@ -83,6 +97,7 @@ private:
     Result AddonDatabase_Open();
     Result OriginalAddonWarning();
     Result AddonDetails_Open();
+    Result AircraftVariants_Remove();
     Result RemoveFiles();
     Result SceneryLibrary_Update();
     Result AddonMasterTable_Update();
@@ -94,6 +109,15 @@ private:
     void Remove_End();
 
     void confirmLinks();
+    Result removeVariantsFrom(const QString& file);
+    Result takeOut(const QString& file, const QStringList& sections);
+    Result editKept(const DetailRecord& owner, const QStringList& sections);
+    void forgetConfigBase(const QString& file);
+    Result recordVariants();
+    void tellVariants(const QList<StepFailure>& failures);
+    void findUsers();
+    [[nodiscard]] bool mayBeUsed(const QString& path) const;
+    [[nodiscard]] bool isUsedByOthers(const QString& path) const;
     Result RemoveFile(File& file);
     void tellRelease(const File& file, const originals::Release& release);
     bool otherSceneryFilesIn(const SceneryAreaRecord& area);
@@ -124,8 +148,14 @@ private:
     std::vector<File> m_files;
     QHash<qint64, Fingerprint> m_checks;
     QHash<qint64, OriginalRecord> m_originals;
-    QSet<NoCase> m_keptFolders;     ///< folders below Originals from which a kept file goes
-    QList<OuterLink> m_closedLinks; ///< nothing is changed behind them
+    QList<VariantTold> m_variantResults; ///< told once everything is in its place
+    std::vector<std::pair<std::unique_ptr<CAircraft>, CAircraft::VariantsChanged>> m_variantsGone;
+    QList<std::pair<qint64, Fingerprint>> m_newChecks; ///< of other add-ons' rows
+    QList<OriginalRecord> m_newOriginals;              ///< of other add-ons' rows
+    std::unique_ptr<Catalogue> m_catalogue;
+    std::unique_ptr<UsedFiles> m_used; ///< null where no file's use matters
+    QSet<NoCase> m_keptFolders;        ///< folders below Originals from which a kept file goes
+    QList<OuterLink> m_closedLinks;    ///< nothing is changed behind them
     bool m_announcedSetAside = false;
     bool m_cancelled = false;
     bool m_anyFailed = false;

@@ -1,5 +1,7 @@
 // What a removal does with files and folders.
 #include "addondb/AddonDatabase.h"
+#include "addondb/FileType.h"
+#include "catalogue/UsedFiles.h"
 #include "platform/PathIndex.h"
 #include "platform/WinPath.h"
 #include "remove/CAddonRemover.h"
@@ -68,7 +70,6 @@ Result CAddonRemover::RemoveFiles()
                                           return Result::success();
                                       return m_actions->announceKept(setAsideFolder);
                                   }});
-    confirmLinks();
     StatusSink& sink = m_context.services.status;
     for (size_t i = 0; i < m_files.size(); ++i) {
         if (sink.cancelled()) {
@@ -106,6 +107,49 @@ void CAddonRemover::confirmLinks()
         m_results.add(resultgroup::failedSpecialActions, outerlinks::closedText(link));
 }
 
+/// Reads what the installed aircraft, panels and sounds use, where the add-on has files that they
+/// may use. What the add-on brought itself does not count.
+void CAddonRemover::findUsers()
+{
+    const bool matters = std::any_of(m_files.cbegin(), m_files.cend(), [this](const File& file) {
+        return mayBeUsed(file.detail.location + file.detail.name);
+    });
+    if (!matters)
+        return;
+    m_catalogue = std::make_unique<Catalogue>(m_context.global);
+    status(u"Determining effects dependencies..."_s);
+    m_catalogue->open(m_context.services);
+    QSet<NoCase> leaveOut;
+    for (const File& file : m_files)
+        leaveOut.insert(NoCase{file.detail.location + file.detail.name});
+    status(u"Determining gauge dependencies..."_s);
+    status(u"Determining sound dependencies..."_s);
+    m_used = std::make_unique<UsedFiles>(*m_catalogue, leaveOut);
+}
+
+/// Files below the simulator of the types that configuration files name.
+bool CAddonRemover::mayBeUsed(const QString& path) const
+{
+    if (!winpath::isBelow(path, m_context.global.simulatorFolder))
+        return false;
+    switch (classify(winpath::name(path), m_context.global.generation)) {
+    case FileType::BitmapImage:
+    case FileType::Effects:
+    case FileType::PanelGauge:
+    case FileType::CabinetArchive:
+    case FileType::XmlFile:
+    case FileType::Sound:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool CAddonRemover::isUsedByOthers(const QString& path) const
+{
+    return m_used && mayBeUsed(path) && m_used->isUsed(path);
+}
+
 Result CAddonRemover::RemoveFile(File& file)
 {
     const DetailRecord& detail = file.detail;
@@ -122,6 +166,16 @@ Result CAddonRemover::RemoveFile(File& file)
     if (now && now->folder && !now->link)
         return Result::failure(u"a folder of that name lies there now."_s);
     const auto kept = m_originals.constFind(detail.key);
+    if (file.editedInPlace) {
+        const QString keptPath = m_context.global.originalsFolder + kept->keptFile;
+        m_keptFolders.insert(NoCase{winpath::parent(keptPath)});
+        return m_actions->remove(keptPath);
+    }
+    if (now && kept == m_originals.cend() && isUsedByOthers(path)) {
+        m_log.line(QString(u"   "_s + path + u" has another addon(s) that depend on it"_s));
+        file.outcome = RemovalOutcome::KeptForOthers;
+        return Result::success();
+    }
     const auto original = kept == m_originals.cend() ? std::nullopt : std::optional(*kept);
     const ResultOf<originals::Release> release = originals::release(
         *m_release, detail, m_checks.value(detail.key), original, m_sharers.at(path), now);

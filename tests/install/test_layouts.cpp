@@ -156,13 +156,14 @@ void TestLayouts::targets_data()
          {u"texture.intl/a.dds"_s,
           u"texture.intl/texture.cfg|[fltsim]"_s,
           u"install.txt|section"_s},
-         {u"texture.intl/a.dds -> ?"_s,
-          u"texture.intl/texture.cfg -> ?"_s,
+         {u"texture.intl/a.dds -> SIM/SimObjects/Airplanes/B747/texture.intl/a.dds"_s,
+          u"texture.intl/texture.cfg -> SIM/SimObjects/Airplanes/B747/texture.intl/texture.cfg"_s,
           u"install.txt -> STORE/install.txt"_s}},
         {"repaint with a whole aircraft.cfg",
          "blue.zip",
          {u"Blue/texture.blue/a.dds"_s, u"Blue/aircraft.cfg|blue"_s},
-         {u"texture.blue/a.dds -> ?"_s, u"aircraft.cfg -> -"_s}},
+         {u"texture.blue/a.dds -> SIM/SimObjects/Airplanes/B747/texture.blue/a.dds"_s,
+          u"aircraft.cfg -> -"_s}},
         {"only a texture folder and a readme",
          "paint.zip",
          {u"texture/a.bmp"_s, u"README"_s},
@@ -403,11 +404,11 @@ void TestLayouts::nestedRepaints_goToTheAircraftOfTheAddon()
     QVERIFY(targets.at(1).endsWith(u"SIM\\SimObjects\\Airplanes\\Two\\texture.red\\a.dds"_s));
     const QList<PlannedVariant> variants = details.variants();
     QCOMPARE(variants.size(), 2);
-    QCOMPARE(variants.at(0).title, u"Other Red"_s);
-    QCOMPARE(variants.at(0).texture, u"red"_s);
-    QCOMPARE(variants.at(0).file, u"C:\\FSX\\SimObjects\\Airplanes\\Two\\aircraft.cfg"_s);
-    QCOMPARE(variants.at(1).texture, u"green"_s);
-    QVERIFY(!variants.at(1).title.isEmpty());
+    QCOMPARE(variants.at(1).title, u"Other Red"_s);
+    QCOMPARE(variants.at(1).texture, u"red"_s);
+    QCOMPARE(variants.at(1).file, u"C:\\FSX\\SimObjects\\Airplanes\\Two\\aircraft.cfg"_s);
+    QCOMPARE(variants.at(0).texture, u"green"_s);
+    QVERIFY(!variants.at(0).title.isEmpty());
 }
 
 void TestLayouts::backslashNamesInAnyCase_meetTheExistingSpelling()

@@ -44,7 +44,7 @@ CZIPFileItem itemOf(const ZipEntry& entry, int key)
     item.lngSize_Uncompressed = entry.size;
     item.lngSize_Compressed = entry.packed;
     if (entry.packed < entry.size)
-        item.intRatio = qint16(100 - (entry.packed / double(entry.size)) * 100 + 0.5);
+        item.intRatio = qint16(qRound(100 - (entry.packed / double(entry.size)) * 100));
     item.boolMethodStore = entry.method == 0;
     item.boolEncrypted = entry.encrypted();
     item.boolAttribute_Archive = (entry.attributes & attributeArchive) != 0;

@@ -16,9 +16,9 @@ namespace {
 constexpr qint64 headerBytes = 30;
 /// Local extra fields are seldom longer, so that one read covers header and data.
 constexpr qint64 expectedExtra = 64;
-constexpr qint64 leastAhead = 16 * 1024;
+constexpr qint64 leastAhead = 16LL * 1024;
 constexpr qint64 mostAhead = 1 << 20;
-constexpr qint64 roomStep = 64 * 1024;
+constexpr qint64 roomStep = 64LL * 1024;
 
 QString methodName(int method)
 {

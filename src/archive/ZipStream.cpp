@@ -12,7 +12,7 @@ namespace vt {
 
 namespace {
 
-constexpr qint64 streamPiece = 256 * 1024;
+constexpr qint64 streamPiece = 256LL * 1024;
 
 template <typename T> void put(QByteArray& to, T value)
 {

@@ -69,8 +69,9 @@ int runInstall(World& world, const Arguments& arguments)
             installer.record().name + u"' could not be installed. "_s + installer.cause()));
     const QStringList failed = installer.results().texts(resultgroup::failedSpecialActions);
     if (!failed.isEmpty())
-        return world.fail(Result::failure(u"'"_s + installer.record().name +
-                                          u"' was installed, but not whole. "_s + failed.first()));
+        return world.fail(Result::failure(
+            u"'"_s + installer.record().name + u"' was installed, but not whole. "_s +
+            failed.first() + (installer.cause().isEmpty() ? QString() : u' ' + installer.cause())));
     world.out().endObject();
     return Done;
 }

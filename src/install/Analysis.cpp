@@ -270,7 +270,7 @@ QString CAddonInstallationDetails::Analysis::niceName(int folder) const
         const SourceFolder& here = tree->at(folder);
         const QString name = foldernames::withoutRepositoryEnding(
             here.archiveRoot ? winpath::baseName(here.name) : here.name);
-        const QString safe = winpath::safeName(name);
+        QString safe = winpath::safeName(name);
         if (!safe.isEmpty() && !foldernames::isGeneric(safe))
             return safe;
     }

@@ -183,17 +183,17 @@ void CAddonInstallationDetails::Analysis::placeFree(CAddon_Item& item,
     case FileType::BitmapImage:
     case FileType::Texture:
     case FileType::AircraftTexture:
-    case FileType::TextureConfiguration:
-        if (!names::isRealTexture(item.sName) &&
-            item.enumAddonFileType != FileType::TextureConfiguration)
-            putInStorage(item);
-        else if (!claim.area.isEmpty())
+    case FileType::TextureConfiguration: {
+        const bool texture = names::isRealTexture(item.sName) ||
+                             item.enumAddonFileType == FileType::TextureConfiguration;
+        if (texture && !claim.area.isEmpty())
             put(item, claim.area + u"texture\\"_s, MappedGroup::Scenery, claim.areaGroup);
-        else if (here.facts & FactEffect)
+        else if (texture && (here.facts & FactEffect))
             put(item, global.textureFolder, other, -1);
         else
             putInStorage(item);
         return;
+    }
     case FileType::PanelGauge:
     case FileType::CabinetArchive:
         put(item, global.gaugesFolder, MappedGroup::Panel, -1);

@@ -165,6 +165,7 @@ Result CAddonInstaller::SourceZipFile_Archive()
     if (Result made = services.actions.makeFolder(options.archiveSourceFolder); !made) {
         m_results.add(resultgroup::failedSpecialActions,
                       u"Could not create addon zip archive folder."_s);
+        m_results.addCause(options.archiveSourceFolder, made.text);
         return made;
     }
     const QString folder = winpath::asFolder(options.archiveSourceFolder);
@@ -178,6 +179,7 @@ Result CAddonInstaller::SourceZipFile_Archive()
     if (!moved) {
         m_results.add(resultgroup::failedSpecialActions,
                       u"Could not move addon zip source file."_s);
+        m_results.addCause(archive, moved.text);
         return moved;
     }
     m_results.add(resultgroup::specialActions, u"Source zip file was archived to "_s + folder);
@@ -232,8 +234,7 @@ Result CAddonInstaller::SourceFiles_Delete()
             (void)services.actions.removeEmptyFolder(up);
     }
     if (!deleted) {
-        m_results.add(
-            resultgroup::failedSpecialActions, source, u" was NOT deleted: "_s + deleted.text);
+        m_results.addCause(source, deleted.text);
         return deleted;
     }
     m_results.add(resultgroup::specialActions,

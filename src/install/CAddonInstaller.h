@@ -76,9 +76,10 @@ public:
     /// The user ended the installation at a question; files before it are installed.
     [[nodiscard]] bool wasCancelled() const { return m_cancelled; }
 
-    /// Files that could not be installed although they were to be, and why the first one was not.
+    /// Files that could not be installed although they were to be.
     [[nodiscard]] qsizetype failedFiles() const { return m_failedFiles; }
 
+    /// Why the first of them was not, or the scenery library was not updated; may be empty.
     [[nodiscard]] QString cause() const;
 
     /// The one movie that was installed, when the user wants to see it; the front end plays it.
@@ -181,6 +182,7 @@ private:
     AddonRecord m_record;
     std::vector<File> m_files;
     QList<OriginalRecord> m_originals; ///< detailKey: index into m_files until recorded
+    QString m_libraryCause;            ///< why an area, or the library, could not be written
     QList<SceneryAreaToAdd> m_wantedAreas;
     QList<AddedArea> m_areas;
     QList<ConfigBaseRecord> m_configBases;

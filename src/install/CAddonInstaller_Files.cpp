@@ -18,7 +18,7 @@ namespace vt {
 namespace {
 
 /// Largest configuration file that is looked at for line ends and code page.
-constexpr qint64 configLimit = 16 * 1024 * 1024;
+constexpr qint64 configLimit = 16LL * 1024 * 1024;
 constexpr qsizetype progressStep = 64;
 
 QString fileFacts(qint64 size, const QDateTime& date)
@@ -427,7 +427,7 @@ ResultOf<Content> CAddonInstaller::contentOf(const File& file, bool& sourceFaile
         if (!normal) {
             m_results.add(resultgroup::failedSpecialActions,
                           targetOf(item),
-                          u" was installed as it is: "_s + normal.text);
+                          u" was installed as it is. "_s + normal.text);
         } else if (normal->changed) {
             m_results.add(
                 resultgroup::specialActions, targetOf(item), u": "_s + normal->done + u'.');

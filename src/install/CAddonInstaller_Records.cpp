@@ -5,6 +5,7 @@
 #include "addondb/ConfigBases.h"
 #include "install/CAddonInstaller.h"
 #include "platform/PathIndex.h"
+#include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "shell/OuterLinks.h"
 #include "shell/RunStep.h"
@@ -29,12 +30,11 @@ constexpr GroupFlag groupFlags[] = {
     {MappedGroup::Afcad, Category::Airport_Facilities_Data},
 };
 
-/// The file category of an item: the name of its type. Only a bitmap's tells a panel where others
-/// use them as well, so those of sceneries, aircraft, repaints and missions set no flag.
+/// The file category of an item: the name of its type. Bitmaps would set the panel flag, but most
+/// belong to sceneries, repaints and effects: only those of panels do.
 QString fileCategoryOf(const CAddon_Item& item)
 {
-    const bool ofPanel = item.IsMappedToPanel() || item.IsMappedToDocumentGroup();
-    if (item.enumAddonFileType == FileType::BitmapImage && !ofPanel)
+    if (item.enumAddonFileType == FileType::BitmapImage && !item.IsMappedToPanel())
         return {};
     return fileTypeName(item.enumAddonFileType);
 }
@@ -111,6 +111,8 @@ Result CAddonInstaller::updateLibrary()
         }
         m_results.add(resultgroup::failedSpecialActions, areaNotAdded(wanted));
         m_results.addCause(wanted.folder, added.text);
+        if (m_libraryCause.isEmpty())
+            m_libraryCause = added.text;
         return true;
     });
     if (m_areas.isEmpty())
@@ -140,6 +142,7 @@ void CAddonInstaller::tellLibraryFailure(const QString& why)
         m_results.add(resultgroup::failedSpecialActions, areaNotAdded(area));
     m_results.add(resultgroup::failedSpecialActions,
                   u"Scenery library was NOT updated due to an error."_s);
+    m_libraryCause = textAbout(m_context.global.sceneryCfgFile, why);
     m_results.addCause(m_context.global.sceneryCfgFile, why);
     m_log.line(why);
 }
@@ -282,7 +285,7 @@ void CAddonInstaller::applyFailures(const QList<StepFailure>& failures)
         return;
     PathIndex failed;
     for (const StepFailure& failure : failures) {
-        const QString why = u"'"_s + failure.path + u"': "_s + failure.text;
+        const QString why = textAbout(failure.path, failure.text);
         m_context.errors.report(u"Private Sub Changes_Apply"_s, why);
         failed.insert(failure.path, why);
         if (winpath::same(failure.path, m_context.global.sceneryCfgFile))
@@ -324,7 +327,7 @@ QString CAddonInstaller::cause() const
         std::find_if(m_aircraftEdits.cbegin(), m_aircraftEdits.cend(), [](const AircraftEdit& one) {
             return !one.added.isEmpty() && !one.problem.isEmpty();
         });
-    return edit == m_aircraftEdits.cend() ? QString() : edit->problem;
+    return edit == m_aircraftEdits.cend() ? m_libraryCause : edit->problem;
 }
 
 void CAddonInstaller::tellFiles()

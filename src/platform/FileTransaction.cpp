@@ -325,6 +325,7 @@ FileTransaction::stage(const QString& path, const Fingerprint& before, const Wri
     if (!print) {
         if (print.kind == ErrorKind::DiskFailed)
             m_syncFailure = print.error();
+        m_refusedAny = true;
         if (step >= 0)
             m_steps[step].target.root = RootId::None;
         m_pending.remove(NoCase{path});
@@ -472,7 +473,10 @@ Result FileTransaction::removeKnown(const QString& path, const Fingerprint& befo
 Result FileTransaction::makeFolder(const QString& folder)
 {
     const ResultOf<Folder> made = folderFor(withoutTrailing(folder));
-    return made ? Result::success() : made.error();
+    if (!made)
+        return made.error();
+    m_folders[NoCase{withoutTrailing(folder)}].wanted = true;
+    return Result::success();
 }
 
 Result FileTransaction::removeEmptyFolder(const QString& folder)
@@ -558,10 +562,45 @@ Result FileTransaction::removeOnce(const QString& path, const QString& target)
     return Result::success();
 }
 
+/// Takes back the folders that were staged for files that could not be written.
+void FileTransaction::dropUnusedFolders()
+{
+    QSet<NoCase> used;
+    const auto use = [&used](QString folder) {
+        while (!folder.isEmpty() && !used.contains(NoCase{folder})) {
+            used.insert(NoCase{folder});
+            folder = withoutTrailing(winpath::parent(folder));
+        }
+    };
+    for (auto it = m_pending.cbegin(); it != m_pending.cend(); ++it) {
+        if (it->fate == Fate::Staged)
+            use(withoutTrailing(winpath::parent(it.key().text)));
+    }
+    QStringList unused;
+    for (auto it = m_folders.cbegin(); it != m_folders.cend(); ++it) {
+        if (it->wanted)
+            use(it.key().text);
+        else if (it->staged)
+            unused.push_back(it.key().text);
+    }
+    std::sort(unused.begin(), unused.end(), [](const QString& a, const QString& b) {
+        return a.size() > b.size(); // the inner ones first
+    });
+    for (const QString& folder : std::as_const(unused)) {
+        const NoCase key{folder};
+        if (used.contains(key) || rmdir(m_folders.value(key).host.constData()) != 0)
+            continue;
+        m_folders.remove(key);
+        m_stagedRoots.remove(key);
+    }
+}
+
 ResultOf<QList<StepFailure>> FileTransaction::apply(const QByteArray& closing,
                                                     const std::function<Result()>& records)
 {
     Q_ASSERT(m_operation != 0);
+    if (m_refusedAny)
+        dropUnusedFolders();
     QList<JournalStep> steps;
     steps.reserve(m_steps.size() + m_stagedRoots.size() + m_lastSteps.size() + m_undo.size());
     for (const StagedRoot& root : std::as_const(m_stagedRoots)) {

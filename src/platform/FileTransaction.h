@@ -94,6 +94,7 @@ private:
         std::shared_ptr<hostfile::Descriptor> fd;
         QByteArray host;
         bool staged = false;
+        bool wanted = false; ///< with or without files
     };
 
     /// A folder that will be new as a whole.
@@ -126,6 +127,7 @@ private:
     Result tellStagingFolder(const QString& folder);
     Result openKeptFolder(const QString& from, const QString& to, const QString& folder);
     Result syncStaged();
+    void dropUnusedFolders();
     QString nextStagedName(const char* ending);
     QByteArray hostOf(const QString& path, const Pending& pending) const;
 
@@ -135,6 +137,7 @@ private:
     quint64 m_counter = 0;
     bool m_syncEach = true;
     bool m_stagedAny = false;
+    bool m_refusedAny = false; ///< a file, whose folders may have been staged for it alone
     QList<JournalStep> m_steps;
     QList<JournalStep> m_lastSteps; ///< emptied folders, carried out at the end
     QList<JournalStep> m_undo;      ///< staging and kept folders

@@ -92,6 +92,11 @@ size_t hashNoCase(QStringView text, size_t seed)
     return h ^ (h >> 29);
 }
 
+QString textAbout(const QString& name, const QString& text)
+{
+    return containsNoCase(text, name) ? text : QString(u"'"_s + name + u"': "_s + text);
+}
+
 QString countText(qint64 number, const QString& one, const QString& many)
 {
     return QString::number(number) + u' ' + (number == 1 ? one : many);

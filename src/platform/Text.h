@@ -31,6 +31,9 @@ struct NoCase
     friend size_t qHash(const NoCase& key, size_t seed) { return hashNoCase(key.text, seed); }
 };
 
+/// "'NAME': text", or the text alone when it holds the name already.
+[[nodiscard]] QString textAbout(const QString& name, const QString& text);
+
 /// "1 file", "2 files".
 [[nodiscard]] QString countText(qint64 number, const QString& one, const QString& many);
 

@@ -17,7 +17,7 @@ namespace vt {
 
 namespace {
 
-constexpr qint64 libraryLimit = 64 * 1024 * 1024;
+constexpr qint64 libraryLimit = 64LL * 1024 * 1024;
 
 /// The word for an original add-on's kind, by its first category.
 QString kindWord(Categories categories)

@@ -51,8 +51,7 @@ void Results::add(QStringView group, QString subject, QString phrase)
 
 void Results::addCause(const QString& path, const QString& why)
 {
-    add(resultgroup::failedSpecialActions,
-        containsNoCase(why, path) ? why : QString(path + QStringLiteral(": ") + why));
+    add(resultgroup::failedSpecialActions, textAbout(path, why));
 }
 
 void Results::append(Results other)

@@ -26,6 +26,6 @@ struct ConfigAccess
 };
 
 /// No configuration file of the simulator comes near this; larger ones are refused.
-inline constexpr qint64 configFileLimit = 64 * 1024 * 1024;
+inline constexpr qint64 configFileLimit = 64LL * 1024 * 1024;
 
 } // namespace vt

@@ -251,6 +251,31 @@ Result createAddon(Connection& database, AddonRecord& addon)
     });
 }
 
+ResultOf<int> completeAddon(Connection& database, const AddonRecord& addon)
+{
+    int added = 0;
+    const auto addMissing =
+        [&](Table table, bool dated, Result (*add)(Connection&, const AddonRecord&)) {
+            Recordset rows(database, table);
+            if (dated ? rows.seek({addon.key, addon.dateInstalled}) : rows.seek({addon.key}))
+                return Result::success();
+            ++added;
+            return rows.error() ? add(database, addon) : rows.error();
+        };
+    const Result done = database.together([&]() -> Result {
+        if (Result master = addMissing(Table::Addon_Master, false, addMaster); !master)
+            return master;
+        if (Result text = addMissing(Table::Addon_Description, false, addDescription); !text)
+            return text;
+        if (Result history = addMissing(Table::Addon_History, true, addHistory); !history)
+            return history;
+        return addMissing(Table::Addon_History_Description, true, addHistoryDescription);
+    });
+    if (!done)
+        return done;
+    return added;
+}
+
 ResultOf<AddonRecord> addon(Connection& database, qint64 masterKey)
 {
     Recordset masters(database, Table::Addon_Master);

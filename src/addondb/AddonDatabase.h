@@ -28,6 +28,8 @@ namespace vt::modDatabase_Addon {
 /// key ever used; another: that one (a reinstallation). dateInstalled is moved on by seconds where
 /// the history already has the same one; \a addon receives key and date as written.
 Result createAddon(Connection& database, AddonRecord& addon);
+/// Adds those of the four rows that \a addon lacks, as it is given; how many.
+[[nodiscard]] ResultOf<int> completeAddon(Connection& database, const AddonRecord& addon);
 /// Raises the counter so that a key above all used ones is returned; never returned again.
 [[nodiscard]] ResultOf<qint64> newMasterKey(Connection& database);
 /// The key that newMasterKey() would return next.

@@ -158,14 +158,6 @@ QString databaseSentence(DatabaseFault fault, const QString& path, const QString
     return {};
 }
 
-Result databaseFailed(DatabaseFault fault, const QString& path, const QString& cause)
-{
-    return Result::failure(databaseSentence(fault, path, cause),
-                           fault == DatabaseFault::Full      ? ErrorKind::DiskFull
-                           : fault == DatabaseFault::Refused ? ErrorKind::Failed
-                                                             : ErrorKind::Surroundings);
-}
-
 OpenedDatabase refusedOpening(DatabaseFault fault,
                               const QString& path,
                               const QString& cause,
@@ -174,7 +166,7 @@ OpenedDatabase refusedOpening(DatabaseFault fault,
     OpenedDatabase opened;
     opened.fault = fault;
     opened.error = {number, cause};
-    opened.result = databaseFailed(fault, path, cause);
+    opened.result = databaseTrouble(fault, path, cause);
     return opened;
 }
 
@@ -207,6 +199,14 @@ QByteArray immutableName(const QByteArray& host)
 }
 
 } // namespace
+
+Result databaseTrouble(DatabaseFault fault, const QString& path, const QString& cause)
+{
+    return Result::failure(databaseSentence(fault, path, cause),
+                           fault == DatabaseFault::Full      ? ErrorKind::DiskFull
+                           : fault == DatabaseFault::Refused ? ErrorKind::Failed
+                                                             : ErrorKind::Surroundings);
+}
 
 // --- statements ---
 
@@ -348,7 +348,7 @@ OpenedDatabase Connection::create(const Gate& gate, const QString& path)
     }
     gate.files().noteChanged(path);
     if (made.ok && !QFile::rename(hostText(making), hostText(*host)))
-        made = databaseFailed(
+        made = databaseTrouble(
             DatabaseFault::Unreadable, path, u"the new file could not be given its name"_s);
     if (!made.ok) {
         for (const char* suffix : {"", "-wal", "-shm", "-journal"})
@@ -374,10 +374,7 @@ Result Connection::makeFile(const QByteArray& hostFile)
     sqlite3_file_control(m_handle, "main", SQLITE_FCNTL_RESERVE_BYTES, &reserved);
     sqlite3_exec(m_handle, "PRAGMA synchronous=EXTRA", nullptr, nullptr, nullptr);
     QByteArrayList statements{"PRAGMA page_size=" + QByteArray::number(schema::pageSize),
-                              "BEGIN IMMEDIATE",
-                              "PRAGMA application_id=" + QByteArray::number(schema::applicationId),
-                              "PRAGMA user_version=" +
-                                  QByteArray::number(schema::structureVersion)};
+                              "BEGIN IMMEDIATE"};
     statements += schema::creation();
     statements.push_back("COMMIT");
     for (const QByteArray& sql : std::as_const(statements)) {
@@ -395,7 +392,7 @@ OpenedDatabase Connection::openFile(const QByteArray& hostFile, int flags)
     // A connection belongs to one thread, so the engine need not lock itself.
     int code = sqlite3_open_v2(hostFile.constData(),
                                &m_handle,
-                               flags | SQLITE_OPEN_NOMUTEX,
+                               flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI,
                                m_checked ? pagechecks::fileLayer() : nullptr);
     if (code == SQLITE_OK) {
         sqlite3_extended_result_codes(m_handle, 1);
@@ -550,7 +547,7 @@ Result Connection::failed(int code)
         else if (systemError != 0)
             cause = qt_error_string(systemError);
     }
-    Result failure = databaseFailed(fault, m_path, cause);
+    Result failure = databaseTrouble(fault, m_path, cause);
     if (m_trouble.ok && fault != DatabaseFault::Refused)
         m_trouble = failure;
     return failure;
@@ -596,41 +593,6 @@ Result Connection::together(const std::function<Result()>& work)
         return done;
     }
     return commit();
-}
-
-Result Connection::scanPages()
-{
-    if (!m_checked)
-        return Result::success();
-    const pagechecks::Scan scan = pagechecks::scan(m_hostFile);
-    if (scan.readable && scan.broken.isEmpty())
-        return Result::success();
-    if (!scan.readable)
-        return failed(SQLITE_IOERR);
-    const QString cause = u"page "_s + QString::number(scan.broken.first()) + u" of "_s +
-                          QString::number(scan.pages) + u" is not what was written"_s;
-    m_lastError = {SQLITE_CORRUPT, cause};
-    m_trouble = databaseFailed(DatabaseFault::Damaged, m_path, cause);
-    return m_trouble;
-}
-
-Result Connection::check(bool thorough)
-{
-    // The engine does not look into pages that nothing uses, and at those that it knows already.
-    // While others write, a page may be read in the middle of its change.
-    if (!m_writer && !m_shared) {
-        if (Result scanned = scanPages(); !scanned)
-            return scanned;
-    }
-    QString found;
-    const int code = firstOf(thorough ? "PRAGMA integrity_check(1)" : "PRAGMA quick_check(1)",
-                             [&found](sqlite3_stmt* row) { found = columnText(row, 0); });
-    if (code == SQLITE_OK && found == u"ok"_s)
-        return Result::success();
-    const Result failure = failed(code == SQLITE_OK ? int(SQLITE_CORRUPT) : code);
-    if (code == SQLITE_OK)
-        m_lastError = {SQLITE_CORRUPT, found.simplified()};
-    return failure;
 }
 
 } // namespace vt

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 
 struct sqlite3;
@@ -56,6 +57,20 @@ struct OpenedDatabase
     DatabaseFault fault = DatabaseFault::None;
     DatabaseError error;
     Result result; ///< on failure one sentence for people, kind Surroundings
+};
+
+/// One sentence for people about a database file; \a cause only where the fault does not say all.
+[[nodiscard]] Result
+databaseTrouble(DatabaseFault fault, const QString& path, const QString& cause);
+
+/// A table, field or index that an older file does not have, and how it is added.
+struct LackingPart
+{
+    QString what; ///< "the table Addon_Details_Picture"
+    Table table = Table::Count_;
+    std::optional<Field> field; ///< set when a field is what lacks
+    bool whole = false;         ///< the table itself is what lacks
+    QByteArray sql;
 };
 
 /// A prepared statement on loan from its connection; goes back, reset, when it dies.
@@ -117,6 +132,8 @@ public:
     /// Version of the tables' structure; schema::structureVersion when it is the present one.
     [[nodiscard]] int structure() const { return m_structure; }
 
+    [[nodiscard]] bool isPresentStructure() const;
+
     /// Transactions do not nest: beginning a second one is a programming error.
     Result begin();
     /// On failure the transaction is rolled back and the file is as before begin().
@@ -133,6 +150,18 @@ public:
     /// the indexes with the rows as well. Failure: the first problem found, lastError() with the
     /// engine's words.
     Result check(bool thorough = false);
+
+    /// What this structure has and the file has not, in the order in which it can be added.
+    [[nodiscard]] ResultOf<QList<LackingPart>> lacking();
+    /// Adds it, in the transaction that is open or in one of its own.
+    Result supply(const QList<LackingPart>& parts);
+    /// Writes everything anew, without gaps, into \a hostFile (missing or empty): a whole database
+    /// of the present structure with checksums. No transaction may be open.
+    Result compactInto(const QByteArray& hostFile);
+    /// Brings the log or journal beside the file, where there is one, into it; for a private copy
+    /// of a damaged file; \a checked: its pages have checksums. False when the engine does not even
+    /// open it.
+    static bool bringIn(const QByteArray& hostFile, bool checked);
 
     /// What the engine said last, for the error log; the stated texts do not carry it.
     [[nodiscard]] const DatabaseError& lastError() const { return m_lastError; }
@@ -181,9 +210,12 @@ private:
     OpenedDatabase refusedByEngine(int code);
     Result makeFile(const QByteArray& hostFile);
     Result leaveOneFile();
+    Result markStructure(const QByteArray& hostFile);
     Result execute(const char* sql);
     /// Hands the first row of an answer to \a take; the engine's code.
     int firstOf(const char* sql, const std::function<void(sqlite3_stmt*)>& take);
+    /// The same for every row.
+    int eachOf(const QByteArray& sql, const std::function<void(sqlite3_stmt*)>& take);
 
     sqlite3* m_handle = nullptr;
     QString m_path;

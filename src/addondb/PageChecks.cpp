@@ -63,7 +63,7 @@ int writePage(sqlite3_file* file, const void* from, int amount, sqlite3_int64 of
         return real->pMethods->xWrite(real, from, amount, offset);
     thread_local std::array<unsigned char, pageSize> page;
     std::memcpy(page.data(), from, contentSize);
-    qToBigEndian(checksum(page.data(), offset / pageSize + 1), page.data() + contentSize);
+    seal(page.data(), offset / pageSize + 1);
     return real->pMethods->xWrite(real, page.data(), amount, offset);
 }
 
@@ -147,6 +147,11 @@ const char* fileLayer()
 bool isSound(const unsigned char* page, qint64 number)
 {
     return qFromBigEndian<quint64>(page + contentSize) == checksum(page, number);
+}
+
+void seal(unsigned char* page, qint64 number)
+{
+    qToBigEndian(checksum(page, number), page + contentSize);
 }
 
 Scan scan(const QByteArray& hostFile)

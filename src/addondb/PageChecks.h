@@ -18,6 +18,9 @@ inline constexpr int reservedBytes = 8;
 /// Whether \a page (schema::pageSize bytes) is what was written as page \a number (1-based).
 [[nodiscard]] bool isSound(const unsigned char* page, qint64 number);
 
+/// Writes the checksum into \a page.
+void seal(unsigned char* page, qint64 number);
+
 struct Scan
 {
     bool readable = true;

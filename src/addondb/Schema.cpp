@@ -116,9 +116,21 @@ QByteArray createIndex(Index index)
     return {};
 }
 
+QByteArray addField(Table table, Field field)
+{
+    return "ALTER TABLE " + quoted(table) + " ADD COLUMN " + quoted(field) +
+           typeText(info(field).type);
+}
+
+QByteArrayList marks()
+{
+    return {"PRAGMA application_id=" + QByteArray::number(applicationId),
+            "PRAGMA user_version=" + QByteArray::number(structureVersion)};
+}
+
 QByteArrayList creation()
 {
-    QByteArrayList statements;
+    QByteArrayList statements = marks();
     for (const TableInfo& table : allTables())
         statements.push_back(createTable(table.table));
     for (const IndexInfo& index : allIndexes()) {

@@ -22,6 +22,9 @@ inline constexpr int pageSize = 16384;
 /// Every statement that makes an empty database, in order.
 [[nodiscard]] QByteArrayList creation();
 [[nodiscard]] QByteArray createTable(Table table);
+/// What makes a file one of ours, of the present structure.
+[[nodiscard]] QByteArrayList marks();
+[[nodiscard]] QByteArray addField(Table table, Field field);
 /// Empty for a row key, which needs nothing of its own.
 [[nodiscard]] QByteArray createIndex(Index index);
 

@@ -1,6 +1,7 @@
 #include "cli/World.h"
 
 #include "addondb/Connection.h"
+#include "addondb/DatabaseCare.h"
 #include "addondb/JournalTable.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
@@ -135,7 +136,9 @@ struct World::Parts
     void buildContext();
     Result locate(bool interact);
     void enterProgramFolder();
-    Result openForWriting(bool fresh);
+    Result openForWriting(bool fresh, bool repair);
+    Result openDatabase(const WritingNeeds& needs, bool fresh);
+    void optimizeWhenDue();
     Result finishInterrupted();
     [[nodiscard]] Result withCause(const Result& failure) const;
 
@@ -177,6 +180,7 @@ struct World::Parts
     std::unique_ptr<Connection> database;
     std::optional<Result> databaseResult;
     QList<Recovery> recoveries;
+    std::optional<CareReport> care;
 
     std::unique_ptr<QCoreApplication> application;
     std::unique_ptr<Processes> processes;
@@ -261,11 +265,17 @@ Result World::Parts::locate(bool interact)
 }
 
 /// The database, made when the program folder is \a fresh.
-Result World::Parts::openForWriting(bool fresh)
+Result World::Parts::openForWriting(bool fresh, bool repair)
 {
     OpenedDatabase opened;
     if (files->isFile(global.databaseFile)) {
         opened = Connection::open(*files, global.databaseFile, OpenMode::ReadWrite);
+        if (repair && opened.fault == DatabaseFault::Damaged) {
+            care = DatabaseCare(*context).repair();
+            if (!care->result)
+                return unfit(care->result.text);
+            opened = Connection::open(*files, global.databaseFile, OpenMode::ReadWrite);
+        }
     } else if (fresh) {
         opened = Connection::create(*gate, global.databaseFile);
     } else {
@@ -279,6 +289,53 @@ Result World::Parts::openForWriting(bool fresh)
     if (const QString text = databaseSizeText(global.names, bytes); !text.isEmpty())
         prompts.ask(announcement(u"Database Warning"_s, text, Icon::Warning));
     return Result::success();
+}
+
+/// Interrupted work comes before the care for the file, which is written anew only when nothing is
+/// left undone.
+Result World::Parts::openDatabase(const WritingNeeds& needs, bool fresh)
+{
+    if (Result finished = DatabaseCare(*context).finishReplacement(); !finished)
+        return unfit(finished.text);
+    if (Result opened = openForWriting(fresh, needs.repair); !opened)
+        return opened;
+    Result finished = finishInterrupted();
+    if (!finished && needs.repair && !care && database && !database->trouble()) {
+        // The journal itself lies in what is damaged.
+        database.reset();
+        care = DatabaseCare(*context).repair();
+        finished = care->result ? openForWriting(false, false) : care->result;
+        if (finished)
+            finished = finishInterrupted();
+    }
+    if (!finished)
+        return withCause(finished);
+    for (const Recovery& recovery : std::as_const(recoveries)) {
+        if (needs.tellRecoveries)
+            console::error(recoverySentence(recovery) + u'\n');
+    }
+    const ResultOf<QList<LackingPart>> lacking = database->lacking();
+    if (!lacking)
+        return unfit(lacking.text);
+    if (lacking->isEmpty() && database->isPresentStructure())
+        return Result::success();
+    database.reset();
+    const CareReport upgraded = DatabaseCare(*context).upgrade();
+    if (!care)
+        care = upgraded;
+    if (!upgraded.result)
+        return unfit(upgraded.result.text);
+    return openForWriting(false, false);
+}
+
+/// When enough was changed since the last time.
+void World::Parts::optimizeWhenDue()
+{
+    if (!database || database->readOnly() || !optimizationDue(*settings))
+        return;
+    database.reset();
+    if (const CareReport report = DatabaseCare(*context).optimize(false); !report.result)
+        console::error(report.result.text + u'\n');
 }
 
 /// What an earlier run left in the journal is undone or completed.
@@ -358,11 +415,11 @@ const LocatedSimulator& World::located()
     return m->located;
 }
 
-Result World::needWriting(bool tellRecoveries)
+Result World::needWriting(const WritingNeeds& needs)
 {
     if (m->writingResult)
         return *m->writingResult;
-    const auto prepareWriting = [this, tellRecoveries]() -> Result {
+    const auto prepareWriting = [this, &needs]() -> Result {
         Context& all = context();
         if (!m->registryResult)
             return unfit(m->registryResult.text);
@@ -378,14 +435,8 @@ Result World::needWriting(bool tellRecoveries)
         if (Result made = createProgramFolders(all); !made)
             return made;
         // Before the first copies: a folder that holds those without a database is a damaged one.
-        if (Result opened = m->openForWriting(fresh); !opened)
+        if (Result opened = m->openDatabase(needs, fresh); !opened)
             return opened;
-        if (Result finished = m->finishInterrupted(); !finished)
-            return finished;
-        for (const Recovery& recovery : std::as_const(m->recoveries)) {
-            if (tellRecoveries)
-                console::error(recoverySentence(recovery) + u'\n');
-        }
         (void)keepOriginals(all); // logged; no reason to refuse the command
         return m->located.valid() ? offerRegistryUpdate(all, *m->registryClass, m->located)
                                   : Result::success();
@@ -421,7 +472,29 @@ Result World::needDatabase()
     OpenedDatabase opened = Connection::open(*m->files, m->global.databaseFile, OpenMode::ReadOnly);
     m->database = std::move(opened.connection);
     m->databaseResult = m->database ? Result::success() : unfit(opened.result.text);
+    if (m->database && !m->database->isPresentStructure()) {
+        const ResultOf<QList<LackingPart>> lacking = m->database->lacking();
+        if (!lacking || !lacking->isEmpty())
+            m->databaseResult = unfit(
+                u"The add-on database '"_s + m->global.databaseFile +
+                u"' was made by an earlier version and lacks what this one needs; 'vantrelctl database upgrade' adds it."_s);
+    }
     return *m->databaseResult;
+}
+
+CareReport World::careForDatabase(const std::function<CareReport(DatabaseCare&)>& work)
+{
+    m->database.reset();
+    DatabaseCare care(*m->context);
+    CareReport report = work(care);
+    if (Result opened = m->openForWriting(false, false); !opened && report.result)
+        report.result = opened;
+    return report;
+}
+
+const std::optional<CareReport>& World::careTaken() const
+{
+    return m->care;
 }
 
 Connection* World::database()
@@ -552,14 +625,17 @@ int World::fail(const Result& failed, const QJsonObject& done)
 void World::finish()
 {
     m->beforeOutput();
-    if (m->lock.held())
-        (void)saveRegistry();
-    if (m->errors)
-        m->errors->flush();
     if (m->options.json && !m->stream.begun())
         m->stream.value(QJsonValue(QJsonObject()));
     m->stream.close();
     m->stream.flush();
+    if (m->lock.held()) {
+        m->optimizeWhenDue();
+        (void)saveRegistry();
+    }
+    if (m->errors)
+        m->errors->flush();
+    m->beforeOutput();
 }
 
 } // namespace vt::cli

@@ -13,12 +13,15 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace vt {
 class CRegistry_Manipulation;
 class Connection;
+class DatabaseCare;
 class RegistryStore;
+struct CareReport;
 class Results;
 } // namespace vt
 
@@ -36,6 +39,12 @@ struct GlobalOptions
     bool json = false;
     QString answer = QStringLiteral("default");
     bool quiet = false;
+};
+
+struct WritingNeeds
+{
+    bool tellRecoveries = true; ///< in a line each on standard error
+    bool repair = false;        ///< a damaged database is repaired first, instead of being refused
 };
 
 class World
@@ -60,10 +69,14 @@ public:
     /// What needSimulator() or needWriting() found out; looks, without asking, when neither ran.
     [[nodiscard]] const LocatedSimulator& located();
     /// For commands that write: takes the lock, makes missing folders, deletes the old error log,
-    /// keeps the simulator's first copies, opens the database, finishes interrupted work. Does not
-    /// require a simulator unless interrupted work does. What it finished is told in a line each on
-    /// standard error, but for a command that tells it itself.
-    [[nodiscard]] Result needWriting(bool tellRecoveries = true);
+    /// keeps the simulator's first copies, opens the database, finishes interrupted work, brings an
+    /// older database up to the present structure. Does not require a simulator unless interrupted
+    /// work does.
+    [[nodiscard]] Result needWriting(const WritingNeeds& needs = {});
+    /// For commands after needWriting(): closes the database, has it cared for, opens it again.
+    [[nodiscard]] CareReport careForDatabase(const std::function<CareReport(DatabaseCare&)>& work);
+    /// What needWriting() had to do to the database: repair (only when asked), upgrade.
+    [[nodiscard]] const std::optional<CareReport>& careTaken() const;
     /// For commands that write a file of the user's and nothing of the program's: takes the lock of
     /// a program folder that exists, and makes none.
     [[nodiscard]] Result needLock();

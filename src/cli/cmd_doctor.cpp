@@ -127,11 +127,11 @@ void tellTwins(World& world)
 
 int doctor(World& world, const Arguments&)
 {
-    const Result writing = world.needWriting(false);
+    const Result writing = world.needWriting({.tellRecoveries = false});
     const Result simulator = world.needSimulator();
     Result database = writing;
     if (writing && world.database())
-        database = world.database()->check();
+        database = world.database()->check(true);
 
     JsonStream& out = world.out();
     const QString home = world.context().global.programFolder;

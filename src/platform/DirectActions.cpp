@@ -149,6 +149,24 @@ Result DirectActions::makeFolder(const QString& folder)
     return Result::success();
 }
 
+Result DirectActions::moveOver(const QString& from, const QString& to)
+{
+    const ResultOf<QByteArray> source = m_gate.hostPath(from);
+    const ResultOf<QByteArray> target = m_gate.hostPath(to);
+    if (!source || !target)
+        return source ? target.error() : source.error();
+    if (const int error = m_gate.fault("rename", *target))
+        return refused(to, u"replaced"_s, error);
+    if (rename(source->constData(), target->constData()) != 0)
+        return refused(to, u"replaced"_s, errno);
+    if (const hostfile::Descriptor folder = hostfile::openFolder(hostParent(*target));
+        folder.valid() && m_sync == Sync::Each)
+        fsync(folder.get());
+    m_gate.files().noteChanged(from);
+    m_gate.files().noteChanged(to);
+    return Result::success();
+}
+
 Result DirectActions::removeEmptyFolder(const QString& folder)
 {
     const ResultOf<QByteArray> host = m_gate.hostPath(folder);

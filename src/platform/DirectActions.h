@@ -30,6 +30,10 @@ public:
     Result makeFolder(const QString& folder) override;
     Result removeEmptyFolder(const QString& folder) override;
 
+    /// \a from takes the place of \a to, at once; both in one folder. On failure both stand as
+    /// before.
+    Result moveOver(const QString& from, const QString& to);
+
 private:
     Gate& m_gate;
     Sync m_sync;

@@ -306,6 +306,57 @@ private Q_SLOTS:
         QCOMPARE(world.changes(), QStringList());
     }
 
+    void damagedDatabase_isRepaired_andWorkGoesOn()
+    {
+        InstallWorld world;
+        QCOMPARE(world.run({u"install"_s, u"pack.zip"_s}).status, 0);
+        const TreeSnapshot with = world.tree();
+        QByteArray damaged = world.read(u"home/Vantrel.mdb"_s);
+        const qsizetype letter = damaged.indexOf("scenery\\");
+        QVERIFY(letter > 0);
+        damaged[letter] = 'S';
+        damaged.replace(0, 16, QByteArray(16, 'x'));
+        world.write(u"home/Vantrel.mdb"_s, damaged);
+        for (const QStringList& arguments :
+             {QStringList{u"database"_s, u"check"_s}, {u"list"_s}, {u"remove"_s, u"1"_s}}) {
+            const Ran ran = world.run(arguments);
+            QCOMPARE(ran.status, 3);
+            QVERIFY2(ran.err.contains("'vantrelctl database check --repair'"), ran.err);
+        }
+        QCOMPARE(world.read(u"home/Vantrel.mdb"_s), damaged);
+        QCOMPARE(differences(with, world.tree()), QStringList());
+
+        const QJsonObject repaired =
+            world.json({u"database"_s, u"check"_s, u"--repair"_s}).object();
+        QVERIFY(repaired[u"ok"].toBool());
+        QVERIFY(repaired[u"salvage"][u"rows"].toInt() > 10);
+        QVERIFY(world.json({u"database"_s, u"check"_s}).object()[u"ok"].toBool());
+        QCOMPARE(world.run({u"remove"_s, u"1"_s}).status, 0);
+        QCOMPARE(world.changes(), QStringList());
+        QVERIFY(world.json({u"database"_s, u"optimize"_s, u"--repair"_s}).object()[u"ok"].toBool());
+        QVERIFY(world.json({u"database"_s, u"upgrade"_s}).object()[u"ok"].toBool());
+    }
+
+    void enoughChanges_optimizeTheDatabaseAtTheEnd()
+    {
+        InstallWorld world;
+        const auto set = [&](const QString& name, const QString& value) {
+            QCOMPARE(world.run({u"settings"_s, u"set"_s, u"Database"_s, name, value}).status, 0);
+        };
+        const auto history = [&] {
+            return world.run({u"settings"_s, u"get"_s, u"Database"_s, u"History"_s}).out;
+        };
+        set(u"Optimization Factor"_s, u"3"_s);
+        for (const char* counted : {"1\n", "2\n", "0\n"}) { // the third one optimises
+            QCOMPARE(world.run({u"install"_s, u"pack.zip"_s}).status, 0);
+            const QString key =
+                QString::number(world.json({u"list"_s}).array().first()[u"key"].toInt());
+            QCOMPARE(world.run({u"remove"_s, key}).status, 0);
+            QCOMPARE(history(), QByteArray(counted));
+        }
+        QVERIFY(world.json({u"database"_s, u"check"_s}).object()[u"ok"].toBool());
+    }
+
     void heldProgramFolder_isExit3_butReadingGoesOn()
     {
         InstallWorld world;

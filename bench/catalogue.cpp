@@ -1,11 +1,15 @@
 // The catalogue of installed aircraft on a simulator that bench/run filled: the first look, the
-// later ones, one title check. bench-catalogue SIMULATOR PROGRAM prints one line of JSON.
+// later ones, one title check; and the verification of every aircraft. bench-catalogue SIMULATOR
+// PROGRAM prints one line of JSON.
 #include "catalogue/Catalogue.h"
+
 #include "catalogue/UsedFiles.h"
 #include "platform/DirectActions.h"
 #include "platform/DriveTable.h"
 #include "platform/Gate.h"
 #include "platform/Prompt.h"
+#include "simconfig/AircraftChecks.h"
+#include "simconfig/CAircraft.h"
 
 #include <QStringList>
 
@@ -74,6 +78,25 @@ struct World
     vt::GlobalRecord global;
 };
 
+/// Every variation is verified; the kneeboard files that no aircraft has are found missing.
+bool verifyAll(World& world, const vt::Catalogue& catalogue, double& milliseconds)
+{
+    world.files.newOperation();
+    Stopwatch timer;
+    timer.start();
+    vt::AircraftChecks checks(vt::ConfigAccess(world.services), world.files, world.global);
+    for (quint32 i = 0; i < catalogue.variationCount(); ++i) {
+        const vt::CatalogueVariation variation = catalogue.variation(i);
+        vt::CAircraft aircraft{vt::ConfigAccess(world.services)};
+        aircraft.sConfigurationFile = catalogue.file(variation.config);
+        aircraft.sSection = variation.section.toString();
+        if (!aircraft.Verify(checks).value(0).contains(u"kneeboard"))
+            return false;
+    }
+    milliseconds = timer.milliseconds();
+    return true;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -118,13 +141,17 @@ int main(int argc, char** argv)
     if (!used.isUsed(u"S:\\Effects\\fx_1.fx"_s))
         return 1;
     const double usedMs = timer.milliseconds();
+    double verifyMs = 0;
+    if (!verifyAll(world, first, verifyMs))
+        return 1;
     std::printf("{\"variations\": %u, \"first\": %.3f, \"save\": %.3f, \"later\": %.3f, "
-                "\"title\": %.5f, \"used\": %.3f}\n",
+                "\"title\": %.5f, \"used\": %.3f, \"verify\": %.3f}\n",
                 first.variationCount(),
                 firstMs,
                 saveMs,
                 median(later),
                 titleMs,
-                usedMs);
+                usedMs,
+                verifyMs);
     return 0;
 }

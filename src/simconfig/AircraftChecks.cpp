@@ -73,36 +73,62 @@ void AircraftChecks::read(const QString& file)
 
 // --- folders -----------------------------------------------------------------------------------
 
-const AircraftChecks::Names& AircraftChecks::listing(const QString& folder)
+const AircraftChecks::Listing& AircraftChecks::listing(const QString& folder)
 {
     const NoCase key{winpath::asFolder(folder)};
     const bool shared = !winpath::isBelow(key.text, winpath::parent(m_file));
-    QHash<NoCase, Names>& cache = shared ? m_shared : m_listings;
+    QHash<NoCase, Listing>& cache = shared ? m_shared : m_listings;
     const auto known = cache.constFind(key);
     if (known != cache.cend())
         return *known;
-    Names names;
-    const QStringList listed = files.names(key.text);
-    names.reserve(listed.size());
-    for (const QString& name : listed)
-        names.insert(NoCase{name});
-    return *cache.insert(key, names);
+    const Listing made = listed(key.text);
+    return *cache.insert(key, made);
+}
+
+/// What the aircraft's own folder lists saves a look at the disk for each of its parts.
+AircraftChecks::Listing AircraftChecks::listed(const QString& folder)
+{
+    Listing made;
+    made.folder = folder;
+    const QString above = winpath::parent(winpath::withoutTrailing(folder));
+    if (winpath::isBelow(above, winpath::parent(m_file))) {
+        const Listing& around = listing(above);
+        const auto name = around.names.constFind(NoCase{winpath::name(folder)});
+        if (name == around.names.cend())
+            return {};
+        made.folder = around.folder + name->text + u'\\';
+    }
+    const QStringList names = files.names(made.folder);
+    made.names.reserve(names.size());
+    for (const QString& name : names)
+        made.names.insert(NoCase{name});
+    if (names.isEmpty() && !files.isFolder(made.folder))
+        return {};
+    return made;
+}
+
+/// The path as on the disk where the folder's listing knows it.
+QString AircraftChecks::spelled(const QString& file)
+{
+    const Listing& around = listing(winpath::parent(file));
+    const auto name = around.names.constFind(NoCase{winpath::name(file)});
+    return name == around.names.cend() ? file : around.folder + name->text;
 }
 
 bool AircraftChecks::isFile(const QString& path)
 {
-    return listing(winpath::parent(path)).contains(NoCase{winpath::name(path)});
+    return listing(winpath::parent(path)).names.contains(NoCase{winpath::name(path)});
 }
 
 bool AircraftChecks::isFolder(const QString& folder)
 {
-    return !listing(folder).isEmpty() || files.isFolder(folder);
+    return !listing(folder).folder.isEmpty();
 }
 
 QStringList AircraftChecks::names(const QString& folder)
 {
     QStringList names;
-    for (const NoCase& name : listing(folder))
+    for (const NoCase& name : listing(folder).names)
         names.append(name.text);
     std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
         return compareNoCase(a, b) < 0;
@@ -113,14 +139,14 @@ QStringList AircraftChecks::names(const QString& folder)
 bool AircraftChecks::hasTextures(const QString& folder)
 {
     const auto anyIn = [this](const QString& place) {
-        const Names& names = listing(place);
+        const Names& names = listing(place).names;
         return std::any_of(names.cbegin(), names.cend(), [](const NoCase& name) {
             return configfacts::isRealTexture(name.text);
         });
     };
     if (anyIn(folder))
         return true;
-    const QString configuration = winpath::join(folder, u"texture.cfg");
+    const QString configuration = spelled(winpath::join(folder, u"texture.cfg"));
     if (!isFile(configuration))
         return false;
     const profile::ProfileFile file = ini::profileOf(access.actions, access.ansi, configuration);
@@ -155,7 +181,7 @@ const QStringList& AircraftChecks::modelProblems(const QString& modelConfigurati
 QStringList AircraftChecks::problemsOfModel(const QString& file)
 {
     CModel model(access);
-    if (!isFile(file) || !model.Load(file))
+    if (!isFile(file) || !model.Load(spelled(file)))
         return {u"- The aircraft's model configuration file does not exist. The file '"_s + file +
                 u"' was not found."_s};
     if (model.sModelEntry_Normal.isEmpty() && model.sAlias.isEmpty())

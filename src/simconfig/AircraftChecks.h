@@ -71,7 +71,15 @@ public:
 private:
     using Names = QSet<NoCase>;
 
-    const Names& listing(const QString& folder);
+    struct Listing
+    {
+        QString folder; ///< spelled as on the disk, ends in "\"; empty when there is none
+        Names names;
+    };
+
+    const Listing& listing(const QString& folder);
+    Listing listed(const QString& folder);
+    [[nodiscard]] QString spelled(const QString& file);
     void read(const QString& file);
     QStringList effectProblems(const profile::ProfileFile& file);
     QStringList problemsOfModel(const QString& file);
@@ -79,8 +87,8 @@ private:
     QString m_file; ///< of m_configuration
     std::optional<Configuration> m_configuration;
     QHash<NoCase, QStringList> m_models; ///< of the same aircraft
-    QHash<NoCase, Names> m_listings;     ///< of the same aircraft
-    QHash<NoCase, Names> m_shared;       ///< of folders that all aircraft use
+    QHash<NoCase, Listing> m_listings;   ///< of the same aircraft
+    QHash<NoCase, Listing> m_shared;     ///< of folders that all aircraft use
     QHash<NoCase, QStringList> m_effectTextures;
 };
 

@@ -1,18 +1,14 @@
-// A disk with questions and a code page around it, for tests of configuration files in "C:\FSX\".
+// A disk for tests of configuration files in "C:\FSX\".
 #pragma once
 
-#include "platform/AnsiCodec.h"
-#include "platform/Disk.h"
 #include "simconfig/engine/ConfigAccess.h"
 #include "simconfig/engine/LineArray.h"
-#include "support/ScriptedPrompts.h"
+#include "support/Disk.h"
 
 namespace vt::test {
 
 struct ConfigDisk : Disk
 {
-    AnsiCodec ansi{1252};
-    ScriptedPrompts prompts;
     ConfigAccess access{actions, prompts, ansi};
 
     [[nodiscard]] LineArray linesOf(const QByteArray& text) const

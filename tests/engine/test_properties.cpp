@@ -1,5 +1,6 @@
 #include "engine/ConfigDisk.h"
 #include "simconfig/engine/modRoutines_INI.h"
+#include "support/Rows.h"
 #include "support/TestMain.h"
 
 #include <QRandomGenerator>
@@ -10,6 +11,7 @@
 using namespace Qt::StringLiterals;
 using namespace vt;
 using namespace vt::modRoutines_INI;
+using vt::test::Rows;
 
 namespace {
 
@@ -85,195 +87,187 @@ class TestProperties : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void splitAndJoin_areInverse();
-    void edit_touchesOnlyWhatItNames();
-    void deletedSection_leavesTheRest();
-    void sectionEdits_leaveTheRest();
-    void badInput_data();
-    void badInput();
-};
 
-void TestProperties::splitAndJoin_areInverse()
-{
-    test::ConfigDisk disk;
-    test::MemoryActions memory;
-    const QString path = u"C:\\FSX\\a.cfg"_s;
-    for (quint32 seed = 0; seed < 2'000; ++seed) {
-        const QByteArray text = RandomFile(seed).text();
-        QCOMPARE(disk.linesOf(text).joined(), text);
-        LineArray lines(disk.ansi);
-        QVERIFY(memory.replace(path, text).ok);
-        QVERIFY(INI_File_Read(memory, path, lines).ok);
-        QVERIFY(INI_File_Write(memory, path, lines).ok);
-        const bool ended = text.isEmpty() || text.endsWith("\r\n");
-        QCOMPARE(memory.bytes.value(NoCase{path}), ended ? text : text + "\r\n");
+    void splitAndJoin_areInverse()
+    {
+        test::ConfigDisk disk;
+        test::MemoryActions memory;
+        const QString path = u"C:\\FSX\\a.cfg"_s;
+        for (quint32 seed = 0; seed < 2'000; ++seed) {
+            const QByteArray text = RandomFile(seed).text();
+            QCOMPARE(disk.linesOf(text).joined(), text);
+            LineArray lines(disk.ansi);
+            QVERIFY(memory.replace(path, text).ok);
+            QVERIFY(INI_File_Read(memory, path, lines).ok);
+            QVERIFY(INI_File_Write(memory, path, lines).ok);
+            const bool ended = text.isEmpty() || text.endsWith("\r\n");
+            QCOMPARE(memory.bytes.value(NoCase{path}), ended ? text : text + "\r\n");
+        }
     }
-}
 
-void TestProperties::edit_touchesOnlyWhatItNames()
-{
-    test::ConfigDisk disk;
-    const QString value = u"new value"_s;
-    int updated = 0;
-    for (quint32 seed = 0; seed < 3'000; ++seed) {
-        RandomFile file(seed);
-        const LineArray before = disk.linesOf(file.text());
-        if (!before.hasContent())
-            continue;
-        const QString section = file.section();
-        const QString key = file.key();
-        const bool had = INI_Entry_Get(before, section, key).has_value();
-        const bool hadSection = INI_Section_GetLines(before, section).has_value();
-        LineArray after = before;
-        QVERIFY(INI_Entry_Set(after, section, key, value).ok);
-        QCOMPARE(INI_Entry_Get(after, section, key), std::optional(value));
-        const qsizetype growth = after.lines.size() - before.lines.size();
-        QCOMPARE(growth, had ? 0 : hadSection ? 1 : 2);
-        if (had) {
-            ++updated;
-            int different = 0;
+    void edit_touchesOnlyWhatItNames()
+    {
+        test::ConfigDisk disk;
+        const QString value = u"new value"_s;
+        int updated = 0;
+        for (quint32 seed = 0; seed < 3'000; ++seed) {
+            RandomFile file(seed);
+            const LineArray before = disk.linesOf(file.text());
+            if (!before.hasContent())
+                continue;
+            const QString section = file.section();
+            const QString key = file.key();
+            const bool had = INI_Entry_Get(before, section, key).has_value();
+            const bool hadSection = INI_Section_GetLines(before, section).has_value();
+            LineArray after = before;
+            QVERIFY(INI_Entry_Set(after, section, key, value).ok);
+            QCOMPARE(INI_Entry_Get(after, section, key), std::optional(value));
+            const qsizetype growth = after.lines.size() - before.lines.size();
+            QCOMPARE(growth, had ? 0 : hadSection ? 1 : 2);
+            if (had) {
+                ++updated;
+                int different = 0;
+                for (qsizetype i = 0; i < before.lines.size(); ++i)
+                    different += before.lines.at(i) != after.lines.at(i);
+                QCOMPARE(different, 1);
+            } else {
+                QCOMPARE(without(after.lines, before.lines).size(), growth);
+            }
+
+            LineArray deleted = before;
+            if (INI_Entry_Delete(deleted, section, key)) {
+                QVERIFY(had);
+                QCOMPARE(without(before.lines, deleted.lines).size(), 1);
+            } else {
+                QCOMPARE(deleted.lines, before.lines);
+            }
+        }
+        QVERIFY(updated > 300);
+    }
+
+    void deletedSection_leavesTheRest()
+    {
+        test::ConfigDisk disk;
+        for (quint32 seed = 0; seed < 2'000; ++seed) {
+            RandomFile file(seed);
+            const LineArray before = disk.linesOf(file.text());
+            const QString section = file.section();
+            const QStringList names = INI_Sections_GetNames(before);
+            const QStringList others = [&] {
+                QStringList kept = names;
+                kept.removeIf([&](const QString& n) { return equalNoCase(n, section); });
+                return kept;
+            }();
+            LineArray after = before;
+            QCOMPARE(INI_Section_Delete(after, section), others.size() != names.size());
+            QCOMPARE(INI_Sections_GetNames(after), others);
+            for (const QString& other : others) {
+                // Two pieces of a section that lost what stood between them read on as one.
+                if (names.count(other) == 1)
+                    QCOMPARE(INI_Section_GetLines(after, other)->lines,
+                             INI_Section_GetLines(before, other)->lines);
+            }
+            QVERIFY(!INI_Section_GetLines(after, section));
+        }
+    }
+
+    void sectionEdits_leaveTheRest()
+    {
+        test::ConfigDisk disk;
+        const LineArray block = disk.linesOf("[New one]\r\nmark=1");
+        // What is left without the block, which must stand in one piece.
+        const auto withoutBlock = [&](const LineArray& lines) {
+            const qsizetype at = lines.lines.indexOf(block.lines.constFirst());
+            if (at < 0 || lines.lines.value(at + 1) != block.lines.constLast())
+                return QList<QByteArray>{"<no block>"};
+            return lines.lines.first(at) + lines.lines.sliced(at + 2);
+        };
+        std::array<int, 3> done = {};
+        for (quint32 seed = 0; seed < 3'000; ++seed) {
+            RandomFile file(seed);
+            const LineArray before = disk.linesOf(file.text());
+            const QString section = file.section();
+
+            LineArray inserted = before;
+            if (INI_Section_InsertAfter(inserted, block, section)) {
+                ++done[0];
+                QCOMPARE(withoutBlock(inserted), before.lines);
+            } else {
+                QCOMPARE(inserted.lines, before.lines);
+            }
+
+            LineArray replaced = before;
+            LineArray deleted = before;
+            INI_Section_Delete(deleted, section);
+            if (INI_Section_Replace(replaced, section, block)) {
+                ++done[1];
+                const QList<QByteArray> left = withoutBlock(replaced);
+                QCOMPARE(left, deleted.hasContent() ? deleted.lines : left);
+            } else {
+                QCOMPARE(replaced.lines, before.lines);
+            }
+
+            LineArray renamed = before;
+            const bool wasRenamed = INI_Section_Rename(renamed, section, u"New one"_s).ok;
+            done[2] += wasRenamed;
+            QCOMPARE(renamed.lines.size(), before.lines.size());
+            qsizetype different = 0;
             for (qsizetype i = 0; i < before.lines.size(); ++i)
-                different += before.lines.at(i) != after.lines.at(i);
-            QCOMPARE(different, 1);
-        } else {
-            QCOMPARE(without(after.lines, before.lines).size(), growth);
+                different += renamed.lines.at(i) != before.lines.at(i);
+            QCOMPARE(different, qsizetype(wasRenamed));
         }
+        QVERIFY(done[0] > 300 && done[1] > 300 && done[2] > 300);
+    }
 
-        LineArray deleted = before;
-        if (INI_Entry_Delete(deleted, section, key)) {
-            QVERIFY(had);
-            QCOMPARE(without(before.lines, deleted.lines).size(), 1);
-        } else {
-            QCOMPARE(deleted.lines, before.lines);
+    void badInput()
+    {
+        const Rows<int> rows = {
+            {"binary garbage", 0},
+            {"a line of 10 MB", 1},
+            {"a million sections", 2},
+            {"NULs", 3},
+            {"unclosed brackets", 4},
+            {"10 MB of apostrophes", 5},
+        };
+        for (const auto& [shape] : rows) {
+            QByteArray bytes;
+            switch (shape) {
+            case 0:
+                bytes.resize(4'000'000);
+                QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(bytes.data()), 1'000'000);
+                break;
+            case 1:
+                bytes = "[a]\r\nt=" + QByteArray(10'000'000, 'x') + "\r\n";
+                break;
+            case 2:
+                for (int i = 0; i < 1'000'000; ++i)
+                    bytes += "[s" + QByteArray::number(i) + "]\r\n";
+                break;
+            case 3:
+                bytes = QByteArray(1'000'000, '\0');
+                break;
+            case 4:
+                bytes = QByteArray(2'000'000, '[').replace(QByteArray("[["), QByteArray("[\r\n"));
+                break;
+            default:
+                bytes = "[a]\r\nt=" + QByteArray(10'000'000, '\'') + "\r\n";
+                break;
+            }
+            test::ConfigDisk disk;
+            LineArray lines = disk.linesOf(bytes);
+            QCOMPARE(lines.joined(), bytes);
+            const LineArray before = lines;
+            const qsizetype sections = INI_Sections_GetNames(lines).size();
+            QCOMPARE(sections >= 1'000'000, shape == 2);
+            QVERIFY(INI_Entry_Set(lines, u"s999999"_s, u"t"_s, u"1"_s).ok);
+            QCOMPARE(INI_Entry_Get(lines, u"s999999"_s, u"t"_s), std::optional(u"1"_s));
+            QVERIFY(INI_Entry_Delete(lines, u"s999999"_s, u"t"_s));
+            if (shape == 2)
+                QCOMPARE(lines.lines, before.lines);
+            QCOMPARE(INI_Entry_Get(lines, u"a"_s, u"t"_s).has_value(), shape == 1 || shape == 5);
         }
     }
-    QVERIFY(updated > 300);
-}
-
-void TestProperties::deletedSection_leavesTheRest()
-{
-    test::ConfigDisk disk;
-    for (quint32 seed = 0; seed < 2'000; ++seed) {
-        RandomFile file(seed);
-        const LineArray before = disk.linesOf(file.text());
-        const QString section = file.section();
-        const QStringList names = INI_Sections_GetNames(before);
-        const QStringList others = [&] {
-            QStringList kept = names;
-            kept.removeIf([&](const QString& n) { return equalNoCase(n, section); });
-            return kept;
-        }();
-        LineArray after = before;
-        QCOMPARE(INI_Section_Delete(after, section), others.size() != names.size());
-        QCOMPARE(INI_Sections_GetNames(after), others);
-        for (const QString& other : others) {
-            // Two pieces of a section that lost what stood between them read on as one.
-            if (names.count(other) == 1)
-                QCOMPARE(INI_Section_GetLines(after, other)->lines,
-                         INI_Section_GetLines(before, other)->lines);
-        }
-        QVERIFY(!INI_Section_GetLines(after, section));
-    }
-}
-
-void TestProperties::sectionEdits_leaveTheRest()
-{
-    test::ConfigDisk disk;
-    const LineArray block = disk.linesOf("[New one]\r\nmark=1");
-    // What is left without the block, which must stand in one piece.
-    const auto withoutBlock = [&](const LineArray& lines) {
-        const qsizetype at = lines.lines.indexOf(block.lines.constFirst());
-        if (at < 0 || lines.lines.value(at + 1) != block.lines.constLast())
-            return QList<QByteArray>{"<no block>"};
-        return lines.lines.first(at) + lines.lines.sliced(at + 2);
-    };
-    std::array<int, 3> done = {};
-    for (quint32 seed = 0; seed < 3'000; ++seed) {
-        RandomFile file(seed);
-        const LineArray before = disk.linesOf(file.text());
-        const QString section = file.section();
-
-        LineArray inserted = before;
-        if (INI_Section_InsertAfter(inserted, block, section)) {
-            ++done[0];
-            QCOMPARE(withoutBlock(inserted), before.lines);
-        } else {
-            QCOMPARE(inserted.lines, before.lines);
-        }
-
-        LineArray replaced = before;
-        LineArray deleted = before;
-        INI_Section_Delete(deleted, section);
-        if (INI_Section_Replace(replaced, section, block)) {
-            ++done[1];
-            const QList<QByteArray> left = withoutBlock(replaced);
-            QCOMPARE(left, deleted.hasContent() ? deleted.lines : left);
-        } else {
-            QCOMPARE(replaced.lines, before.lines);
-        }
-
-        LineArray renamed = before;
-        const bool wasRenamed = INI_Section_Rename(renamed, section, u"New one"_s).ok;
-        done[2] += wasRenamed;
-        QCOMPARE(renamed.lines.size(), before.lines.size());
-        qsizetype different = 0;
-        for (qsizetype i = 0; i < before.lines.size(); ++i)
-            different += renamed.lines.at(i) != before.lines.at(i);
-        QCOMPARE(different, qsizetype(wasRenamed));
-    }
-    QVERIFY(done[0] > 300 && done[1] > 300 && done[2] > 300);
-}
-
-void TestProperties::badInput_data()
-{
-    QTest::addColumn<int>("shape");
-    QTest::newRow("binary garbage") << 0;
-    QTest::newRow("a line of 10 MB") << 1;
-    QTest::newRow("a million sections") << 2;
-    QTest::newRow("NULs") << 3;
-    QTest::newRow("unclosed brackets") << 4;
-    QTest::newRow("10 MB of apostrophes") << 5;
-}
-
-void TestProperties::badInput()
-{
-    QFETCH(int, shape);
-    QByteArray bytes;
-    switch (shape) {
-    case 0:
-        bytes.resize(4'000'000);
-        QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(bytes.data()), 1'000'000);
-        break;
-    case 1:
-        bytes = "[a]\r\nt=" + QByteArray(10'000'000, 'x') + "\r\n";
-        break;
-    case 2:
-        for (int i = 0; i < 1'000'000; ++i)
-            bytes += "[s" + QByteArray::number(i) + "]\r\n";
-        break;
-    case 3:
-        bytes = QByteArray(1'000'000, '\0');
-        break;
-    case 4:
-        bytes = QByteArray(2'000'000, '[').replace(QByteArray("[["), QByteArray("[\r\n"));
-        break;
-    default:
-        bytes = "[a]\r\nt=" + QByteArray(10'000'000, '\'') + "\r\n";
-        break;
-    }
-    test::ConfigDisk disk;
-    LineArray lines = disk.linesOf(bytes);
-    QCOMPARE(lines.joined(), bytes);
-    const LineArray before = lines;
-    const qsizetype sections = INI_Sections_GetNames(lines).size();
-    QCOMPARE(sections >= 1'000'000, shape == 2);
-    QVERIFY(INI_Entry_Set(lines, u"s999999"_s, u"t"_s, u"1"_s).ok);
-    QCOMPARE(INI_Entry_Get(lines, u"s999999"_s, u"t"_s), std::optional(u"1"_s));
-    QVERIFY(INI_Entry_Delete(lines, u"s999999"_s, u"t"_s));
-    if (shape == 2)
-        QCOMPARE(lines.lines, before.lines);
-    QCOMPARE(INI_Entry_Get(lines, u"a"_s, u"t"_s).has_value(), shape == 1 || shape == 5);
-}
+};
 
 VT_TEST_CLASS(TestProperties)
 #include "test_properties.moc"

@@ -1,7 +1,8 @@
-#include "Disk.h"
 #include "platform/Prefix.h"
 #include "platform/RegistryStore.h"
 #include "platform/ShellFolders.h"
+#include "support/Disk.h"
+#include "support/Rows.h"
 #include "support/TestMain.h"
 
 using namespace vt;
@@ -29,19 +30,207 @@ class TestPrefix : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void order();
-    void steamLibrariesAreRead();
-    void wrongExplicitFolderIsTold();
-    void drivesOfLinks();
-    void typedDrives_data();
-    void typedDrives();
-    void codePage_data();
-    void codePage();
 
-    void shellFoldersFromRegistry();
-    void shellFoldersFromDisk_data();
-    void shellFoldersFromDisk();
-    void registryOfAnotherDisk();
+    void order()
+    {
+        const QTemporaryDir home;
+        PrefixSearch by = search(home);
+        const auto found = [&] {
+            const ResultOf<Prefix> prefix = findPrefix(by);
+            return prefix ? prefix->foundBy + u' ' + prefix->hostFolder : prefix.text;
+        };
+        QCOMPARE(found(), u" "_s);
+        const QString steam =
+            home.path() + u"/.local/share/Steam/steamapps/compatdata/314160/pfx"_s;
+        makePrefix(steam);
+        QCOMPARE(found(), u"Steam "_s + steam);
+        makePrefix(home.path() + u"/.wine"_s);
+        QCOMPARE(found(), u"home "_s + home.path() + u"/.wine"_s);
+        makePrefix(home.path() + u"/games/fsx"_s);
+        by.environment.insert(u"WINEPREFIX"_s, u"~/games/fsx/"_s);
+        QCOMPARE(found(), u"WINEPREFIX "_s + home.path() + u"/games/fsx"_s);
+        makePrefix(home.path() + u"/proton/pfx"_s);
+        by.explicitFolder = u"proton"_s;
+        QCOMPARE(found(), u"option "_s + home.path() + u"/proton/pfx"_s);
+
+        // A named prefix that is not there must not turn into another one.
+        by.explicitFolder.clear();
+        by.environment.insert(u"WINEPREFIX"_s, home.path() + u"/none"_s);
+        QCOMPARE(found(), u" "_s);
+    }
+
+    void steamLibrariesAreRead()
+    {
+        const QTemporaryDir home;
+        const QString root = home.path() + u"/.local/share/Steam"_s;
+        const QString library = home.path() + u"/Big \"Disk\"/Library"_s;
+        QVERIFY(QDir().mkpath(home.path() + u"/.steam"_s));
+        QVERIFY(QDir().mkpath(library));
+        writeHostFile(root + u"/steamapps/libraryfolders.vdf"_s,
+                      "\"libraryfolders\"\n{\n\t\"0\"\n\t{\n\t\t\"path\"\t\t\"" + root.toUtf8() +
+                          "\"\n\t}\n\t\"1\"\n\t{\n\t\t\"path\"\t\t\"" +
+                          library.toUtf8().replace("\"", "\\\"") + "\"\n\t}\n}\n");
+        QVERIFY(QFile::link(root, home.path() + u"/.steam/steam"_s));
+        QCOMPARE(steamLibraries(home.path()),
+                 (QStringList{home.path() + u"/.steam/steam"_s, library}));
+        makePrefix(library + u"/steamapps/compatdata/314160/pfx"_s);
+        QCOMPARE(findPrefix(search(home))->hostFolder,
+                 library + u"/steamapps/compatdata/314160/pfx"_s);
+    }
+
+    void wrongExplicitFolderIsTold()
+    {
+        const QTemporaryDir home;
+        PrefixSearch by = search(home);
+        by.explicitFolder = home.path();
+        const ResultOf<Prefix> prefix = findPrefix(by);
+        QVERIFY(!prefix.ok());
+        QCOMPARE(prefix.kind, ErrorKind::Surroundings);
+        QVERIFY2(prefix.text.contains(home.path()), qPrintable(prefix.text));
+    }
+
+    void drivesOfLinks()
+    {
+        const QTemporaryDir home;
+        const QString prefix = home.path() + u"/.wine"_s;
+        makePrefix(prefix);
+        QVERIFY(QDir().mkpath(home.path() + u"/games"_s));
+        const QString devices = prefix + u"/dosdevices/"_s;
+        QVERIFY(QFile::link(home.path() + u"/games"_s, devices + u"d:"_s));
+        QVERIFY(QFile::link(u"../../games"_s, devices + u"E:"_s));
+        QVERIFY(QFile::link(u"/dev/null"_s, devices + u"c::"_s));
+        QVERIFY(QFile::link(home.path() + u"/gone"_s, devices + u"f:"_s));
+        QVERIFY(QFile::link(u"/"_s, devices + u"com1"_s));
+
+        const ResultOf<DriveTable> drives = driveTableOf({prefix, {}}, {u"X=games"_s}, home.path());
+        QVERIFY2(drives.ok(), qPrintable(drives.text));
+        QCOMPARE(drives->hostRoot(u'c'), prefix + u"/drive_c"_s);
+        QCOMPARE(drives->hostRoot(u'D'), home.path() + u"/games"_s);
+        QCOMPARE(drives->hostRoot(u'E'), home.path() + u"/games"_s);
+        QCOMPARE(drives->hostRoot(u'X'), home.path() + u"/games"_s);
+        QVERIFY(drives->hostRoot(u'F').isNull());
+        QCOMPARE(drives->toHost(u"Z:\\tmp"), u"/tmp"_s);
+
+        QVERIFY(driveTableOf({}, {}, home.path())->hostRoot(u'C').isNull());
+        QVERIFY(QDir(devices).removeRecursively());
+        QCOMPARE(driveTableOf({prefix, {}}, {}, home.path())->hostRoot(u'C'),
+                 prefix + u"/drive_c"_s);
+    }
+
+    void typedDrives()
+    {
+        // told: empty: accepted
+        const Rows<QString, QString> rows = {
+            {"plain", u"c=sub"_s, u""_s},
+            {"with colon", u"C:=sub"_s, u""_s},
+            {"no folder", u"C="_s, u"a letter, '=' and a folder"_s},
+            {"no letter", u"=sub"_s, u"a letter, '=' and a folder"_s},
+            {"no equals", u"sub"_s, u"a letter, '=' and a folder"_s},
+            {"two letters", u"CD=sub"_s, u"a letter, '=' and a folder"_s},
+            {"reserved", u"z=sub"_s, u"Z:"_s},
+            {"missing folder", u"C=gone"_s, u"/gone' does not exist"_s},
+        };
+        for (const auto& [typed, told] : rows) {
+            const QTemporaryDir folder;
+            QVERIFY(QDir(folder.path()).mkdir(u"sub"_s));
+            const ResultOf<DriveTable> drives = driveTableOf({}, {typed}, folder.path());
+            QCOMPARE(drives.ok(), told.isEmpty());
+            if (drives.ok()) {
+                QCOMPARE(drives->hostRoot(u'C'), folder.path() + u"/sub"_s);
+                continue;
+            }
+            // A drive that is written well and leads nowhere is the disk's fault.
+            QCOMPARE(drives.kind,
+                     typed == u"C=gone"_s ? ErrorKind::Surroundings : ErrorKind::Usage);
+            QVERIFY2(drives.text.contains(told) && drives.text.contains(typed),
+                     qPrintable(drives.text));
+        }
+    }
+
+    void codePage()
+    {
+        const Rows<QString, int> rows = {
+            {"none", {}, 1252},
+            {"cyrillic", u"1251"_s, 1251},
+            {"nonsense", u"utf"_s, 1252},
+        };
+        for (const auto& [recorded, page] : rows) {
+            RegistryStore registry;
+            const QString key = u"System\\CurrentControlSet\\Control\\Nls\\CodePage"_s;
+            if (!recorded.isNull())
+                QVERIFY(registry.setValue(Hive::LocalMachine, key, u"ACP"_s, recorded));
+            QCOMPARE(ansiCodePage(registry), page);
+        }
+    }
+
+    void shellFoldersFromRegistry()
+    {
+        Disk disk;
+        RegistryStore registry;
+        const auto user = Hive::CurrentUser;
+        QVERIFY(registry.setValue(user, shellKey, u"Personal"_s, u"C:\\users\\p\\Docs"_s));
+        QVERIFY(
+            registry.setValue(user, userShellKey, u"AppData"_s, u"%USERPROFILE%\\Data\\%none"_s));
+        QVERIFY(registry.setValue(
+            user, u"Volatile Environment"_s, u"UserProfile"_s, u"C:\\users\\p"_s));
+        QVERIFY(registry.setValue(
+            Hive::LocalMachine, shellKey, u"Common AppData"_s, u"%UNKNOWN%\\Data"_s));
+        const ShellFolders folders = shellFolders(registry, disk.files);
+        QCOMPARE(folders.documents, u"C:\\users\\p\\Docs\\"_s);
+        QCOMPARE(folders.userData, u"C:\\users\\p\\Data\\%none\\"_s);
+        QCOMPARE(folders.allUsersData, u"C:\\ProgramData\\"_s);
+        QCOMPARE(folders.systemDrive, u"C:\\"_s);
+    }
+
+    void shellFoldersFromDisk()
+    {
+        const Rows<QStringList, QString, QString> rows = {
+            {"no users", {u"windows"_s}, u""_s, u""_s},
+            {"steam's user",
+             {u"users/steamuser"_s, u"users/other"_s, u"users/Public"_s},
+             u"C:\\users\\steamuser\\Documents\\"_s,
+             u"C:\\users\\steamuser\\AppData\\Roaming\\"_s},
+            {"only user",
+             {u"Users/Pilot"_s, u"Users/Public"_s, u"Users/Default"_s, u"Users/All Users"_s},
+             u"C:\\Users\\Pilot\\Documents\\"_s,
+             u"C:\\Users\\Pilot\\AppData\\Roaming\\"_s},
+            {"the flying one of two",
+             {u"Users/Ann"_s, u"Users/Bob/AppData/Roaming/Microsoft/FSX"_s},
+             u"C:\\Users\\Bob\\Documents\\"_s,
+             u"C:\\Users\\Bob\\AppData\\Roaming\\"_s},
+            {"two alike", {u"Users/Ann"_s, u"Users/Bob"_s}, u""_s, u""_s},
+            {"old names",
+             {u"users/p/My Documents"_s, u"users/p/Application Data"_s},
+             u"C:\\users\\p\\My Documents\\"_s,
+             u"C:\\users\\p\\Application Data\\"_s},
+            {"older Windows",
+             {u"Documents and Settings/p/My Documents"_s,
+              u"Documents and Settings/All Users"_s,
+              u"Documents and Settings/LocalService"_s},
+             u"C:\\Documents and Settings\\p\\My Documents\\"_s,
+             u"C:\\Documents and Settings\\p\\AppData\\Roaming\\"_s},
+        };
+        for (const auto& [made, documents, userData] : rows) {
+            Disk disk;
+            for (const QString& folder : made)
+                disk.makeFolder(folder);
+            const ShellFolders folders = shellFolders(RegistryStore(), disk.files);
+            QCOMPARE(folders.documents, documents);
+            QCOMPARE(folders.userData, userData);
+        }
+        const DriveTable none;
+        QVERIFY(shellFolders(RegistryStore(), Files(none)).systemDrive.isEmpty());
+    }
+
+    void registryOfAnotherDisk()
+    {
+        Disk disk;
+        disk.makeFolder(u"Users/Pilot/Documents"_s);
+        RegistryStore registry;
+        QVERIFY(registry.setValue(
+            Hive::CurrentUser, shellKey, u"Personal"_s, u"C:\\users\\penguin\\Documents"_s));
+        QCOMPARE(shellFolders(registry, disk.files).documents, u"C:\\Users\\Pilot\\Documents\\"_s);
+    }
 
 private:
     PrefixSearch search(const QTemporaryDir& home) const
@@ -52,216 +241,6 @@ private:
         return out;
     }
 };
-
-void TestPrefix::order()
-{
-    const QTemporaryDir home;
-    PrefixSearch by = search(home);
-    const auto found = [&] {
-        const ResultOf<Prefix> prefix = findPrefix(by);
-        return prefix ? prefix->foundBy + u' ' + prefix->hostFolder : prefix.text;
-    };
-    QCOMPARE(found(), u" "_s);
-    const QString steam = home.path() + u"/.local/share/Steam/steamapps/compatdata/314160/pfx"_s;
-    makePrefix(steam);
-    QCOMPARE(found(), u"Steam "_s + steam);
-    makePrefix(home.path() + u"/.wine"_s);
-    QCOMPARE(found(), u"home "_s + home.path() + u"/.wine"_s);
-    makePrefix(home.path() + u"/games/fsx"_s);
-    by.environment.insert(u"WINEPREFIX"_s, u"~/games/fsx/"_s);
-    QCOMPARE(found(), u"WINEPREFIX "_s + home.path() + u"/games/fsx"_s);
-    makePrefix(home.path() + u"/proton/pfx"_s);
-    by.explicitFolder = u"proton"_s;
-    QCOMPARE(found(), u"option "_s + home.path() + u"/proton/pfx"_s);
-
-    // A named prefix that is not there must not turn into another one.
-    by.explicitFolder.clear();
-    by.environment.insert(u"WINEPREFIX"_s, home.path() + u"/none"_s);
-    QCOMPARE(found(), u" "_s);
-}
-
-void TestPrefix::steamLibrariesAreRead()
-{
-    const QTemporaryDir home;
-    const QString root = home.path() + u"/.local/share/Steam"_s;
-    const QString library = home.path() + u"/Big \"Disk\"/Library"_s;
-    QVERIFY(QDir().mkpath(home.path() + u"/.steam"_s));
-    QVERIFY(QDir().mkpath(library));
-    writeHostFile(root + u"/steamapps/libraryfolders.vdf"_s,
-                  "\"libraryfolders\"\n{\n\t\"0\"\n\t{\n\t\t\"path\"\t\t\"" + root.toUtf8() +
-                      "\"\n\t}\n\t\"1\"\n\t{\n\t\t\"path\"\t\t\"" +
-                      library.toUtf8().replace("\"", "\\\"") + "\"\n\t}\n}\n");
-    QVERIFY(QFile::link(root, home.path() + u"/.steam/steam"_s));
-    QCOMPARE(steamLibraries(home.path()), (QStringList{home.path() + u"/.steam/steam"_s, library}));
-    makePrefix(library + u"/steamapps/compatdata/314160/pfx"_s);
-    QCOMPARE(findPrefix(search(home))->hostFolder, library + u"/steamapps/compatdata/314160/pfx"_s);
-}
-
-void TestPrefix::wrongExplicitFolderIsTold()
-{
-    const QTemporaryDir home;
-    PrefixSearch by = search(home);
-    by.explicitFolder = home.path();
-    const ResultOf<Prefix> prefix = findPrefix(by);
-    QVERIFY(!prefix.ok());
-    QCOMPARE(prefix.kind, ErrorKind::Surroundings);
-    QVERIFY2(prefix.text.contains(home.path()), qPrintable(prefix.text));
-}
-
-void TestPrefix::drivesOfLinks()
-{
-    const QTemporaryDir home;
-    const QString prefix = home.path() + u"/.wine"_s;
-    makePrefix(prefix);
-    QVERIFY(QDir().mkpath(home.path() + u"/games"_s));
-    const QString devices = prefix + u"/dosdevices/"_s;
-    QVERIFY(QFile::link(home.path() + u"/games"_s, devices + u"d:"_s));
-    QVERIFY(QFile::link(u"../../games"_s, devices + u"E:"_s));
-    QVERIFY(QFile::link(u"/dev/null"_s, devices + u"c::"_s));
-    QVERIFY(QFile::link(home.path() + u"/gone"_s, devices + u"f:"_s));
-    QVERIFY(QFile::link(u"/"_s, devices + u"com1"_s));
-
-    const ResultOf<DriveTable> drives = driveTableOf({prefix, {}}, {u"X=games"_s}, home.path());
-    QVERIFY2(drives.ok(), qPrintable(drives.text));
-    QCOMPARE(drives->hostRoot(u'c'), prefix + u"/drive_c"_s);
-    QCOMPARE(drives->hostRoot(u'D'), home.path() + u"/games"_s);
-    QCOMPARE(drives->hostRoot(u'E'), home.path() + u"/games"_s);
-    QCOMPARE(drives->hostRoot(u'X'), home.path() + u"/games"_s);
-    QVERIFY(drives->hostRoot(u'F').isNull());
-    QCOMPARE(drives->toHost(u"Z:\\tmp"), u"/tmp"_s);
-
-    QVERIFY(driveTableOf({}, {}, home.path())->hostRoot(u'C').isNull());
-    QVERIFY(QDir(devices).removeRecursively());
-    QCOMPARE(driveTableOf({prefix, {}}, {}, home.path())->hostRoot(u'C'), prefix + u"/drive_c"_s);
-}
-
-void TestPrefix::typedDrives_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("told"); // empty: accepted
-    QTest::newRow("plain") << u"c=sub"_s << u""_s;
-    QTest::newRow("with colon") << u"C:=sub"_s << u""_s;
-    QTest::newRow("no folder") << u"C="_s << u"a letter, '=' and a folder"_s;
-    QTest::newRow("no letter") << u"=sub"_s << u"a letter, '=' and a folder"_s;
-    QTest::newRow("no equals") << u"sub"_s << u"a letter, '=' and a folder"_s;
-    QTest::newRow("two letters") << u"CD=sub"_s << u"a letter, '=' and a folder"_s;
-    QTest::newRow("reserved") << u"z=sub"_s << u"Z:"_s;
-    QTest::newRow("missing folder") << u"C=gone"_s << u"/gone' does not exist"_s;
-}
-
-void TestPrefix::typedDrives()
-{
-    QFETCH(QString, typed);
-    QFETCH(QString, told);
-    const QTemporaryDir folder;
-    QVERIFY(QDir(folder.path()).mkdir(u"sub"_s));
-    const ResultOf<DriveTable> drives = driveTableOf({}, {typed}, folder.path());
-    QCOMPARE(drives.ok(), told.isEmpty());
-    if (drives.ok()) {
-        QCOMPARE(drives->hostRoot(u'C'), folder.path() + u"/sub"_s);
-        return;
-    }
-    // A drive that is written well and leads nowhere is the disk's fault.
-    QCOMPARE(drives.kind, typed == u"C=gone"_s ? ErrorKind::Surroundings : ErrorKind::Usage);
-    QVERIFY2(drives.text.contains(told) && drives.text.contains(typed), qPrintable(drives.text));
-}
-
-void TestPrefix::codePage_data()
-{
-    QTest::addColumn<QString>("recorded");
-    QTest::addColumn<int>("page");
-    QTest::newRow("none") << QString() << 1252;
-    QTest::newRow("cyrillic") << u"1251"_s << 1251;
-    QTest::newRow("nonsense") << u"utf"_s << 1252;
-}
-
-void TestPrefix::codePage()
-{
-    QFETCH(QString, recorded);
-    QFETCH(int, page);
-    RegistryStore registry;
-    const QString key = u"System\\CurrentControlSet\\Control\\Nls\\CodePage"_s;
-    if (!recorded.isNull())
-        QVERIFY(registry.setValue(Hive::LocalMachine, key, u"ACP"_s, recorded));
-    QCOMPARE(ansiCodePage(registry), page);
-}
-
-void TestPrefix::shellFoldersFromRegistry()
-{
-    Disk disk;
-    RegistryStore registry;
-    QVERIFY(registry.setValue(Hive::CurrentUser, shellKey, u"Personal"_s, u"C:\\users\\p\\Docs"_s));
-    QVERIFY(registry.setValue(
-        Hive::CurrentUser, userShellKey, u"AppData"_s, u"%USERPROFILE%\\Data\\%none"_s));
-    QVERIFY(registry.setValue(
-        Hive::CurrentUser, u"Volatile Environment"_s, u"UserProfile"_s, u"C:\\users\\p"_s));
-    QVERIFY(
-        registry.setValue(Hive::LocalMachine, shellKey, u"Common AppData"_s, u"%UNKNOWN%\\Data"_s));
-    const ShellFolders folders = shellFolders(registry, disk.files);
-    QCOMPARE(folders.documents, u"C:\\users\\p\\Docs\\"_s);
-    QCOMPARE(folders.userData, u"C:\\users\\p\\Data\\%none\\"_s);
-    QCOMPARE(folders.allUsersData, u"C:\\ProgramData\\"_s);
-    QCOMPARE(folders.systemDrive, u"C:\\"_s);
-}
-
-void TestPrefix::shellFoldersFromDisk_data()
-{
-    QTest::addColumn<QStringList>("made");
-    QTest::addColumn<QString>("documents");
-    QTest::addColumn<QString>("userData");
-    QTest::newRow("no users") << QStringList{u"windows"_s} << u""_s << u""_s;
-    QTest::newRow("steam's user") << QStringList{u"users/steamuser"_s,
-                                                 u"users/other"_s,
-                                                 u"users/Public"_s}
-                                  << u"C:\\users\\steamuser\\Documents\\"_s
-                                  << u"C:\\users\\steamuser\\AppData\\Roaming\\"_s;
-    QTest::newRow("only user") << QStringList{u"Users/Pilot"_s,
-                                              u"Users/Public"_s,
-                                              u"Users/Default"_s,
-                                              u"Users/All Users"_s}
-                               << u"C:\\Users\\Pilot\\Documents\\"_s
-                               << u"C:\\Users\\Pilot\\AppData\\Roaming\\"_s;
-    QTest::newRow("the flying one of two")
-        << QStringList{u"Users/Ann"_s, u"Users/Bob/AppData/Roaming/Microsoft/FSX"_s}
-        << u"C:\\Users\\Bob\\Documents\\"_s << u"C:\\Users\\Bob\\AppData\\Roaming\\"_s;
-    QTest::newRow("two alike") << QStringList{u"Users/Ann"_s, u"Users/Bob"_s} << u""_s << u""_s;
-    QTest::newRow("old names") << QStringList{u"users/p/My Documents"_s,
-                                              u"users/p/Application Data"_s}
-                               << u"C:\\users\\p\\My Documents\\"_s
-                               << u"C:\\users\\p\\Application Data\\"_s;
-    QTest::newRow("older Windows") << QStringList{u"Documents and Settings/p/My Documents"_s,
-                                                  u"Documents and Settings/All Users"_s,
-                                                  u"Documents and Settings/LocalService"_s}
-                                   << u"C:\\Documents and Settings\\p\\My Documents\\"_s
-                                   << u"C:\\Documents and Settings\\p\\AppData\\Roaming\\"_s;
-}
-
-void TestPrefix::shellFoldersFromDisk()
-{
-    QFETCH(QStringList, made);
-    QFETCH(QString, documents);
-    QFETCH(QString, userData);
-    Disk disk;
-    for (const QString& folder : made)
-        QVERIFY(QDir().mkpath(disk.host(folder)));
-    disk.files.newOperation();
-    const ShellFolders folders = shellFolders(RegistryStore(), disk.files);
-    QCOMPARE(folders.documents, documents);
-    QCOMPARE(folders.userData, userData);
-
-    const DriveTable none;
-    QVERIFY(shellFolders(RegistryStore(), Files(none)).systemDrive.isEmpty());
-}
-
-void TestPrefix::registryOfAnotherDisk()
-{
-    Disk disk;
-    QVERIFY(QDir().mkpath(disk.host(u"Users/Pilot/Documents"_s)));
-    RegistryStore registry;
-    QVERIFY(registry.setValue(
-        Hive::CurrentUser, shellKey, u"Personal"_s, u"C:\\users\\penguin\\Documents"_s));
-    QCOMPARE(shellFolders(registry, disk.files).documents, u"C:\\Users\\Pilot\\Documents\\"_s);
-}
 
 VT_TEST_CLASS(TestPrefix)
 #include "test_prefix.moc"

@@ -1,7 +1,7 @@
 // What the entries of configuration files name, and where an alias leads.
-#include "platform/Disk.h"
 #include "simconfig/AliasTarget.h"
 #include "simconfig/ConfigFacts.h"
+#include "support/Disk.h"
 #include "support/TestMain.h"
 
 using namespace Qt::StringLiterals;

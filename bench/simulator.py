@@ -6,7 +6,7 @@ import random
 AIRCRAFT, VARIATIONS, EFFECTS = 1000, 3, 600
 MAKERS = ["Alder", "Birch", "Cedar", "Dogwood", "Elm", "Fir", "Gorse", "Hazel", "Iris", "Juniper"]
 GAUGES = ["Airspeed", "Altimeter", "Attitude", "Compass", "Fuel Left", "Oil_Temp", "RPM 1", "Radio"]
-CONFIGS = ["aircraft.cfg", "panel.cfg", "sound.cfg", "model.cfg", "*.fx"]
+CONFIGS = ["[aA]ircraft.cfg", "panel.cfg", "[sS]ound.cfg", "model.cfg", "*.fx"]  # for grep
 
 
 def variation(rng, number, i, maker):
@@ -65,7 +65,7 @@ def panel_cfg(rng, number):
                  "ident=PANEL_%d\n" % (window, window, window))
         for gauge in range(rng.randrange(35, 95)):
             text += ("gauge%02d=Set%d!%s %d,\t%d, %d, 100, 100%s\n"
-                     % (gauge, number % 150, rng.choice(GAUGES), gauge, gauge * 7, window * 9,
+                     % (gauge, (number + gauge // 9) % 150, rng.choice(GAUGES), gauge, gauge * 7, window * 9,
                         "\t// row %d" % gauge if gauge % 6 == 0 else ""))
         text += "\n"
     return text + "[Color]\nDay=255,255,255\nNight=223,255,255\n"

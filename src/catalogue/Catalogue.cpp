@@ -121,7 +121,9 @@ CatalogueVariation Catalogue::variation(quint32 number) const
             text(row.variation),
             text(row.typeRole),
             text(row.createdBy),
-            qint64(row.addonKey)};
+            qint64(row.addonKey),
+            configfacts::hiddenSectionNumber(text(row.section)) >= 0 ||
+                equalNoCase(text(m_store.configs[place.config].name), u"hidden.cfg")};
 }
 
 QString Catalogue::folder(ConfigIndex config) const
@@ -186,6 +188,7 @@ QString Catalogue::label(ConfigIndex config) const
 {
     const catalogue::FolderRow& row = folderRow(config);
     QString label = text(row.name).toString();
+    // An aircraft's own file, where there is one, is its folder's first.
     if (const QList<quint32> own = variationsOf(row.firstConfig); !own.isEmpty()) {
         const CatalogueVariation first = variation(own.first());
         const bool repeated = startsWithNoCase(first.type, first.manufacturer);
@@ -225,7 +228,7 @@ QList<ManufacturerGroup> Catalogue::grouped() const
     for (const Shown& one : all) {
         if (out.isEmpty() || !equalNoCase(out.last().manufacturer, one.manufacturer))
             out.push_back({one.manufacturer, {}});
-        QList<CatalogueTypeGroup>& types = out.last().types;
+        QList<AircraftTypeGroup>& types = out.last().types;
         if (types.isEmpty() || !equalNoCase(types.last().type, one.type))
             types.push_back({one.type, {}});
         types.last().variations.push_back(one.number);

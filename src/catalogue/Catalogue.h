@@ -25,7 +25,7 @@ using ConfigIndex = quint32;
 struct CatalogueVariation
 {
     ConfigIndex config = 0; ///< its aircraft.cfg
-    QStringView section;    ///< "fltsim.0"
+    QStringView section;    ///< "fltsim.0", "hidden.fltsim.0"
     QStringView title;
     QStringView sim;
     QStringView model;
@@ -38,6 +38,9 @@ struct CatalogueVariation
     QStringView typeRole;
     QStringView createdBy;
     qint64 addonKey = 0; ///< vt_texture_addon_master_key; 0: none
+    /// The simulator does not show it: a section "hidden.fltsim.2", or a file "hidden.cfg". Its
+    /// title is taken all the same.
+    bool hidden = false;
 
     // What a list shows; never empty.
     [[nodiscard]] QString shownManufacturer() const; ///< "Unknown Manufacturer" when missing
@@ -52,7 +55,7 @@ struct CatalogueProblem
     QString text; ///< one sentence that names the file
 };
 
-struct CatalogueTypeGroup
+struct AircraftTypeGroup
 {
     QString type;
     QList<quint32> variations; ///< numbers of variations, by name
@@ -61,7 +64,7 @@ struct CatalogueTypeGroup
 struct ManufacturerGroup
 {
     QString manufacturer;
-    QList<CatalogueTypeGroup> types;
+    QList<AircraftTypeGroup> types;
 };
 
 class Catalogue final : public InstalledTitles

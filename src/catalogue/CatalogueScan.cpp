@@ -121,11 +121,18 @@ private:
 
     [[nodiscard]] QStringView text(TextId id) const { return m_store.texts.text(id); }
 
-    TextId textOf(QByteArrayView name) { return m_store.texts.append(QString::fromUtf8(name)); }
+    /// Most folders hold files of the same names.
+    TextId textOf(const QByteArray& name)
+    {
+        TextId& id = m_names[name];
+        if (id == 0)
+            id = m_store.texts.append(QString::fromUtf8(name));
+        return id;
+    }
 
     void area(const QString& folder, bool effects);
     void areaFolders(const AreaRow* old);
-    void aircraftFolder(QByteArrayView name, const FolderRow* old);
+    void aircraftFolder(const QByteArray& name, const FolderRow* old);
     bool takeUnchanged(Configs old);
     void listAircraft(Configs old);
     void takeEffects(const FolderRow* old);
@@ -162,7 +169,8 @@ private:
     std::vector<ConfigRow> m_oldConfigs;
     FolderReader* m_reader = nullptr; ///< of the area in hand
     QByteArray m_folder;              ///< the folder in hand, below the area
-    QSet<QString> m_nested;           ///< folders below it that values named
+    std::unordered_map<QByteArray, TextId> m_names;
+    QSet<QString> m_nested; ///< folders below it that values named
     std::array<size_t, PartCount> m_lastUsual{};
     const qint64 m_now;
 };
@@ -219,9 +227,9 @@ void Scan::areaFolders(const AreaRow* old)
     }
 }
 
-void Scan::aircraftFolder(QByteArrayView name, const FolderRow* old)
+void Scan::aircraftFolder(const QByteArray& name, const FolderRow* old)
 {
-    m_folder = name.toByteArray();
+    m_folder = name;
     FolderRow row;
     row.area = quint32(m_store.areas.size() - 1);
     row.name = old ? old->name : textOf(name);
@@ -255,15 +263,14 @@ void Scan::aircraftFolder(QByteArrayView name, const FolderRow* old)
 bool Scan::takeUnchanged(Configs old)
 {
     for (const ConfigRow& known : old) {
-        const QByteArray name = diskName(text(known.name));
-        const DiskStamp stamp = m_reader->stamp(inside(name));
+        const DiskStamp stamp = m_reader->stamp(m_folder, text(known.name));
         const bool same = known.settled && stamp == known.stamp;
         if (!same && (!stamp.exists() || known.kind == ConfigKind::Aircraft ||
                       known.kind == ConfigKind::Watched))
             return false;
         if (same)
             keep(known);
-        else if (!readFile(known.kind, name, known.name))
+        else if (!readFile(known.kind, diskName(text(known.name)), known.name))
             return false;
     }
     return true;
@@ -279,7 +286,9 @@ void Scan::listAircraft(Configs old)
     m_nested.clear();
     const size_t first = row.firstConfig;
     for (const FolderReader::Entry& entry : listing.entries) {
-        if (!entry.folder && qstricmp(entry.name.constData(), "aircraft.cfg") == 0)
+        // The second name is that of an aircraft which the simulator is not to show.
+        if (!entry.folder && (qstricmp(entry.name.constData(), "aircraft.cfg") == 0 ||
+                              qstricmp(entry.name.constData(), "hidden.cfg") == 0))
             takeFile(ConfigKind::Aircraft, entry.name, old);
     }
     for (const FolderReader::Entry& entry : listing.entries) {
@@ -289,14 +298,16 @@ void Scan::listAircraft(Configs old)
         if (part != PartCount)
             takePart(part, entry.name, old);
     }
-    if (m_store.configs.size() == first || m_store.configs[first].kind != ConfigKind::Aircraft)
-        return;
-    const ConfigRow aircraft = m_store.configs[first];
-    for (quint32 i = 0; i < aircraft.variations; ++i) {
-        const VariationRow variation = m_store.variations[aircraft.firstVariation + i];
-        takeNested(PanelPart, variation.panel, old);
-        takeNested(SoundPart, variation.sound, old);
-        takeNested(ModelPart, variation.model, old);
+    for (size_t i = first; i < m_store.configs.size(); ++i) {
+        const ConfigRow aircraft = m_store.configs[i];
+        if (aircraft.kind != ConfigKind::Aircraft)
+            break;
+        for (quint32 v = 0; v < aircraft.variations; ++v) {
+            const VariationRow variation = m_store.variations[aircraft.firstVariation + v];
+            takeNested(PanelPart, variation.panel, old);
+            takeNested(SoundPart, variation.sound, old);
+            takeNested(ModelPart, variation.model, old);
+        }
     }
 }
 

@@ -250,7 +250,7 @@ void ConfigParser::parseAircraft(Lines lines, ConfigRow& row)
     };
 
     Inside inside = Inside::Other;
-    std::unordered_set<quint64> numbers; ///< with the number of digits: "fltsim.00" is another name
+    std::unordered_set<quint64> names; ///< numbers with lengths: "fltsim.00" is another name
     VariationRow* variation = nullptr;
     quint32 seen = 0;
     bool generalSeen = false;
@@ -274,10 +274,13 @@ void ConfigParser::parseAircraft(Lines lines, ConfigRow& row)
             continue;
         }
         inside = Inside::Other;
-        if (const int number = configfacts::aircraftSectionNumber(name); number >= 0) {
-            if (!numbers.insert(quint64(number) << 8 | quint64(name.size() & 0xff)).second)
+        const int hidden = configfacts::hiddenSectionNumber(name);
+        const int number = hidden >= 0 ? hidden : configfacts::aircraftSectionNumber(name);
+        if (number >= 0) {
+            const quint64 length = quint64(qMin<qsizetype>(name.size(), 255));
+            if (!names.insert(quint64(number) << 9 | length << 1 | quint64(hidden >= 0)).second)
                 continue;
-            if (numbers.size() > variationLimit) {
+            if (names.size() > variationLimit) {
                 tooMany = true;
                 continue;
             }
@@ -296,7 +299,7 @@ void ConfigParser::parseAircraft(Lines lines, ConfigRow& row)
         row.problem =
             m_store.texts.append(u"it has more than "_s + QString::number(variationLimit) +
                                  u" aircraft sections; those beyond are left out."_s);
-    else if (numbers.empty())
+    else if (names.empty())
         row.problem = m_store.texts.append(u"it has no aircraft section, such as [fltsim.0]."_s);
 }
 

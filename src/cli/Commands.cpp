@@ -11,6 +11,7 @@ std::vector<Command> allCommands()
         doctorCommands,
         settingsCommands,
         iniCommands,
+        aircraftCommands,
         sceneryCommands,
         configCommands,
         variantCommands,

@@ -3,6 +3,7 @@
 #include "addondb/Connection.h"
 #include "addondb/DatabaseCare.h"
 #include "addondb/JournalTable.h"
+#include "catalogue/Catalogue.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/TerminalPrompts.h"
@@ -181,6 +182,7 @@ struct World::Parts
     std::optional<Result> databaseResult;
     QList<Recovery> recoveries;
     std::optional<CareReport> care;
+    std::unique_ptr<Catalogue> catalogue;
 
     std::unique_ptr<QCoreApplication> application;
     std::unique_ptr<Processes> processes;
@@ -542,6 +544,17 @@ Processes& World::processes()
     return *m->processes;
 }
 
+Catalogue& World::catalogue()
+{
+    if (!m->catalogue) {
+        m->status.text(u"Primary"_s, u"Looking at the installed aircraft..."_s);
+        m->catalogue = std::make_unique<Catalogue>(context().global);
+        m->catalogue->open(*m->services);
+        m->status.clear();
+    }
+    return *m->catalogue;
+}
+
 QString World::userPath(const QString& typed)
 {
     (void)m->buildDrives();
@@ -631,6 +644,8 @@ void World::finish()
     m->stream.flush();
     if (m->lock.held()) {
         m->optimizeWhenDue();
+        if (m->catalogue)
+            (void)m->catalogue->save(*m->services);
         (void)saveRegistry();
     }
     if (m->errors)

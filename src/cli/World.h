@@ -18,6 +18,7 @@
 
 namespace vt {
 class CRegistry_Manipulation;
+class Catalogue;
 class Connection;
 class DatabaseCare;
 class RegistryStore;
@@ -86,6 +87,10 @@ public:
     [[nodiscard]] Connection* database();
     /// Interrupted operations that needWriting() finished.
     [[nodiscard]] const QList<Recovery>& recoveries() const;
+
+    /// What is installed in the simulator, which needSimulator() must have found. A call that
+    /// writes saves at its end what it found out, for the next one.
+    [[nodiscard]] Catalogue& catalogue();
 
     /// The program's own registry over the prefix's, loaded.
     [[nodiscard]] RegistryStore& registry();

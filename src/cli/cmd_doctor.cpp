@@ -1,6 +1,7 @@
 // doctor: what start-up does, told: the program folder, the simulator, the database, interrupted
 // work, outside tools.
 #include "addondb/Connection.h"
+#include "catalogue/Catalogue.h"
 #include "cli/Command.h"
 #include "platform/Gate.h"
 #include "platform/WinPath.h"
@@ -125,6 +126,31 @@ void tellTwins(World& world)
     out.endArray();
 }
 
+/// What is installed, looked up now so that later calls need not.
+void tellAircraft(World& world)
+{
+    if (!world.located().valid())
+        return;
+    const Catalogue& catalogue = world.catalogue();
+    const qsizetype aircraft = catalogue.configs(Catalogue::Kind::Aircraft).size();
+    JsonStream& out = world.out();
+    out.beginObject(u"aircraft");
+    out.field(u"files", aircraft);
+    out.field(u"variations", catalogue.variationCount());
+    out.beginArray(u"problems");
+    world.say(u"Aircraft:       "_s + QString::number(aircraft) + u" with "_s +
+              QString::number(catalogue.variationCount()) + u" variations"_s);
+    for (const CatalogueProblem& problem : catalogue.problems()) {
+        out.beginObject();
+        out.field(u"file", problem.file);
+        out.field(u"text", problem.text);
+        out.endObject();
+        world.say(u"                "_s + problem.text);
+    }
+    out.endArray();
+    out.endObject();
+}
+
 int doctor(World& world, const Arguments&)
 {
     const Result writing = world.needWriting({.tellRecoveries = false});
@@ -143,6 +169,7 @@ int doctor(World& world, const Arguments&)
     tellInterrupted(world);
     tellTools(world);
     tellTwins(world);
+    tellAircraft(world);
     // The first failure counts: without the program folder nothing else can be right.
     for (const Result& failure : {writing, database, simulator})
         if (!failure)

@@ -3,6 +3,7 @@
 #include "addondb/AddonDatabase.h"
 #include "catalogue/Catalogue.h"
 #include "cli/Command.h"
+#include "cli/TypedFile.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "simconfig/StockContent.h"
@@ -30,20 +31,6 @@ Result enterForVariants(World& world)
 variationedits::Surroundings surroundings(World& world)
 {
     return {world.services(), world.context().global, *world.database()};
-}
-
-/// What was typed as an aircraft.cfg: also its folder, and a path from the simulator's folder.
-QString typedConfiguration(World& world, const QString& typed, const QString& name)
-{
-    const Files& files = world.services().files;
-    QString path = world.userPath(typed);
-    if (!files.exists(path) && !winpath::isAbsolute(typed) && !typed.startsWith(u'/')) {
-        const QString inside =
-            winpath::join(world.context().global.simulatorFolder, winpath::normalised(typed));
-        if (files.exists(inside))
-            path = inside;
-    }
-    return files.isFolder(path) ? winpath::join(path, name) : winpath::withoutTrailing(path);
 }
 
 QString typedAircraft(World& world, const Arguments& arguments)
@@ -108,11 +95,8 @@ int variantAdd(World& world, const Arguments& arguments)
             ErrorKind::Usage));
     if (const Result named = variantNames(world, arguments, group); !named)
         return world.fail(named);
-    Catalogue catalogue(world.context().global);
-    catalogue.open(world.services());
-    (void)catalogue.save(world.services()); // the next call reads what changed only
     CAircraft::VariantSwitches switches;
-    switches.nameChecks.installed = &catalogue;
+    switches.nameChecks.installed = &world.catalogue();
     const CAircraft checker{ConfigAccess(world.services())};
     if (const Result title = checker.Title_Validate(group.sTitle, switches.nameChecks); !title)
         return world.fail(title);

@@ -5,6 +5,7 @@
 
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -44,19 +45,49 @@ public:
             m_text[1] = '\0';
             return;
         }
-        if (name.size() >= qsizetype(sizeof m_text)) {
-            m_text[0] = '\0';
-            return;
+        append(name);
+    }
+
+    HostName(QByteArrayView folder, QStringView name)
+    {
+        append(folder);
+        if (!folder.isEmpty())
+            append("\\");
+        const bool ascii =
+            std::all_of(name.begin(), name.end(), [](QChar c) { return c.unicode() < 0x80; });
+        if (!ascii) {
+            append(name.toUtf8());
+        } else if (m_size + name.size() >= qsizetype(sizeof m_text)) {
+            refuse();
+        } else { // which is nearly every name: no text of its own
+            for (const QChar c : name)
+                m_text[m_size++] = hostByte(char(c.unicode()));
+            m_text[m_size] = '\0';
         }
-        for (qsizetype i = 0; i < name.size(); ++i)
-            m_text[i] = name[i] == '\\' ? '/' : name[i];
-        m_text[name.size()] = '\0';
     }
 
     [[nodiscard]] const char* text() const { return m_text; }
 
 private:
+    static char hostByte(char c) { return c == '\\' ? '/' : c; }
+
+    void refuse()
+    {
+        m_size = sizeof m_text; // whatever follows is refused, too
+        m_text[0] = '\0';
+    }
+
+    void append(QByteArrayView part)
+    {
+        if (m_size + part.size() >= qsizetype(sizeof m_text))
+            return refuse();
+        for (const char c : part)
+            m_text[m_size++] = hostByte(c);
+        m_text[m_size] = '\0';
+    }
+
     char m_text[PATH_MAX];
+    qsizetype m_size = 0;
 };
 
 bool isUtf8(const char* name)
@@ -95,16 +126,20 @@ qint64 FolderReader::nowNs()
     return nsOf(now);
 }
 
-DiskStamp FolderReader::stamp(QByteArrayView name, bool* folder) const
+DiskStamp FolderReader::stamp(QByteArrayView name, bool* isFolder) const
 {
-    struct stat st
-    {};
-
+    struct stat st;
     if (fstatat(m_fd, HostName(name).text(), &st, 0) != 0)
         return {};
-    if (folder)
-        *folder = S_ISDIR(st.st_mode);
+    if (isFolder)
+        *isFolder = S_ISDIR(st.st_mode);
     return stampOf(st);
+}
+
+DiskStamp FolderReader::stamp(QByteArrayView folder, QStringView name) const
+{
+    struct stat st;
+    return fstatat(m_fd, HostName(folder, name).text(), &st, 0) == 0 ? stampOf(st) : DiskStamp();
 }
 
 FolderReader::Listing FolderReader::list(QByteArrayView name) const

@@ -44,8 +44,10 @@ public:
     /// The present, by the clock that files are stamped with.
     [[nodiscard]] static qint64 nowNs();
 
-    /// Links are followed; an empty name is the folder itself. \a folder tells what was found.
-    [[nodiscard]] DiskStamp stamp(QByteArrayView name, bool* folder = nullptr) const;
+    /// Links are followed; an empty name is the folder itself. \a isFolder tells what was found.
+    [[nodiscard]] DiskStamp stamp(QByteArrayView name, bool* isFolder = nullptr) const;
+    /// Of \a name below \a folder.
+    [[nodiscard]] DiskStamp stamp(QByteArrayView folder, QStringView name) const;
 
     struct Entry
     {

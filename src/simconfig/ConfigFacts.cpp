@@ -244,6 +244,11 @@ int hiddenSectionNumber(QStringView name)
     return startsWithNoCase(name, hiddenStem) ? sectionNumber(name.sliced(hiddenStem.size())) : -1;
 }
 
+int hiddenSectionNumber(QByteArrayView name)
+{
+    return beginsWith(name, "hidden."_L1) ? sectionNumber(name.sliced(hiddenStem.size())) : -1;
+}
+
 bool isPartFolder(QStringView name, QStringView stem)
 {
     if (!startsWithNoCase(name, stem))

@@ -32,6 +32,7 @@ namespace vt::configfacts {
 inline constexpr QStringView hiddenStem = u"hidden.";
 /// The number of a hidden aircraft section ("hidden.fltsim.12": 12), -1 for any other name.
 [[nodiscard]] int hiddenSectionNumber(QStringView name);
+[[nodiscard]] int hiddenSectionNumber(QByteArrayView name);
 
 /// "texture", "texture.blue": the stem alone or with a suffix behind a point.
 [[nodiscard]] bool isPartFolder(QStringView name, QStringView stem);

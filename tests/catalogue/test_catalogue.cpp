@@ -142,6 +142,7 @@ void TestCatalogue::titles_data()
     QTest::newRow("another section") << u"Cub Red"_s << cub << u"fltsim.0"_s << true;
     QTest::newRow("twice in one file") << u"Twin"_s << cub << u"fltsim.2"_s << true;
     QTest::newRow("rotorcraft") << u"Heli"_s << QString() << QString() << true;
+    QTest::newRow("hidden") << u"secret"_s << QString() << QString() << true;
     QTest::newRow("beginning only") << u"Cub"_s << QString() << QString() << false;
     QTest::newRow("nothing") << QString() << QString() << QString() << false;
 }
@@ -155,7 +156,8 @@ void TestCatalogue::titles()
     world.airplane(u"Cub/aircraft.cfg"_s,
                    variationText(0, "Cub Intl / HS-TBA ; stock") +
                        variationText(1, "\"Cub Red\"", "ui_variation=Red") +
-                       variationText(2, "Twin") + variationText(3, "twin") + variationText(4, ""));
+                       variationText(2, "Twin") + variationText(3, "twin") + variationText(4, "") +
+                       "[Hidden.fltsim.5]\r\ntitle=Secret\r\n");
     world.write(u"FSX/SimObjects/Rotorcraft/Heli/AIRCRAFT.CFG"_s, variationText(0, "Heli"));
     const auto catalogue = world.fresh();
     QTEST(catalogue->titleIsUsed(title, exceptFile, exceptSection), "used");
@@ -174,7 +176,7 @@ void TestCatalogue::groups_showSomethingForMissingNames()
     const auto catalogue = world.fresh();
     QStringList shown;
     for (const ManufacturerGroup& manufacturer : catalogue->grouped()) {
-        for (const CatalogueTypeGroup& type : manufacturer.types) {
+        for (const AircraftTypeGroup& type : manufacturer.types) {
             QString line = manufacturer.manufacturer + u'/' + type.type + u':';
             for (const quint32 number : type.variations)
                 line += u' ' + catalogue->variation(number).shownVariation();

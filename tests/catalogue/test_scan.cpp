@@ -99,6 +99,7 @@ void TestScan::anyChange_isSeen()
     const QStringList aircraft{u"Cub"_s, u"Otter"_s, u"Élan"_s};
     const QStringList files{u"aircraft.cfg"_s,
                             u"Aircraft.CFG"_s,
+                            u"hidden.cfg"_s,
                             u"panel/panel.cfg"_s,
                             u"Panel.b/PANEL.cfg"_s,
                             u"panel/night/panel.cfg"_s,

@@ -20,6 +20,8 @@ namespace {
 /// No effects file comes near this.
 constexpr qint64 effectFileLimit = 1 << 20;
 constexpr qsizetype effectValueBuffer = 1024;
+/// Characters of configuration files that are held at the same time.
+constexpr qsizetype heldLimit = 20 << 20;
 
 QString listedBelow(const QString& line, const QStringList& names)
 {
@@ -36,8 +38,7 @@ AircraftChecks::AircraftChecks(const ConfigAccess& configAccess,
 
 void AircraftChecks::forget()
 {
-    m_file.clear();
-    m_configuration.reset();
+    m_configurations.remove(m_file);
     m_models.clear();
     m_listings.clear();
 }
@@ -46,21 +47,30 @@ void AircraftChecks::forget()
 
 const AircraftChecks::Configuration& AircraftChecks::configuration(const QString& file)
 {
-    if (!m_configuration || m_file != file)
-        read(file);
-    return *m_configuration;
+    if (m_file != file) {
+        m_file = file;
+        m_models.clear();
+        m_listings.clear();
+    }
+    const auto known = m_configurations.constFind(file);
+    if (known != m_configurations.cend())
+        return *known;
+    const Configuration made = read(file);
+    m_held += made.profile.text().size();
+    if (m_held > heldLimit) {
+        m_configurations.clear();
+        m_held = made.profile.text().size();
+    }
+    return *m_configurations.insert(file, made);
 }
 
-void AircraftChecks::read(const QString& file)
+AircraftChecks::Configuration AircraftChecks::read(const QString& file)
 {
-    m_file = file;
-    m_models.clear();
-    m_listings.clear();
-    Configuration& configuration = m_configuration.emplace();
+    Configuration configuration;
     const ResultOf<QByteArray> bytes = ini::File_ReadAllText(access.actions, file);
     configuration.exists = bytes.ok();
     if (!bytes)
-        return;
+        return configuration;
     configuration.profile = profile::ProfileFile::ofBytes(*bytes, access.ansi);
     configuration.sections =
         CAircraft::Headers_ReturnOnlyAircraftHeaders(configuration.profile.sections());
@@ -69,6 +79,7 @@ void AircraftChecks::read(const QString& file)
     configuration.formProblem =
         formProblem(*bytes, normalizeConfig(*bytes, access.ansi), u"aircraft"_s);
     configuration.effectProblems = effectProblems(configuration.profile);
+    return configuration;
 }
 
 // --- folders -----------------------------------------------------------------------------------

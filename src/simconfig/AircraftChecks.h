@@ -13,8 +13,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <optional>
-
 namespace vt {
 
 class AircraftChecks
@@ -36,7 +34,7 @@ public:
         QStringList effectProblems;
     };
 
-    /// Read anew when another file was asked for meanwhile.
+    /// Valid until the next call. The aircraft is the one that the other questions are about.
     const Configuration& configuration(const QString& file);
 
     /// What "Model.cfg" and the files it names lack, as lines of the report.
@@ -61,7 +59,7 @@ public:
 
     [[nodiscard]] QString simulatorName() const { return global.names.simShort; }
 
-    /// The aircraft that was read last is read and listed again; effects are not.
+    /// The present aircraft is read and listed again; effects are not.
     void forget();
 
     const ConfigAccess access;
@@ -80,12 +78,13 @@ private:
     const Listing& listing(const QString& folder);
     Listing listed(const QString& folder);
     [[nodiscard]] QString spelled(const QString& file);
-    void read(const QString& file);
+    Configuration read(const QString& file);
     QStringList effectProblems(const profile::ProfileFile& file);
     QStringList problemsOfModel(const QString& file);
 
-    QString m_file; ///< of m_configuration
-    std::optional<Configuration> m_configuration;
+    QString m_file; ///< of the present aircraft
+    QHash<QString, Configuration> m_configurations;
+    qsizetype m_held = 0;                ///< characters in m_configurations
     QHash<NoCase, QStringList> m_models; ///< of the same aircraft
     QHash<NoCase, Listing> m_listings;   ///< of the same aircraft
     QHash<NoCase, Listing> m_shared;     ///< of folders that all aircraft use

@@ -62,14 +62,12 @@ QString decoded(const QByteArray& bytes, Encoding encoding)
 /// Whether any line end is not CR LF.
 bool hasOtherLineEnds(const QByteArray& bytes)
 {
-    for (qsizetype i = 0; i < bytes.size(); ++i) {
-        const char c = bytes.at(i);
-        if (c == '\r' && i + 1 < bytes.size() && bytes.at(i + 1) == '\n')
-            ++i;
-        else if (c == '\r' || c == '\n')
+    qsizetype ends = 0;
+    for (qsizetype at = bytes.indexOf('\n'); at >= 0; at = bytes.indexOf('\n', at + 1), ++ends) {
+        if (at == 0 || bytes.at(at - 1) != '\r')
             return true;
     }
-    return false;
+    return bytes.count('\r') != ends;
 }
 
 QByteArray withCrLf(const QByteArray& bytes)

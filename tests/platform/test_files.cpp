@@ -105,29 +105,31 @@ private Q_SLOTS:
 
     void gate_followsConfirmedLinks_eachForItself()
     {
-        for (const QString& folder : {u"outside/deep"_s, u"beyond"_s, u"sim"_s})
-            QDir(m_dir->path()).mkpath(folder);
-        QVERIFY(QFile::link(m_dir->filePath(u"outside"_s), m_dir->filePath(u"sim/Link"_s)));
-        QVERIFY(QFile::link(m_dir->filePath(u"beyond"_s), m_dir->filePath(u"outside/next"_s)));
+        for (const QString& folder : {u"outside/deep"_s, u"beyond"_s})
+            m_disk->makeFolder(folder);
+        QVERIFY(QFile::link(m_disk->host(u"outside"_s), m_disk->host(u"FSX/Link"_s)));
+        QVERIFY(QFile::link(m_disk->host(u"beyond"_s), m_disk->host(u"outside/next"_s)));
         QList<OuterLink> confirmed;
-        m_gate->linkConfirmed = [&](const OuterLink& link) { return confirmed.contains(link); };
-        const auto outer = m_gate->outerLink(u"C:\\sim\\link\\deep\\new\\");
+        m_disk->gate.linkConfirmed = [&](const OuterLink& link) {
+            return confirmed.contains(link);
+        };
+        const auto outer = m_disk->gate.outerLink(u"C:\\FSX\\link\\deep\\new\\");
         QVERIFY(outer.has_value());
-        QCOMPARE(*outer, (OuterLink{u"C:\\sim\\Link"_s, u"C:\\outside\\"_s}));
+        QCOMPARE(*outer, (OuterLink{u"C:\\FSX\\Link"_s, u"C:\\outside\\"_s}));
         confirmed = {*outer};
-        QVERIFY(m_actions->replace(u"C:\\sim\\link\\deep\\new\\a.txt"_s, "x"));
-        QCOMPARE(bytesOf(u"outside/deep/new/a.txt"_s), QByteArray("x"));
+        QVERIFY(m_disk->actions.replace(u"C:\\FSX\\link\\deep\\new\\a.txt"_s, "x"));
+        QCOMPARE(m_disk->read(u"outside/deep/new/a.txt"_s), QByteArray("x"));
         // Behind it is another one, which nobody confirmed.
-        QVERIFY(!m_actions->replace(u"C:\\sim\\Link\\next\\a.txt"_s, "x"));
-        QVERIFY(!m_gate->hostFolder(u"C:\\sim\\Link\\next"));
+        QVERIFY(!m_disk->actions.replace(u"C:\\FSX\\Link\\next\\a.txt"_s, "x"));
+        QVERIFY(!m_disk->gate.hostFolder(u"C:\\FSX\\Link\\next"));
         // The link itself may be dealt with, it is not followed for that.
-        QVERIFY(m_gate->hostPath(u"C:\\sim\\Link\\next").ok());
+        QVERIFY(m_disk->gate.hostPath(u"C:\\FSX\\Link\\next").ok());
         // It leads elsewhere now: what was confirmed does not hold any more.
-        QVERIFY(QFile::remove(m_dir->filePath(u"sim/Link"_s)));
-        QVERIFY(QFile::link(m_dir->filePath(u"beyond"_s), m_dir->filePath(u"sim/Link"_s)));
-        m_files->newOperation();
-        QVERIFY(!m_actions->replace(u"C:\\sim\\link\\b.txt"_s, "x"));
-        QVERIFY(QDir(m_dir->filePath(u"beyond"_s)).isEmpty());
+        QVERIFY(QFile::remove(m_disk->host(u"FSX/Link"_s)));
+        QVERIFY(QFile::link(m_disk->host(u"beyond"_s), m_disk->host(u"FSX/Link"_s)));
+        m_disk->files.newOperation();
+        QVERIFY(!m_disk->actions.replace(u"C:\\FSX\\link\\b.txt"_s, "x"));
+        QVERIFY(QDir(m_disk->host(u"beyond"_s)).isEmpty());
     }
 
     void replace_keepsSpellingAndPermissions()

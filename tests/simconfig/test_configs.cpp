@@ -29,7 +29,7 @@ struct ConfigWorld : test::ShellFixture
         const QString program = u"FSX/"_s + global.simulatorExecutable;
         write(program,
               "#!/bin/sh\nprintf '<%s>' \"$@\" >part\nmv part started\n"
-              "while [ -e started ] && [ ! -e stop ]; do sleep 0.02; done\n");
+              "while [ -e \"$0\" ] && [ ! -e stop ]; do sleep 0.02; done\n");
         QFile::setPermissions(dir.filePath(program), QFile::ReadOwner | QFile::ExeOwner);
         write(folder + u"fsx.CFG"_s, primaryBytes);
         write(folder + u"Low.cfg"_s, lowBytes);

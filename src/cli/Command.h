@@ -83,7 +83,7 @@ struct Command
 [[nodiscard]] std::vector<Command> iniCommands();
 [[nodiscard]] std::vector<Command> sceneryCommands();
 [[nodiscard]] std::vector<Command> aircraftCommands();
-[[nodiscard]] std::vector<Command> configCommands(); ///< configs, fly
+[[nodiscard]] std::vector<Command> configCommands();  ///< configs, fly
 [[nodiscard]] std::vector<Command> variantCommands(); ///< variant, aircraft hide, suppress
 [[nodiscard]] std::vector<Command> archiveCommands();
 [[nodiscard]] std::vector<Command> databaseCommands();

@@ -194,9 +194,15 @@ Result DatabaseCare::putInPlace()
 
 Result DatabaseCare::finishReplacement()
 {
-    if (!m_context.services.files.isFile(m_next))
+    const Files& files = m_context.services.files;
+    const std::optional<FileInfo> next = files.info(m_next);
+    if (!next)
         return Result::success();
-    const DatabaseHealth health = databaseHealth(m_context.services.files, m_next, true);
+    // A database that somebody put there since is not the one that was written anew.
+    const std::optional<FileInfo> present = files.info(m_database);
+    if (present && present->modifiedNs > next->modifiedNs)
+        return m_actions.remove(m_next);
+    const DatabaseHealth health = databaseHealth(files, m_next, true);
     return health.fault == DatabaseFault::None ? putInPlace() : m_actions.remove(m_next);
 }
 

@@ -93,5 +93,6 @@ struct Command
 [[nodiscard]] std::vector<Command> removeCommands();
 [[nodiscard]] std::vector<Command> verifyCommands();
 [[nodiscard]] std::vector<Command> panelCommands(); ///< panel set, sound set
+[[nodiscard]] std::vector<Command> missionCommands();
 
 } // namespace vt::cli

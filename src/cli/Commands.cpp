@@ -23,6 +23,7 @@ std::vector<Command> allCommands()
         removeCommands,
         verifyCommands,
         panelCommands,
+        missionCommands,
     };
     std::vector<Command> all;
     for (const Group group : groups) {

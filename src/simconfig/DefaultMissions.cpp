@@ -1,0 +1,136 @@
+#include "simconfig/DefaultMissions.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vt::defaultmissions {
+
+namespace {
+
+constexpr std::array<QStringView, 110> rows = {
+    u"Airline Pilot\\Amsterdam\\",
+    u"Airline Pilot\\Caribbean\\",
+    u"Airline Pilot\\Monsoon\\",
+    u"Airline Pilot\\Quito\\",
+    u"Airline Pilot\\RomeNaples\\",
+    u"Backcountry\\AleutianCargo\\",
+    u"Backcountry\\Amazon\\",
+    u"Backcountry\\Congo\\",
+    u"Backcountry\\Denali\\",
+    u"Backcountry\\GamePark\\",
+    u"Backcountry\\Lost Treasure\\",
+    u"Backcountry\\Whiteout\\",
+    u"Challenges\\DownUnder\\",
+    u"Challenges\\FlourPower\\",
+    u"Challenges\\JetCity\\",
+    u"Challenges\\JetTruck\\",
+    u"Challenges\\Limited Options\\",
+    u"Challenges\\LoopyLarry\\",
+    u"Challenges\\RedBullSalzburg\\",
+    u"Challenges\\RedBullSalzburg2\\",
+    u"Emergency\\Avalanche\\",
+    u"Emergency\\BalticSeaRescue\\",
+    u"Emergency\\CAP\\",
+    u"Emergency\\FoulWeather\\",
+    u"Emergency\\KeysKayakers\\",
+    u"Emergency\\MissingCoworker\\",
+    u"Emergency\\StHelensEvac\\",
+    u"Emergency\\Triangle\\",
+    u"Just for Fun\\AustrianSoaring\\",
+    u"Just for Fun\\Flyin\\",
+    u"Just for Fun\\SwedishSoaring\\",
+    u"Law Enforcement\\CustomsIntercept\\",
+    u"Military\\AntennaPackage\\",
+    u"Military\\CarrierLandingIMC\\",
+    u"Military\\CarrierPractice\\",
+    u"Military\\CorkscrewApproach\\",
+    u"Military\\PayloadRecovery\\",
+    u"Military\\RocketLaunchAirCover\\",
+    u"Military\\USCGTransport\\",
+    u"Pilot for Hire\\747Test\\",
+    u"Pilot for Hire\\B58Search\\",
+    u"Pilot for Hire\\Catalina\\",
+    u"Pilot for Hire\\DutchHarbor\\",
+    u"Pilot for Hire\\ExecutiveTour\\",
+    u"Pilot for Hire\\KwazuluRhinoRescue\\",
+    u"Pilot for Hire\\Lost in the Snow\\",
+    u"Pilot for Hire\\OilRig\\",
+    u"Pilot for Hire\\ParisAirshow\\",
+    u"Pilot for Hire\\ResortSupply\\",
+    u"Pilot for Hire\\SanJuan\\",
+    u"Pilot for Hire\\SecretShuttle\\",
+    u"Pilot for Hire\\SugarloafRepair\\",
+    u"Pilot for Hire\\Telluride\\",
+    u"Pilot for Hire\\TokyoExec\\",
+    u"Pilot for Hire\\Vinyard\\",
+    u"Pilot for Hire\\Yakutat\\",
+    u"Racing\\GreekXC\\",
+    u"Racing\\HoopRaceCourse\\",
+    u"Racing\\JetCanyon\\",
+    u"Racing\\MindenXC\\",
+    u"Racing\\MP_Secret_Island_Race\\",
+    u"Racing\\RB MP Templehof Intermediate\\",
+    u"Racing\\RB_Istanbul_2006\\",
+    u"Racing\\RB_Longleat_2006\\",
+    u"Racing\\RB_MP_Istanbul_Advanced\\",
+    u"Racing\\RB_MP_Istanbul_Expert\\",
+    u"Racing\\RB_MP_Istanbul_Intermediate\\",
+    u"Racing\\RB_MP_Longleat_Advanced\\",
+    u"Racing\\RB_MP_Longleat_Expert\\",
+    u"Racing\\RB_MP_Longleat_Intermediate\\",
+    u"Racing\\RB_MP_Tempelhof_Advanced\\",
+    u"Racing\\RB_MP_Tempelhof_Expert\\",
+    u"Racing\\RB_SP_Istanbul_Advanced\\",
+    u"Racing\\RB_SP_Istanbul_Expert\\",
+    u"Racing\\RB_SP_Istanbul_Intermediate\\",
+    u"Racing\\RB_SP_Longleat_Advanced\\",
+    u"Racing\\RB_SP_Longleat_Expert\\",
+    u"Racing\\RB_SP_Longleat_Intermediate\\",
+    u"Racing\\RB_SP_Tempelhof_Advanced\\",
+    u"Racing\\RB_SP_Tempelhof_Expert\\",
+    u"Racing\\RB_SP_Tempelhof_Intermediate\\",
+    u"Racing\\RB_Tempelhof_2006\\",
+    u"Racing\\Reno MP flying start\\",
+    u"Racing\\Reno MP pace start\\",
+    u"Racing\\Reno SP flying start\\",
+    u"Racing\\Reno_Single_Player\\",
+    u"Test Pilot\\HighAltitudeIntercept\\",
+    u"Test Pilot\\Vomit Comet\\",
+    u"The Good Life\\A380\\",
+    u"The Good Life\\ChannelCrossing\\",
+    u"The Good Life\\Hawaiian\\",
+    u"The Good Life\\Innsbruck\\",
+    u"The Good Life\\Sitka\\",
+    u"The Good Life\\SwissOuting\\",
+    u"Tutorials\\CarrierTutorial\\",
+    u"Tutorials\\GSNovice\\",
+    u"Tutorials\\GSPilot\\",
+    u"Tutorials\\GSVeteran\\",
+    u"Tutorials\\SlingloadTutorial\\",
+    u"Tutorials\\Tutorial01\\",
+    u"Tutorials\\Tutorial02\\",
+    u"Tutorials\\Tutorial03\\",
+    u"Tutorials\\Tutorial04\\",
+    u"Tutorials\\Tutorial05\\",
+    u"Tutorials\\Tutorial06\\",
+    u"Tutorials\\Tutorial07\\",
+    u"Tutorials\\Tutorial08\\",
+    u"Tutorials\\Tutorial09\\",
+    u"Tutorials\\Tutorial10\\",
+    u"Tutorials\\Tutorial11\\",
+};
+
+} // namespace
+
+std::span<const QStringView> folders()
+{
+    return rows;
+}
+
+bool isDefault(QStringView folder)
+{
+    return std::any_of(
+        rows.begin(), rows.end(), [&](QStringView row) { return folder.endsWith(row); });
+}
+
+} // namespace vt::defaultmissions

@@ -30,6 +30,21 @@ bool CZIP::Extract()
     return finish(extract());
 }
 
+bool CZIP::Add(FileActions* actions)
+{
+    return finish(add(actions ? *actions : m_services.actions));
+}
+
+bool CZIP::Added_Verify()
+{
+    return finish(compareAdded());
+}
+
+bool CZIP::Delete(FileActions* actions)
+{
+    return finish(deleteEntries(actions ? *actions : m_services.actions));
+}
+
 bool CZIP::finish(const Result& result, const QString& caption)
 {
     m_result = result;

@@ -1,9 +1,24 @@
 // The archive manipulator: one operation at a time on one archive file. Settings are plain members,
 // set before an operation and kept between operations. The one gateway to archives of any format.
+//
+// Making an archive of given files, or adding to one:
+//
+//     CZIP zip(services);
+//     zip.sZIPFile = u"C:\\Home\\Cabinet\\12.zip"_s;
+//     zip.boolAdd_Create = true;
+//     zip.typeCompressionLevel = settings.number(Setting::ZipCompressionLevel);
+//     zip.varStatusBar = zip.CProgressBarEx = &services.status;      // texts, progress, cancelling
+//     zip.colItemsToAdd.push_back({u"Effects\\fx_a.fx"_s, u"C:\\FSX\\Effects\\fx_a.fx"_s, {}});
+//     if (!zip.Add() || !zip.Added_Verify())
+//         return zip.result();              // the archive is as it was; nothing may be deleted yet
+//
+// Add() and Delete() write the whole archive anew beside the old one, sync it and rename it into
+// place, through FileActions: whatever goes wrong, the old archive stands untouched.
 #pragma once
 
 #include "archive/CZIPFile.h"
 #include "archive/EntryRef.h"
+#include "archive/ZipAddition.h"
 #include "platform/DirectActions.h"
 #include "platform/Result.h"
 #include "platform/Services.h"
@@ -13,12 +28,16 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
 namespace vt {
 
 class ByteSource;
+class ZipDirectory;
+class ZipWriter;
+struct ZipEntry;
 struct ZipScratch;
 
 class CZIP
@@ -36,8 +55,15 @@ public:
     QStringList varItemsToExtract; ///< names inside the archive; "*" and "?" match any characters,
                                    ///< a folder's name stands for everything below it, and
                                    ///< "sub\a.zip\b.txt" for an entry of an inner archive,
-                                   ///< which comes out as "b.txt"
-    bool boolExtract_All = false;  ///< an empty list means every entry
+                                   ///< which comes out as "b.txt". For Add(): full paths of files,
+                                   ///< which get their own names, and of folders, whose files
+                                   ///< get "Folder\sub\name"
+    std::vector<ZipAddition> colItemsToAdd; ///< for Add(), beside varItemsToExtract
+    QString sAdd_Folder;          ///< folder in the archive for varItemsToExtract; empty: its top
+    bool boolAdd_Create = false;  ///< Add() makes the archive when it is missing
+    int typeCompressionLevel = 6; ///< of added files: 0 stores, 1 is fastest, 9 packs best
+    bool boolDelete_AllConfirmed = false; ///< a pattern of Delete() may mean every entry
+    bool boolExtract_All = false;         ///< an empty list means every entry
     bool boolExtract_ConfirmOverwrite = false;
     bool boolErrorMessages_Show = false; ///< failures are also told in a box
     bool boolImbeddedZIPs_Process = false;
@@ -62,6 +88,26 @@ public:
     /// One entry to \a target (a full path; the name may differ from the entry's), through
     /// \a actions or, when null, at once. On failure the old target stands untouched.
     bool Entry_Extract(const EntryRef& ref, const QString& target, FileActions* actions = nullptr);
+    /// Puts varItemsToExtract and colItemsToAdd into the archive, in the place of entries of the
+    /// same names; other entries keep their packed bytes. Missing files are told and the others
+    /// are added, which is then no success; anything else that goes wrong leaves the archive as it
+    /// was. Placed through \a actions or, when null, at once. Listings are stale afterwards.
+    bool Add(FileActions* actions = nullptr);
+    /// After Add(): reads back every added entry and compares it with its file as that is now. The
+    /// text of a failure names the first that differs. Replaces colZIPContents.
+    bool Added_Verify();
+    /// Takes varItemsToExtract out of the archive, which stays, empty, when none is left. What is
+    /// said of Add() holds; an entry that does not exist is told.
+    bool Delete(FileActions* actions = nullptr);
+    /// Extracts entries into a new folder of their own ("OPN" and digits) below \a base, an
+    /// existing folder, and gives their full paths. Whoever asked for it removes the folder.
+    bool ZIP_Items_ExtractToTemporaryFolder(const QList<EntryRef>& entries,
+                                            const QString& base,
+                                            QStringList& files);
+    /// As ZIP_Items_ExtractToTemporaryFolder(), the entries that are selected.
+    bool ZIP_Items_Selected_ExtractToTemporaryFolder(const QString& base, QStringList& files);
+    /// The lines of the archive summary: of each listed archive, then of the whole.
+    [[nodiscard]] QStringList ZIP_Summary() const;
     /// Shows the last result text.
     void Error_Show();
 
@@ -89,6 +135,8 @@ public:
 private:
     struct Budget;
     struct Tally;
+    struct Slot;
+    class Sorter;
 
     bool finish(const Result& result, const QString& caption = {});
     [[nodiscard]] bool cancelled() const;
@@ -107,11 +155,24 @@ private:
 
     // CZIP_Extract.cpp
     Result extract();
-    [[nodiscard]] QList<EntryRef> findWanted(Tally& tally) const;
+    /// \a notFound: what is said of a name that means no entry.
+    [[nodiscard]] QList<EntryRef>
+    findWanted(QStringList& failures, const std::function<QString(const QString&)>& notFound) const;
     Result checkSpace(const QList<EntryRef>& wanted) const;
     Result extractOne(const EntryRef& ref, Tally& tally);
     Result
     place(const EntryRef& ref, const QString& target, FileActions& actions, bool& unreadable);
+
+    // CZIP_Updating.cpp
+    Result add(FileActions& actions);
+    Result deleteEntries(FileActions& actions);
+    Result compareAdded();
+    Result gatherAdditions(QStringList& failures);
+    void gather(ZipAddition addition, QStringList& failures);
+    ResultOf<std::shared_ptr<const ZipDirectory>> openForUpdate() const;
+    Result
+    writeArchive(const ZipDirectory* old, const std::vector<Slot>& slots, FileActions& actions);
+    Result writeSlots(ZipWriter& writer, const std::vector<Slot>& slots, const ZipDirectory* old);
 
     Services& m_services;
     DirectActions m_unsynced;
@@ -119,6 +180,7 @@ private:
     QHash<qint64, qint64> m_hours; ///< local hours to milliseconds since 1970 UTC
     Result m_result;
     QStringList m_remarks;
+    std::vector<ZipAddition> m_added; ///< by the last Add(), files as contents
     int m_count = 0;
     int m_code = 0;
 };

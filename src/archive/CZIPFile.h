@@ -5,12 +5,17 @@
 #include "archive/CZIPFileItem.h"
 #include "archive/EntryRef.h"
 
+#include <QDateTime>
 #include <QList>
+#include <QSet>
 #include <QString>
 
 #include <memory>
 
 namespace vt {
+
+/// Whether an entry is a ZIP archive itself, by its name.
+[[nodiscard]] bool isImbeddedZip(const CZIPFileItem& item);
 
 struct CZIPFile
 {
@@ -25,9 +30,10 @@ struct CZIPFile
     qint64 lngTotal_SizeUncompressed = 0;
     bool boolHasImbeddedZIPs = false;
 
-    EntryRef inParent;  ///< the entry that holds this archive; null for the source itself
-    QString nestedPath; ///< "" for the source, "sub\a.zip\" for an archive inside it
-    qint64 bytes = 0;   ///< size of the archive file itself
+    EntryRef inParent;     ///< the entry that holds this archive; null for the source itself
+    QString nestedPath;    ///< "" for the source, "sub\a.zip\" for an archive inside it
+    qint64 bytes = 0;      ///< size of the archive file itself
+    QDateTime dteDateTime; ///< of the archive file itself, local; null when not known
     std::shared_ptr<ArchiveReader> reader;
 
     [[nodiscard]] QString fullName() const { return sFolder + sFilename; }
@@ -36,6 +42,17 @@ struct CZIPFile
     [[nodiscard]] const CZIPFileItem* item(int key) const;
     /// Folder and name of the entry; false when there is no such key.
     bool ZIP_Item_FilenameAndFolder_GetUsingKey(int key, QString& filename, QString& folder) const;
+
+    /// Keys of the selected entries, in listing order.
+    [[nodiscard]] QList<int> ZIPItems_Items_Selected_Get() const;
+    /// Keys that do not exist are left out.
+    void ZIPItems_Items_Selected_Set(const QList<int>& keys);
+    void ZIPItems_Items_Selected_SetAll();
+    void ZIPItems_Items_Selected_SetNone();
+    /// The entries that are archives themselves.
+    void Zip_Items_ImbeddedZips_SelectOrDeselectAll(bool select);
+
+    QSet<int> selected; ///< keys
 };
 
 } // namespace vt

@@ -85,7 +85,10 @@ Result CZIP::extract()
     m_remarks.clear();
     m_count = 0;
     Tally tally;
-    const QList<EntryRef> wanted = findWanted(tally);
+    const QList<EntryRef> wanted = findWanted(tally.failures, [&](const QString& name) {
+        return u"Could not extract '"_s + name + u"': the archive '"_s + sZIPFile +
+               u"' holds no such entry."_s;
+    });
     if (Result space = checkSpace(wanted); !space)
         return space;
     qint64 done = 0;
@@ -116,7 +119,8 @@ Result CZIP::extract()
 }
 
 /// The entries meant by varItemsToExtract, in listing order; a name that means none is a failure.
-QList<EntryRef> CZIP::findWanted(Tally& tally) const
+QList<EntryRef> CZIP::findWanted(QStringList& failures,
+                                 const std::function<QString(const QString&)>& notFound) const
 {
     std::vector<std::vector<bool>> chosen;
     for (const CZIPFile& file : colZIPContents)
@@ -132,7 +136,7 @@ QList<EntryRef> CZIP::findWanted(Tally& tally) const
         QString plain = name;
         plain.replace(u'*', u'x').replace(u'?', u'x').replace(u'/', u'\\');
         if (!winpath::checkRelative(plain)) {
-            tally.failures += u"Could not resolve a proper filename for '"_s + raw + u"'."_s;
+            failures += u"Could not resolve a proper filename for '"_s + raw + u"'."_s;
             continue;
         }
         name.replace(u'/', u'\\');
@@ -155,8 +159,7 @@ QList<EntryRef> CZIP::findWanted(Tally& tally) const
             }
         }
         if (!found)
-            tally.failures += u"Could not extract '"_s + raw + u"': the archive '"_s + sZIPFile +
-                              u"' holds no such entry."_s;
+            failures += notFound(raw);
     }
     QList<EntryRef> wanted;
     for (size_t a = 0; a < chosen.size(); ++a) {

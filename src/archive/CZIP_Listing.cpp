@@ -29,11 +29,6 @@ constexpr quint32 attributeSystem = 0x04;
 constexpr quint32 attributeVolumeLabel = 0x08;
 constexpr quint32 attributeArchive = 0x20;
 
-bool isInnerArchive(const CZIPFileItem& item)
-{
-    return item.kind == EntryKind::File && endsWithNoCase(item.sFilename, u".zip");
-}
-
 CZIPFileItem itemOf(const ZipEntry& entry, int key)
 {
     CZIPFileItem item;
@@ -103,6 +98,8 @@ Result CZIP::list()
     CZIPFile outer;
     outer.sFilename = winpath::name(sZIPFile);
     outer.sFolder = winpath::parent(sZIPFile);
+    if (const auto info = m_services.files.info(sZIPFile))
+        outer.dteDateTime = info->modified();
     if (Result r = listArchive(*source, outer, budget); !r)
         return failed(r);
     const bool inner = outer.boolHasImbeddedZIPs && boolImbeddedZIPs_Process;
@@ -128,7 +125,7 @@ Result CZIP::listArchive(const std::shared_ptr<ByteSource>& source, CZIPFile& fi
         const CZIPFileItem& item =
             file.varZIPItems.emplace_back(itemOf(entry, int(file.varZIPItems.size()) + 1));
         file.lngTotal_SizeCompressed += entry.packed;
-        file.boolHasImbeddedZIPs = file.boolHasImbeddedZIPs || isInnerArchive(item);
+        file.boolHasImbeddedZIPs = file.boolHasImbeddedZIPs || isImbeddedZip(item);
     }
     file.lngTotal_SizeUncompressed = (*directory)->unpacked().bytes;
     file.lngTotal_Items = qint64(entries.size());
@@ -154,7 +151,7 @@ Result CZIP::listInner(int parent, int depth, Budget& budget)
     for (int key = 1; key <= items; ++key) {
         const CZIPFile& outer = colZIPContents[size_t(parent)];
         const CZIPFileItem item = *outer.item(key);
-        if (!isInnerArchive(item))
+        if (!isImbeddedZip(item))
             continue;
         if (cancelled())
             return Result::failure(u"Extraction aborted."_s, ErrorKind::Declined);
@@ -193,6 +190,8 @@ Result CZIP::openInner(int parent, int key, CZIPFile& inner, Budget& budget, boo
     inner.sFilename_Parent = outer.sFilename;
     inner.sFolder_Parent = outer.sFolder;
     inner.inParent = {parent, key};
+    if (item.dteDate.isValid())
+        inner.dteDateTime = QDateTime(item.dteDate, item.dteTime);
     inner.nestedPath = outer.nestedPath + item.fullName() + u'\\';
     const ResultOf<std::shared_ptr<ByteSource>> source =
         unpackInner(inner.inParent, inner, budget, damaged);

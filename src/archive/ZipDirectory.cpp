@@ -144,6 +144,14 @@ ResultOf<std::shared_ptr<const ZipDirectory>> ZipDirectory::open(std::shared_ptr
     return std::shared_ptr<const ZipDirectory>(directory);
 }
 
+QByteArrayView ZipDirectory::record(const ZipEntry& entry) const
+{
+    const qsizetype at = qsizetype(entry.nameAt) - centralHeaderBytes;
+    const char* header = m_bytes.constData() + at;
+    return QByteArrayView(m_bytes).sliced(
+        at, centralHeaderBytes + entry.nameBytes + at16(header + 30) + at16(header + 32));
+}
+
 Result ZipDirectory::Parser::run()
 {
     EndRecord end;
@@ -196,8 +204,10 @@ Result ZipDirectory::Parser::findEnd(EndRecord& end)
         const char* record = tail.constData() + at;
         if (record[0] != 'P' || at32(record) != endSignature)
             continue;
-        if (readEnd(source.size() - tailBytes + at, record, end, problem))
-            return Result::success();
+        if (!readEnd(source.size() - tailBytes + at, record, end, problem))
+            continue;
+        m_d.m_comment = tail.sliced(at + endBytes, at16(record + 20));
+        return Result::success();
     }
     return problem;
 }

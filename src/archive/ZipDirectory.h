@@ -77,6 +77,13 @@ public:
         return QByteArrayView(m_bytes).sliced(entry.nameAt, entry.nameBytes);
     }
 
+    /// The entry's record in the directory, as it lies in the archive: 46 bytes, name, extra
+    /// fields, comment.
+    [[nodiscard]] QByteArrayView record(const ZipEntry& entry) const;
+
+    /// The archive's own comment, as stored.
+    [[nodiscard]] const QByteArray& comment() const { return m_comment; }
+
     [[nodiscard]] const UnpackTally& unpacked() const { return m_unpacked; }
 
     /// Where the entries' data must end.
@@ -91,6 +98,7 @@ private:
 
     std::shared_ptr<ByteSource> m_source;
     QByteArray m_bytes; ///< the central directory as it lies in the archive
+    QByteArray m_comment;
     std::vector<ZipEntry> m_entries;
     qint64 m_directoryOffset = 0;
     qint64 m_prefix = 0;

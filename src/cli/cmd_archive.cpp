@@ -1,8 +1,11 @@
-// archive list, test, extract: archives by themselves, inner ones included. Nothing here touches
-// the simulator, the program folder or the database.
+// archive list, test, extract, add, delete: archives by themselves, inner ones included. Nothing
+// here touches the simulator or the database.
 #include "archive/CZIP.h"
 #include "cli/Command.h"
 #include "platform/Text.h"
+#include "platform/WinPath.h"
+#include "shell/Context.h"
+#include "shell/Settings.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,7 +21,7 @@ void prepare(CZIP& zip, World& world, const Arguments& arguments)
     zip.CProgressBarEx = &world.services().status;
 }
 
-/// The end of test and extract.
+/// The end of all but list.
 int tell(World& world, const CZIP& zip)
 {
     const QJsonObject done{{u"ok"_s, zip.result().ok}, {u"text"_s, zip.resultText()}};
@@ -129,8 +132,13 @@ int listArchive(World& world, const Arguments& arguments)
         out.endArray();
         return Done;
     }
-    for (const CZIPFile& file : zip.colZIPContents)
-        sayArchive(world, file);
+    const bool summary = arguments.has(u"--summary"_s);
+    for (const CZIPFile& file : zip.colZIPContents) {
+        if (!summary)
+            sayArchive(world, file);
+    }
+    for (const QString& line : summary ? zip.ZIP_Summary() : QStringList())
+        world.say(line);
     for (const QString& remark : zip.remarks())
         world.say(remark);
     return Done;
@@ -156,6 +164,40 @@ int extractArchive(World& world, const Arguments& arguments)
     return tell(world, zip);
 }
 
+/// For what changes the archive; its folder may be written to from here on.
+Result prepareChange(CZIP& zip, World& world, const Arguments& arguments)
+{
+    prepare(zip, world, arguments);
+    zip.boolImbeddedZIPs_Process = false;
+    (void)world.userRoot(winpath::parent(zip.sZIPFile));
+    return world.needLock();
+}
+
+int addToArchive(World& world, const Arguments& arguments)
+{
+    CZIP zip(world.services());
+    if (const Result alone = prepareChange(zip, world, arguments); !alone)
+        return world.fail(alone, {{u"ok"_s, false}});
+    for (const QString& path : arguments.all(u"PATH"_s))
+        zip.varItemsToExtract += world.userPath(path);
+    zip.boolAdd_Create = arguments.has(u"--create"_s);
+    zip.sAdd_Folder = arguments.value(u"--into"_s);
+    zip.typeCompressionLevel = world.context().settings.number(SettingKey::ZipCompressionLevel);
+    (void)zip.Add();
+    return tell(world, zip);
+}
+
+int deleteFromArchive(World& world, const Arguments& arguments)
+{
+    CZIP zip(world.services());
+    if (const Result alone = prepareChange(zip, world, arguments); !alone)
+        return world.fail(alone, {{u"ok"_s, false}});
+    zip.varItemsToExtract = arguments.all(u"ENTRY"_s);
+    zip.boolDelete_AllConfirmed = arguments.has(u"--all"_s);
+    (void)zip.Delete();
+    return tell(world, zip);
+}
+
 } // namespace
 
 std::vector<Command> archiveCommands()
@@ -165,7 +207,7 @@ std::vector<Command> archiveCommands()
         {"archive list",
          "entries of an archive and of the archives inside it",
          {file},
-         {},
+         {{"--summary", nullptr, "numbers of the archives instead of their entries"}},
          listArchive},
         {"archive test", "reads every entry and compares the check sums", {file}, {}, testArchive},
         {"archive extract",
@@ -177,6 +219,17 @@ std::vector<Command> archiveCommands()
            true}},
          {{"--to", "DIR", "folder to extract to; the current one when not given"}},
          extractArchive},
+        {"archive add",
+         "adds files, and folders with what they hold, to a ZIP archive",
+         {file, {"PATH", "file or folder", true, true}},
+         {{"--create", nullptr, "make the archive when it does not exist"},
+          {"--into", "FOLDER", "folder inside the archive"}},
+         addToArchive},
+        {"archive delete",
+         "deletes entries from a ZIP archive",
+         {file, {"ENTRY", "name, folder or pattern with * and ?", true, true}},
+         {{"--all", nullptr, "a pattern may mean every entry"}},
+         deleteFromArchive},
     };
 }
 

@@ -279,7 +279,8 @@ QList<QList<qint32>> CAddon_ItemGroup::duplicateTargets() const
 }
 
 QList<QList<qint32>> CAddon_ItemGroup::AutomaticallyResolveConflicts(
-    const std::function<bool(const CAddon_Item&, const CAddon_Item&)>& sameBytes)
+    const std::function<bool(const CAddon_Item&, const CAddon_Item&)>& sameBytes,
+    const ConflictRules& rules)
 {
     QList<QList<qint32>> unresolved;
     const auto eliminate = [this](qint32 key) {
@@ -291,10 +292,11 @@ QList<QList<qint32>> CAddon_ItemGroup::AutomaticallyResolveConflicts(
         QList<qint32> distinct;
         for (const qint32 key : keys) {
             const CAddon_Item& item = *Search(key);
-            const bool known = std::any_of(distinct.cbegin(), distinct.cend(), [&](qint32 other) {
-                const CAddon_Item& first = *Search(other);
-                return first.size == item.size && sameBytes(first, item);
-            });
+            const bool known = rules.dropIdentical &&
+                               std::any_of(distinct.cbegin(), distinct.cend(), [&](qint32 other) {
+                                   const CAddon_Item& first = *Search(other);
+                                   return first.size == item.size && sameBytes(first, item);
+                               });
             if (known)
                 eliminate(key);
             else
@@ -305,7 +307,7 @@ QList<QList<qint32>> CAddon_ItemGroup::AutomaticallyResolveConflicts(
         std::vector<const CAddon_Item*> items;
         for (const qint32 key : std::as_const(distinct))
             items.push_back(Search(key));
-        const qsizetype patch = supersedingItem(items);
+        const qsizetype patch = rules.preferPatches ? supersedingItem(items) : -1;
         if (patch < 0) {
             unresolved.append(distinct);
             continue;

@@ -16,6 +16,13 @@
 
 namespace vt {
 
+/// Which of several files with one target may give way without a question.
+struct ConflictRules
+{
+    bool dropIdentical = true; ///< those that hold the same bytes as another
+    bool preferPatches = true; ///< those that a patch folder of the source supersedes
+};
+
 class CAddon_ItemGroup
 {
 public:
@@ -79,11 +86,12 @@ public:
     /// Keys of items marked for installation with the same name and folder, grouped.
     [[nodiscard]] QList<QList<qint32>> duplicateTargets() const;
 
-    /// Of the items that share one target, drops (unmarks and lists as eliminated) those that hold
-    /// the same bytes as another, and those that a patch folder of the source supersedes. \a
-    /// sameBytes decides equality of two items of equal size. The groups that remain are returned.
+    /// Of the items that share one target, drops (unmarks and lists as eliminated) those that give
+    /// way by \a rules. \a sameBytes decides equality of two items of equal size. The groups that
+    /// remain are returned.
     QList<QList<qint32>> AutomaticallyResolveConflicts(
-        const std::function<bool(const CAddon_Item&, const CAddon_Item&)>& sameBytes);
+        const std::function<bool(const CAddon_Item&, const CAddon_Item&)>& sameBytes,
+        const ConflictRules& rules = {});
 
     // Facts.
 

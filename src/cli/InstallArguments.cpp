@@ -38,7 +38,7 @@ std::vector<Option> installOptionTable()
         {"--description", "TEXT", "its description"},
         {"--authors", "TEXT", "who made it"},
         {"--rating", "N", "0 for none, 1 to 5"},
-        {"--to", "WHERE", "where to install it", false, {"simulator"}},
+        {"--to", "WHERE", "where to install it", false, {"simulator", "cabinet"}},
         {"--replace",
          "WHICH",
          "which existing files to replace without a question",
@@ -48,16 +48,79 @@ std::vector<Option> installOptionTable()
          "NAME",
          "do not install this file, folder (ending in \\) or *.ext; repeatable",
          true},
+        {"--method",
+         "FAMILY=METHOD",
+         "how the aircraft, panel, sound, texture, scenery or mission files find their folders: "
+         "determined; folder:DIR (several groups get a folder each below it); sound: global, "
+         "adventures; texture: global, addon-scenery, world, repaint[:AIRCRAFT]; scenery: world, "
+         "global, addon-scenery; repeatable",
+         true},
         {"--target",
          "NAME=FOLDER",
-         "install this file or folder (ending in \\) into that folder; repeatable",
+         "install this file or folder (ending in \\) into that folder, or with @OTHER where that "
+         "file goes; repeatable",
          true},
+        {"--rename", "NAME=NEWNAME", "install this file under another name; repeatable", true},
         {"--aircraft", "FOLDER", "the aircraft that repaints, panels and sounds belong to"},
         {"--no-scenery-library", nullptr, "leave the scenery library alone"},
+        {"--scenery-title", "TEXT", "title of the areas that the scenery library gets"},
         {"--archive-source", "DIR", "move the source archive there afterwards"},
         {"--delete-source", nullptr, "delete the source afterwards"},
     };
 }
+
+namespace {
+
+/// "panel=folder:C:\\FSX\\..." and its like.
+ResultOf<MethodChoice> methodChoice(const QString& typed)
+{
+    const qsizetype equals = typed.indexOf(u'=');
+    if (equals < 1)
+        return usage(u"The method '"_s + typed + u"' is not of the form FAMILY=METHOD."_s);
+    MethodChoice out;
+    const QString family = typed.first(equals);
+    QStringList families;
+    for (const MappedGroup ruled : ruledFamilies()) {
+        if (methodLabels(ruled, {}).size() < 2)
+            continue;
+        families.append(mappedGroupName(ruled));
+        if (families.constLast() == family)
+            out.family = ruled;
+    }
+    if (out.family == MappedGroup::None)
+        return usage(u"There is no family '"_s + family + u"' with several methods; these are: "_s +
+                     families.join(u", "_s) + u'.');
+    const QString method = typed.sliced(equals + 1);
+    const QString word = method.section(u':', 0, 0);
+    out.folder = method.section(u':', 1);
+    const std::optional<InstallationMethod> found = methodOfWord(out.family, word);
+    QStringList words;
+    for (const MethodLabel& offered : methodLabels(out.family, {}))
+        words.append(methodWord(offered.method));
+    if (!found)
+        return usage(u"The "_s + family + u" files know no method '"_s + word +
+                     u"'; these are: "_s + words.join(u", "_s) + u'.');
+    out.method = *found;
+    const bool takesFolder =
+        *found == InstallationMethod::ChosenFolder || *found == InstallationMethod::NewRepaint;
+    if (!out.folder.isEmpty() && !takesFolder)
+        return usage(u"The method '"_s + word + u"' takes no folder, but '"_s + out.folder +
+                     u"' was given."_s);
+    if (out.folder.isEmpty() && *found == InstallationMethod::ChosenFolder)
+        return usage(u"The method 'folder' needs a folder: '"_s + family + u"=folder:DIR'."_s);
+    return out;
+}
+
+/// What stands before and after the last "=".
+std::optional<std::pair<QString, QString>> pairOf(const QString& typed)
+{
+    const qsizetype cut = typed.lastIndexOf(u'=');
+    if (cut < 1 || cut + 1 == typed.size())
+        return std::nullopt;
+    return std::pair{typed.first(cut), typed.sliced(cut + 1)};
+}
+
+} // namespace
 
 ResultOf<InstallOptions> installOptionsOf(World& world, const Arguments& arguments, bool writes)
 {
@@ -75,18 +138,33 @@ ResultOf<InstallOptions> installOptionsOf(World& world, const Arguments& argumen
                          u"' is not one of 0 to 5."_s);
         out.rating = rating;
     }
-    out.to = arguments.value(u"--to"_s) == u"cabinet" ? InstallTo::Cabinet : InstallTo::Simulator;
+    if (arguments.has(u"--to"_s))
+        out.to =
+            arguments.value(u"--to"_s) == u"cabinet" ? InstallTo::Cabinet : InstallTo::Simulator;
     out.replace = policyOf(arguments.value(u"--replace"_s), world.options().answer);
     out.linksConfirmed = world.options().answer == u"yes";
     out.skip = arguments.values(u"--skip"_s);
-    for (const QString& choice : arguments.values(u"--target"_s)) {
-        const qsizetype cut = choice.lastIndexOf(u'=');
-        if (cut < 1 || cut + 1 == choice.size())
-            return usage(u"The target '"_s + choice + u"' is not of the form NAME=FOLDER."_s);
-        out.targets.push_back({choice.first(cut), choice.sliced(cut + 1)});
+    for (const QString& typed : arguments.values(u"--method"_s)) {
+        const ResultOf<MethodChoice> choice = methodChoice(typed);
+        if (!choice)
+            return choice.error();
+        out.methods.push_back(*choice);
+    }
+    for (const QString& typed : arguments.values(u"--target"_s)) {
+        const auto pair = pairOf(typed);
+        if (!pair)
+            return usage(u"The target '"_s + typed + u"' is not of the form NAME=FOLDER."_s);
+        out.targets.push_back({pair->first, pair->second});
+    }
+    for (const QString& typed : arguments.values(u"--rename"_s)) {
+        const auto pair = pairOf(typed);
+        if (!pair)
+            return usage(u"The name '"_s + typed + u"' is not of the form NAME=NEWNAME."_s);
+        out.renamings.push_back({pair->first, pair->second});
     }
     if (arguments.has(u"--aircraft"_s))
         out.aircraftFolder = arguments.value(u"--aircraft"_s);
+    out.sceneryTitle = given(arguments, u"--scenery-title"_s);
     out.noSceneryLibrary = arguments.has(u"--no-scenery-library"_s);
     if (arguments.has(u"--archive-source"_s)) {
         const QString typed = arguments.value(u"--archive-source"_s);

@@ -64,6 +64,7 @@ void writeItem(JsonStream& out,
     out.field(u"install", isInstalled(item, details, closed));
     out.field(u"targetFolder", item.sFolder_Installation);
     out.field(u"targetName", item.sName_Installation);
+    out.field(u"follows", item.lngKey_AssociatedItem);
     out.field(u"exists", item.boolTargetExists);
     out.endObject();
 }
@@ -160,6 +161,10 @@ QString targetLine(const CAddon_Item& item,
     if (item.sFolder_Installation.isEmpty())
         return plantext::notSelected();
     return item.sFolder_Installation + item.sName_Installation +
+           (item.lngKey_AssociatedItem > 0
+                ? u"  ("_s + plantext::sameFolderAsItem() + u" '"_s +
+                      item.GetAssociatedFileItemDetails(details.addon()).name + u"')"_s
+                : QString()) +
            (item.boolTargetExists ? u"  (a file stands there already)"_s : QString());
 }
 

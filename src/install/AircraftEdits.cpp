@@ -237,7 +237,7 @@ void Gatherer::gatherMerged(Wanted& wanted, const QByteArray& source)
 void Gatherer::gatherRepaints()
 {
     for (const InstallationGroup& group : m_details.groups(MappedGroup::Texture)) {
-        if (group.variants.isEmpty() || group.aircraftFolder.isEmpty())
+        if (!group.asRepaint() || group.variants.isEmpty() || group.aircraftFolder.isEmpty())
             continue;
         const bool any = std::any_of(group.items.cbegin(), group.items.cend(), [&](qint32 key) {
             const CAddon_Item* item = m_details.addon().Search(key);

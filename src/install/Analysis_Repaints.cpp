@@ -68,7 +68,7 @@ void CAddonInstallationDetails::Analysis::addRepaint(Repaint repaint)
     repaint.group = newGroup(MappedGroup::Texture, name, repaint.folder, QString());
     InstallationGroup& group = d.groups(MappedGroup::Texture)[size_t(repaint.group)];
     group.method = InstallationMethod::NewRepaint;
-    group.needsAircraft = true;
+    group.repaint = true;
     if (!repaint.facts.sections.isEmpty())
         group.simName = repaint.facts.sections.first().sim;
     claims[size_t(repaint.folder)].container = true;
@@ -297,7 +297,7 @@ void CAddonInstallationDetails::Analysis::placeParts(Repaint& repaint, const QSt
         else
             tree->forTree(part, placeFolder);
         d.groups(MappedGroup::Texture)[size_t(repaint.group)].parts.append(
-            {top, folder.isEmpty() ? wanted : winpath::name(folder)});
+            {top, folder.isEmpty() ? wanted : winpath::name(folder), wanted});
         // Textures for a folder that the aircraft has already are no new variation.
         const bool update = asGiven && files.isFolder(folder);
         if (texture && !same && !update)

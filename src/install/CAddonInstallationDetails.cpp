@@ -49,6 +49,7 @@ Result CAddonInstallationDetails::prepare(const QString& sourcePath, const Insta
     m_context.services.status.text(u"Primary"_s, u"Analyzing addon..."_s);
     m_context.services.files.newOperation();
     m_options = options;
+    m_options.to = options.to.value_or(Options_AddonInstallationMethod_Default_Get());
     if (Result resolved = resolveOptionFolders(); !resolved)
         return resolved;
     auto source = AddonSource::open(m_context.services, sourcePath);
@@ -83,7 +84,11 @@ std::unique_ptr<CAddonInstallationDetails> CAddonInstallationDetails::Clone() co
     copy->m_options = m_options;
     copy->m_storageFolder = m_storageFolder;
     copy->m_remarks = m_remarks;
+    copy->m_leftOut = m_leftOut;
+    copy->m_followers = m_followers;
+    copy->m_simulatorFolders = m_simulatorFolders;
     std::copy(std::begin(m_groups), std::end(m_groups), std::begin(copy->m_groups));
+    std::copy(std::begin(m_analysed), std::end(m_analysed), std::begin(copy->m_analysed));
     return copy;
 }
 
@@ -114,13 +119,22 @@ std::vector<InstallationGroup>& CAddonInstallationDetails::groups(MappedGroup fa
 void CAddonInstallationDetails::AddonItemGroup_AnalyzeForWizard()
 {
     m_remarks.clear();
+    m_leftOut.clear();
+    m_followers.clear();
+    m_simulatorFolders.clear();
     for (std::vector<InstallationGroup>& family : m_groups)
         family.clear();
     AddonItemGroup_Create();
     nameAddon();
     AddonItemGroup_MapItemsToGroups();
     AddonItemGroup_InstallationGroups_Create();
+    std::copy(std::begin(m_groups), std::end(m_groups), std::begin(m_analysed));
+    for (const CAddon_Item& item : m_addon->colAddonItems()) {
+        if (!item.boolProcess)
+            m_leftOut.insert(item.lngKey);
+    }
     Texture_ChainDefaultGroupAircraftFolders();
+    applyDefaultMethods();
 }
 
 void CAddonInstallationDetails::AddonItemGroup_Create()
@@ -231,11 +245,9 @@ void CAddonInstallationDetails::Texture_ChainDefaultGroupAircraftFolders()
         return;
     std::vector<InstallationGroup>& textures = groups(MappedGroup::Texture);
     for (size_t i = 0; i < textures.size(); ++i) {
-        if (textures[i].needsAircraft && textures[i].aircraftFolder.isEmpty() &&
-            !textures[i].baseMissing) {
-            if (Texture_InstallationDetails_Modify(int(i), aircraft.front().targetFolder))
-                textures[i].aircraftGroup = 0;
-        }
+        if (textures[i].asRepaint() && textures[i].aircraftFolder.isEmpty() &&
+            !textures[i].baseMissing)
+            (void)changeAircraft(int(i), aircraft.front().targetFolder);
     }
 }
 

@@ -13,11 +13,13 @@
 #include "simconfig/engine/LineArray.h"
 
 #include <QList>
+#include <QMultiHash>
 #include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace vt {
@@ -32,6 +34,8 @@ namespace plantext {
 [[nodiscard]] QString doNotInstall();
 /// "A file you are installing does not have a valid target folder. ..."; \a folder may be empty.
 [[nodiscard]] QString noValidTargetFolder(const QString& folder);
+/// How a page tells why it cannot be left.
+[[nodiscard]] Prompt addonFileProblem(const QString& text);
 } // namespace plantext
 
 /// Something that stands in the way of installing, or that the user should know.
@@ -86,6 +90,20 @@ struct PlanFacts
     [[nodiscard]] QList<ConfigChange> configChanges() const;
     /// The first blocking problem as a failure, or success.
     [[nodiscard]] Result installable(const CAddon_ItemGroup& addon) const;
+};
+
+/// "Changing this item's name may cause the addon to function improperly."
+[[nodiscard]] Prompt nameChangeWarning();
+
+/// What a page changes about a group; what is not set stays.
+struct GroupChange
+{
+    std::optional<bool> install; ///< every item, or none
+    std::optional<InstallationMethod> method;
+    QString folder; ///< with the method: the chosen folder, of repaints the aircraft's
+    std::optional<bool> sceneryLibraryUpdate;
+    std::optional<QString> sceneryTitle;
+    std::optional<QList<VariantDetails>> variants;
 };
 
 /// How the date of the file at an item's target compares with the item's own.
@@ -183,63 +201,74 @@ public:
     /// Marks for every item whether its target exists now.
     void AddonItems_UpdateTargetExists();
 
-    // Decisions.
+    // Decisions. The operations of all families share their code; a family's own are named
+    // "<prefix>_..." with the prefix of familyRules().
 
     void Options_UpdateInstallationClass(const InstallOptions& options);
-    [[nodiscard]] InstallationMethod Options_AddonInstallationMethod_Default_Get() const;
+    /// Where add-ons go unless the options say otherwise, by the settings.
+    [[nodiscard]] InstallTo Options_AddonInstallationMethod_Default_Get() const;
+    /// The method that a family's groups begin with, by the settings.
+    [[nodiscard]] InstallationMethod InstallationMethod_Default_Get(MappedGroup family) const;
     [[nodiscard]] InstallationMethod Missions_InstallationMethod_Default_Get() const;
+
+    [[nodiscard]] InstallTo installTo() const
+    {
+        return m_options.to.value_or(InstallTo::Simulator);
+    }
+
+    /// To the simulator or to the File Cabinet, with the items' folders.
+    void Options_InstallationDetails_ModifyInstallationMethod(InstallTo to);
     /// All items into the File Cabinet's folder of this add-on, in their source folders.
     void AddonItemGroup_InstallationFolders_ProcessInstallToStorage();
-    /// Back to the proposed folders.
+    /// Back to the folders in the simulator that were decided before.
     void AddonItemGroup_InstallationFolders_ProcessInstallToZipFolderEntryFolder();
+    /// The folder in the simulator, also while the add-on goes to the File Cabinet.
+    [[nodiscard]] QString simulatorFolderOf(const CAddon_Item& item) const;
+    /// Back to what the analysis proposed, names, flags and groups.
+    void resetDecisions();
 
-    /// A new method and, where it wants one, a folder; items of the group follow. The result's text
-    /// says why a method is not offered.
-    Result Panel_InstallationDetails_ModifyPerInstallationMethod(int group,
-                                                                 InstallationMethod method,
-                                                                 const QString& folder = {});
-    Result Sound_InstallationDetails_ModifyPerInstallationMethod(int group,
-                                                                 InstallationMethod method,
-                                                                 const QString& folder = {});
-    Result Texture_InstallationDetails_ModifyPerInstallationMethod(int group,
-                                                                   InstallationMethod method,
-                                                                   const QString& folder = {});
-    Result Scenery_InstallationDetails_ModifyPerInstallationMethod(int group,
-                                                                   InstallationMethod method,
-                                                                   const QString& folder = {});
-    Result Missions_InstallationDetails_ModifyPerInstallationMethod(int group,
-                                                                    InstallationMethod method,
-                                                                    const QString& folder = {});
-    /// An aircraft's new folder; its panels, sounds and repaints follow.
-    Result Aircraft_InstallationDetails_Modify(int group, const QString& folder);
-    /// The aircraft that a texture group repaints.
-    Result Texture_InstallationDetails_Modify(int group, const QString& aircraftFolder);
+    /// Everything that a page decides about a group, at once: what follows from it moves along
+    /// (panels, sounds and repaints with their aircraft). A failure says why, and then nothing has
+    /// changed.
+    Result UpdateInstallationClass(MappedGroup family, int group, const GroupChange& change);
+    /// A new method and, where it wants one, a folder (of repaints: the aircraft's).
+    Result InstallationDetails_ModifyPerInstallationMethod(MappedGroup family,
+                                                           int group,
+                                                           InstallationMethod method,
+                                                           const QString& folder = {});
+    /// A folder of the user's choice; of a repaint: the aircraft, after which the user is asked
+    /// whether other repaints without an aircraft belong to it as well.
+    Result InstallationDetails_Modify(MappedGroup family, int group, const QString& folder);
     void Scenery_InstallationDetails_ModifyPerSceneryLibraryUpdateSelection(int group,
                                                                             bool update,
                                                                             const QString& title);
     /// Install or do not install every item of a group.
-    void Group_InstallationStatus_Modify(MappedGroup family, int group, bool install);
+    void InstallationStatus_Modify(MappedGroup family, int group, bool install);
 
-    /// Renames on installation; refused for an empty or impossible name.
+    /// Renames on installation; refused for an empty or impossible name and for another type. Asks
+    /// where a file's name matters (kind Declined after a No).
     Result AddonItem_Rename(qint32 key, const QString& name);
+    /// Asks for the name.
+    Result AddonItem_Rename(qint32 key);
     Result AddonItem_InstallationFolder_Set(qint32 key, const QString& folder);
+    /// "Same target folder as item": from now on the file goes where \a leader goes.
+    Result AddonItem_InstallationFolder_Follow(qint32 key, qint32 leader);
+    /// The item's folder, for the clipboard.
+    ResultOf<QString> AddonItem_CopyFolderToClipboard(qint32 key);
+    Result AddonItem_PasteFolderFromClipboard(const QList<qint32>& keys, const QString& clipboard);
 
     // Checks.
 
     [[nodiscard]] static Result ValidateItemName(const QString& name);
-    /// The warning that a renaming of this type asks first; empty when it may go ahead.
-    [[nodiscard]] static QString renameWarning(FileType type);
+    /// Whether another name may keep a file of that type from being found.
+    [[nodiscard]] static bool renamingMayHarm(FileType type);
     [[nodiscard]] Result Options_InstallationChoices_Validate() const;
-    [[nodiscard]] Result Aircraft_InstallationFolders_Validate() const;
-    [[nodiscard]] Result Panel_InstallationFolders_Validate() const;
-    [[nodiscard]] Result Sound_InstallationFolders_Validate() const;
-    [[nodiscard]] Result Scenery_InstallationFolders_Validate() const;
-    [[nodiscard]] Result Texture_InstallationFolders_Validate() const;
+    /// Every marked item of the family has a folder that may be written, and no two the same name.
+    [[nodiscard]] Result InstallationFolders_Validate(MappedGroup family) const;
     [[nodiscard]] Result AI_InstallationFolders_Validate() const;
-    [[nodiscard]] Result Missions_InstallationFolders_Validate() const;
-    [[nodiscard]] Result DocumentAndOther_InstallationFolders_Validate() const;
-    [[nodiscard]] Result Texture_InstallationChoices_Validate() const;
-    [[nodiscard]] Result Scenery_InstallationChoices_Validate() const;
+    /// InstallationFolders_Validate(), and what else a family's page wants: the aircraft and
+    /// variations of repaints, the titles of scenery areas.
+    [[nodiscard]] Result InstallationChoices_Validate(MappedGroup family) const;
     /// Gives documents whose names clash a folder each, below the add-on's storage.
     void DocumentAndOther_AutomaticallyResolveProblems();
     [[nodiscard]] bool AddonItemGroup_IsAnythingMarkedForInstall() const;
@@ -248,19 +277,49 @@ private:
     struct Analysis;
     friend struct Analysis;
 
+    /// What may be done about files with one target without asking.
+    struct AutoResolve
+    {
+        ConflictRules rules;
+        bool separateDocuments = true;
+        bool rename = false;
+    };
+
     void nameAddon();
     [[nodiscard]] QString fileIdText() const;
     Result applyOptions();
     Result resolveOptionFolders();
     [[nodiscard]] QString chosenFolder(const QString& typed) const;
     Result applySkips();
+    [[nodiscard]] ResultOf<QString> aircraftFolder(const QString& typed) const;
     Result applyTargets();
+    Result applyTarget(const TargetChoice& choice);
+    void AutoResolveAddonFileProblems_SaveDefaultConfigurationFromRegistry();
     void resolveConflicts();
+    [[nodiscard]] QList<int> groupsMeant(MappedGroup family) const;
+    Result applyMethods();
+    Result applyRenamings();
+    void applyDefaultMethods();
+    [[nodiscard]] bool hasGroup(MappedGroup family, int index) const;
     void setFolder(CAddon_Item& item, const QString& folder);
-    void moveGroup(MappedGroup family, int group, const QString& folder);
+    void unfollow(CAddon_Item& item);
+    [[nodiscard]] QString moduleFolder(const CAddon_Item& item, const QString& folder) const;
+    [[nodiscard]] QString determinedFolder(MappedGroup family, int index) const;
+    [[nodiscard]] QString
+    methodFolder(MappedGroup family, int index, InstallationMethod method) const;
+    [[nodiscard]] QString derivedFolder(const InstallationGroup& group,
+                                        const InstallationGroup& analysed,
+                                        const CAddon_Item& item) const;
+    void deriveFolders(MappedGroup family, int index);
+    [[nodiscard]] bool partIsTaken(int index, const QString& aircraft, const QString& name) const;
+    void adaptRepaint(int index);
+    void makeDefaultVariant(InstallationGroup& group) const;
+    [[nodiscard]] Result checkBaseAircraft(const QString& aircraft) const;
+    void followAircraft(int aircraft);
     Result
-    modifyMethod(MappedGroup family, int group, InstallationMethod method, const QString& folder);
-    [[nodiscard]] Result validateFolders(MappedGroup family) const;
+    changeMethod(MappedGroup family, int index, InstallationMethod method, const QString& folder);
+    Result changeFolder(MappedGroup family, int index, const QString& folder);
+    Result changeAircraft(int index, const QString& aircraftFolder);
     [[nodiscard]] bool usableFolder(const QString& folder) const;
     [[nodiscard]] bool anyMarked(const InstallationGroup& group) const;
     /// The first item in each installation folder that anything is installed into.
@@ -279,8 +338,13 @@ private:
     std::unique_ptr<CAddon_ItemGroup> m_addon;
     InstallOptions m_options;
     QString m_storageFolder;
+    AutoResolve m_resolve;
     std::vector<InstallationGroup> m_groups[mappedGroupCount];
-    QList<PlanProblem> m_remarks; ///< found by the analysis; checks add theirs when asked
+    std::vector<InstallationGroup> m_analysed[mappedGroupCount]; ///< as the analysis made them
+    QSet<qint32> m_leftOut;                 ///< items that the analysis does not mark
+    QMultiHash<qint32, qint32> m_followers; ///< items by the item whose folder they follow
+    QStringList m_simulatorFolders;         ///< by item, while the add-on goes to the cabinet
+    QList<PlanProblem> m_remarks;           ///< found by the analysis; checks add theirs when asked
 };
 
 } // namespace vt

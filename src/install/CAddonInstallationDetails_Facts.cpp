@@ -75,8 +75,8 @@ qint64 CAddonInstallationDetails::bytesNeeded() const
 qint64 CAddonInstallationDetails::bytesFree() const
 {
     CDriveFreeSpace space(m_context.services.files);
-    space.sDrive = m_options.to == InstallTo::Cabinet ? m_context.global.programFolder
-                                                      : m_context.global.simulatorFolder;
+    space.sDrive = installTo() == InstallTo::Cabinet ? m_context.global.programFolder
+                                                     : m_context.global.simulatorFolder;
     return space.Compute();
 }
 
@@ -200,7 +200,7 @@ QStringList CAddonInstallationDetails::areaFolders(const InstallationGroup& grou
 LibraryChanges CAddonInstallationDetails::libraryChanges() const
 {
     LibraryChanges out;
-    if (m_options.to == InstallTo::Cabinet)
+    if (installTo() == InstallTo::Cabinet)
         return out;
     const std::vector<InstallationGroup>& sceneries = groups(MappedGroup::Scenery);
     QSet<NoCase> taken;

@@ -42,7 +42,7 @@ QString libraryProblem(const QString& name)
 /// Why a repaint cannot be installed; empty when it can.
 QString textureGroupProblem(const InstallationGroup& group)
 {
-    if (!group.needsAircraft)
+    if (!group.asRepaint())
         return {};
     if (group.baseMissing)
         return u"Could not locate base aircraft."_s;
@@ -55,7 +55,18 @@ QString textureGroupProblem(const InstallationGroup& group)
     return {};
 }
 
+bool lacksTitle(const InstallationGroup& group)
+{
+    return group.family == MappedGroup::Scenery && group.sceneryLibraryUpdate &&
+           group.sceneryTitle.trimmed().isEmpty();
+}
+
 } // namespace
+
+Prompt plantext::addonFileProblem(const QString& text)
+{
+    return announcement(u"Addon File Problem"_s, text, Icon::Warning);
+}
 
 Result CAddonInstallationDetails::ValidateItemName(const QString& name)
 {
@@ -66,15 +77,10 @@ Result CAddonInstallationDetails::ValidateItemName(const QString& name)
     return Result::success();
 }
 
-QString CAddonInstallationDetails::renameWarning(FileType type)
+bool CAddonInstallationDetails::renamingMayHarm(FileType type)
 {
-    switch (typeGroupOf(type)) {
-    case TypeGroup::DocumentAndOther:
-    case TypeGroup::Scenery:
-        return {};
-    default:
-        return u"Changing this item's name may cause the addon to function improperly. Continue anyway?"_s;
-    }
+    const TypeGroup group = typeGroupOf(type);
+    return group != TypeGroup::DocumentAndOther && group != TypeGroup::Scenery;
 }
 
 bool CAddonInstallationDetails::usableFolder(const QString& folder) const
@@ -85,7 +91,7 @@ bool CAddonInstallationDetails::usableFolder(const QString& folder) const
     return place && place->root != RootId::Chosen; // that one is gone with this call
 }
 
-Result CAddonInstallationDetails::validateFolders(MappedGroup family) const
+Result CAddonInstallationDetails::InstallationFolders_Validate(MappedGroup family) const
 {
     const QString* last = nullptr;
     for (const CAddon_Item& item : m_addon->colAddonItems()) {
@@ -106,46 +112,11 @@ Result CAddonInstallationDetails::validateFolders(MappedGroup family) const
     return Result::success();
 }
 
-Result CAddonInstallationDetails::Aircraft_InstallationFolders_Validate() const
-{
-    return validateFolders(MappedGroup::Aircraft);
-}
-
-Result CAddonInstallationDetails::Panel_InstallationFolders_Validate() const
-{
-    return validateFolders(MappedGroup::Panel);
-}
-
-Result CAddonInstallationDetails::Sound_InstallationFolders_Validate() const
-{
-    return validateFolders(MappedGroup::Sound);
-}
-
-Result CAddonInstallationDetails::Scenery_InstallationFolders_Validate() const
-{
-    return validateFolders(MappedGroup::Scenery);
-}
-
-Result CAddonInstallationDetails::Texture_InstallationFolders_Validate() const
-{
-    return validateFolders(MappedGroup::Texture);
-}
-
 Result CAddonInstallationDetails::AI_InstallationFolders_Validate() const
 {
-    if (Result traffic = validateFolders(MappedGroup::TrafficTools); !traffic)
+    if (Result traffic = InstallationFolders_Validate(MappedGroup::TrafficTools); !traffic)
         return traffic;
-    return validateFolders(MappedGroup::Afcad);
-}
-
-Result CAddonInstallationDetails::Missions_InstallationFolders_Validate() const
-{
-    return validateFolders(MappedGroup::Missions);
-}
-
-Result CAddonInstallationDetails::DocumentAndOther_InstallationFolders_Validate() const
-{
-    return validateFolders(MappedGroup::DocumentAndOther);
+    return InstallationFolders_Validate(MappedGroup::Afcad);
 }
 
 Result CAddonInstallationDetails::Options_InstallationChoices_Validate() const
@@ -155,27 +126,21 @@ Result CAddonInstallationDetails::Options_InstallationChoices_Validate() const
     return Result::success();
 }
 
-Result CAddonInstallationDetails::Texture_InstallationChoices_Validate() const
+Result CAddonInstallationDetails::InstallationChoices_Validate(MappedGroup family) const
 {
-    for (const InstallationGroup& group : groups(MappedGroup::Texture)) {
+    for (const InstallationGroup& group : groups(family)) {
         if (!anyMarked(group))
             continue;
-        const QString problem = textureGroupProblem(group);
-        if (!problem.isEmpty())
-            return Result::failure(variantProblem(group.name) + u". "_s + problem);
-    }
-    return Texture_InstallationFolders_Validate();
-}
-
-Result CAddonInstallationDetails::Scenery_InstallationChoices_Validate() const
-{
-    for (const InstallationGroup& group : groups(MappedGroup::Scenery)) {
-        if (anyMarked(group) && group.sceneryLibraryUpdate &&
-            group.sceneryTitle.trimmed().isEmpty())
+        if (family == MappedGroup::Texture) {
+            const QString problem = textureGroupProblem(group);
+            if (!problem.isEmpty())
+                return Result::failure(variantProblem(group.name) + u". "_s + problem);
+        }
+        if (lacksTitle(group))
             return Result::failure(libraryProblem(group.name) +
                                    u". Scenery library title is not specified."_s);
     }
-    return Scenery_InstallationFolders_Validate();
+    return InstallationFolders_Validate(family);
 }
 
 bool CAddonInstallationDetails::AddonItemGroup_IsAnythingMarkedForInstall() const
@@ -300,7 +265,7 @@ PlanFacts CAddonInstallationDetails::facts() const
         if (!item || item->boolProcess)
             out.append(remark);
     }
-    const bool cabinet = m_options.to == InstallTo::Cabinet;
+    const bool cabinet = installTo() == InstallTo::Cabinet;
     if (!cabinet)
         facts.aircraft = aircraftEdits(*this, m_context, m_options.masterKey);
     for (const AircraftEdit& edit : std::as_const(facts.aircraft)) {
@@ -318,8 +283,7 @@ PlanFacts CAddonInstallationDetails::facts() const
     if (Result named = Options_InstallationChoices_Validate(); !named)
         out.append({0, named.text, true});
     for (const InstallationGroup& group : groups(MappedGroup::Scenery)) {
-        if (!cabinet && anyMarked(group) && group.sceneryLibraryUpdate &&
-            group.sceneryTitle.trimmed().isEmpty())
+        if (!cabinet && anyMarked(group) && lacksTitle(group))
             out.append({group.items.first(),
                         u"Scenery library title is not specified. "_s + libraryProblem(group.name),
                         true});

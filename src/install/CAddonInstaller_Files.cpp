@@ -88,7 +88,7 @@ qint64 CAddonInstaller::sourceTimeMs(const CAddon_Item& item) const
 
 Result CAddonInstaller::InstallFiles()
 {
-    if (m_details.options().to != InstallTo::Cabinet)
+    if (m_details.installTo() != InstallTo::Cabinet)
         m_aircraftEdits = aircraftEdits(m_details, m_context, m_record.key);
     decideAll();
     if (Result made = AddonAndCabinetFolders_Create(); !made)

@@ -62,7 +62,7 @@ Result CAddonInstaller::AddonMasterTable_UpdateRecord()
     }
     for (const InstallationGroup& group : m_details.groups(MappedGroup::Texture))
         m_record.categories |=
-            group.needsAircraft ? Category::Aircraft_Skins_And_Repaints : Category::Textures;
+            group.asRepaint() ? Category::Aircraft_Skins_And_Repaints : Category::Textures;
     return Result::success();
 }
 

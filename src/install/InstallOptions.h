@@ -2,6 +2,8 @@
 // so that both see the same proposal.
 #pragma once
 
+#include "install/InstallationGroup.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -31,18 +33,38 @@ struct TargetChoice
     QString folder; ///< a Windows text, or relative to the simulator's folder
 };
 
+/// How the groups of a family find their folders, and with which folder.
+struct MethodChoice
+{
+    MappedGroup family = MappedGroup::None;
+    InstallationMethod method = InstallationMethod::Determined;
+    /// For a chosen folder (several groups get a folder each below it) and for the aircraft of
+    /// repaints; a Windows text, or relative to the simulator's folder.
+    QString folder;
+};
+
+/// Another name on installation for the items of that name (or source path).
+struct Renaming
+{
+    QString name;
+    QString installedName;
+};
+
 struct InstallOptions
 {
     std::optional<QString> name;
     std::optional<QString> description;
     std::optional<QString> authors;
-    std::optional<int> rating; ///< 0 none, 1 to 5
-    InstallTo to = InstallTo::Simulator;
+    std::optional<int> rating;   ///< 0 none, 1 to 5
+    std::optional<InstallTo> to; ///< not given: as the settings say
     ReplacePolicy replace = ReplacePolicy::Ask;
     QStringList skip; ///< names, source paths, source folders (ending in "\") or "*.ext"
+    QList<MethodChoice> methods;
     QList<TargetChoice> targets;
+    QList<Renaming> renamings;
     QString aircraftFolder; ///< for textures, panels and sounds without an aircraft; or empty
     bool noSceneryLibrary = false;
+    std::optional<QString> sceneryTitle; ///< of every area that the add-on adds
     /// The question whether a read-only Scenery.cfg may be updated will be answered with Yes; only
     /// a plan asks this, so that it tells what will happen.
     bool updateReadOnlyLibrary = false;

@@ -4,6 +4,69 @@ using namespace Qt::StringLiterals;
 
 namespace vt {
 
+namespace {
+
+constexpr FamilyRules familyTable[] = {
+    {MappedGroup::Aircraft, u"Aircraft", u"aircraft", std::nullopt, false},
+    {MappedGroup::Panel, u"Panel", u"panel", SettingKey::PanelInstallationMethod, false},
+    {MappedGroup::Sound, u"Sound", u"sound", SettingKey::SoundInstallationMethod, false},
+    {MappedGroup::Missions, u"Missions", u"mission", SettingKey::MissionInstallationMethod, true},
+    {MappedGroup::Scenery, u"Scenery", u"scenery", SettingKey::SceneryInstallationMethod, false},
+    {MappedGroup::Texture, u"Texture", u"texture", SettingKey::TextureInstallationMethod, false},
+    {MappedGroup::DocumentAndOther, u"DocumentAndOther", u"other files", std::nullopt, false},
+};
+
+} // namespace
+
+const FamilyRules* familyRules(MappedGroup family)
+{
+    for (const FamilyRules& rules : familyTable) {
+        if (rules.family == family)
+            return &rules;
+    }
+    return nullptr;
+}
+
+QList<MappedGroup> ruledFamilies()
+{
+    QList<MappedGroup> out;
+    for (const FamilyRules& rules : familyTable)
+        out.append(rules.family);
+    return out;
+}
+
+QString methodWord(InstallationMethod method)
+{
+    switch (method) {
+    case InstallationMethod::Determined:
+        break;
+    case InstallationMethod::ChosenFolder:
+        return u"folder"_s;
+    case InstallationMethod::GlobalFolder:
+        return u"global"_s;
+    case InstallationMethod::AdventureSounds:
+        return u"adventures"_s;
+    case InstallationMethod::AddonSceneryTexture:
+    case InstallationMethod::AddonScenery:
+        return u"addon-scenery"_s;
+    case InstallationMethod::SceneryWorldTexture:
+    case InstallationMethod::SceneryWorld:
+        return u"world"_s;
+    case InstallationMethod::NewRepaint:
+        return u"repaint"_s;
+    }
+    return u"determined"_s;
+}
+
+std::optional<InstallationMethod> methodOfWord(MappedGroup family, const QString& word)
+{
+    for (const MethodLabel& offered : methodLabels(family, {})) {
+        if (methodWord(offered.method) == word)
+            return offered.method;
+    }
+    return std::nullopt;
+}
+
 QList<MethodLabel> methodLabels(MappedGroup family, const DisplayNames& names)
 {
     using Method = InstallationMethod;
@@ -35,6 +98,9 @@ QList<MethodLabel> methodLabels(MappedGroup family, const DisplayNames& names)
     case MappedGroup::Missions:
         return {{Method::Determined, u"The default folders determined by "_s + names.productName},
                 {Method::ChosenFolder, u"An existing or new mission folder"_s}};
+    case MappedGroup::Aircraft:
+        return {determined,
+                {Method::ChosenFolder, u"Change Folder to create an installation folder."_s}};
     default:
         return {determined};
     }

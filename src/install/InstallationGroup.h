@@ -5,10 +5,14 @@
 
 #include "addondb/CAddon_Item.h"
 #include "shell/GlobalRecord.h"
+#include "shell/SettingsTable.h"
 
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QStringView>
+
+#include <optional>
 
 namespace vt {
 
@@ -32,8 +36,28 @@ struct MethodLabel
     QString label;
 };
 
+/// What is fixed about a family of groups: one row each for those that are decided group by group.
+struct FamilyRules
+{
+    MappedGroup family;
+    QStringView prefix;      ///< "Panel", as the names of its operations begin
+    QStringView problemWord; ///< "Correct the problem with the <word> configuration and try again."
+    std::optional<SettingKey> defaultMethod; ///< holds the place in methodLabels()
+    bool folderBelowMissions = false;        ///< a chosen folder has to lie there
+};
+
+/// Null for None and for what no page decides by groups.
+[[nodiscard]] const FamilyRules* familyRules(MappedGroup family);
+[[nodiscard]] QList<MappedGroup> ruledFamilies();
+
 /// The methods that a family's page offers, in order; the first is the default.
 [[nodiscard]] QList<MethodLabel> methodLabels(MappedGroup family, const DisplayNames& names);
+
+/// One short word for a method, unique within its family: "determined", "folder", "global", ...
+[[nodiscard]] QString methodWord(InstallationMethod method);
+/// The method of that word that the family offers.
+[[nodiscard]] std::optional<InstallationMethod> methodOfWord(MappedGroup family,
+                                                             const QString& word);
 
 /// The hint under a family's folder choice; empty where a family has none.
 [[nodiscard]] QString folderHint(MappedGroup family, const DisplayNames& names, int generation);
@@ -53,6 +77,7 @@ struct AircraftPart
 {
     QString sourceFolder; ///< as in the items
     QString name;         ///< the aircraft's folder of it: "texture.blue"
+    QString wanted;       ///< the name when nobody has taken it
 };
 
 struct InstallationGroup
@@ -65,14 +90,21 @@ struct InstallationGroup
     QString aircraftFolder; ///< texture, panel and sound groups: the aircraft they belong to
     QString simName;        ///< name of the flight model ("sim=") of an aircraft or repaint
     InstallationMethod method = InstallationMethod::Determined;
-    int aircraftGroup = -1;     ///< index of the aircraft group of this add-on, or -1
-    bool needsAircraft = false; ///< cannot be installed without an aircraft folder
-    bool baseMissing = false;   ///< the source names an aircraft that is nowhere
+    int aircraftGroup = -1;   ///< index of the aircraft group of this add-on, or -1
+    bool repaint = false;     ///< the analysis took the textures for a skin of an aircraft
+    bool baseMissing = false; ///< the source names an aircraft that is nowhere
     bool sceneryLibraryUpdate = false;
     QString sceneryTitle;
     QList<VariantDetails> variants;
     QList<AircraftPart> parts; ///< texture groups
     QList<qint32> items;       ///< keys, in the add-on's order
+
+    /// Installed as a new skin: the group cannot go without an aircraft folder.
+    [[nodiscard]] bool asRepaint() const
+    {
+        return method == InstallationMethod::NewRepaint ||
+               (repaint && method == InstallationMethod::Determined);
+    }
 };
 
 } // namespace vt

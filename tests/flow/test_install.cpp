@@ -94,13 +94,39 @@ private Q_SLOTS:
     void samples_doWhatThePlanSays_andComeOutAgain_data()
     {
         QTest::addColumn<QString>("name");
-        for (const SampleAddon& sample : sampleAddons())
-            QTest::newRow(qPrintable(sample.name)) << sample.name;
+        QTest::addColumn<bool>("otherFolders");
+        for (const bool other : {false, true}) {
+            for (const SampleAddon& sample : sampleAddons())
+                QTest::addRow("%s%s", qPrintable(sample.name), other ? ", other folders" : "")
+                    << sample.name << other;
+        }
+    }
+
+    /// The last method of every family that the add-on holds.
+    QList<MethodChoice> lastMethods(const QString& archive, const InstallOptions& options)
+    {
+        CAddonInstallationDetails details(m_world->context);
+        if (!details.prepare(m_world->drives.toWindows(archive), options))
+            qFatal("the sample cannot be used");
+        QList<MethodChoice> out;
+        for (const MappedGroup family : ruledFamilies()) {
+            const QList<MethodLabel> offered = methodLabels(family, m_world->global.names);
+            if (details.groups(family).empty() || offered.size() < 2)
+                continue;
+            const QString folder =
+                family == MappedGroup::Missions ? u"Missions\\Mine"_s
+                : family == MappedGroup::Texture
+                    ? m_world->files.list(m_world->global.aircraftFolder).first().name
+                    : u"SimObjects\\Airplanes\\Mine"_s;
+            out.append({family, offered.last().method, folder});
+        }
+        return out;
     }
 
     void samples_doWhatThePlanSays_andComeOutAgain()
     {
         QFETCH(QString, name);
+        QFETCH(bool, otherFolders);
         m_world->prompts.defaultsBeyondQueue = true;
         const SampleAddon sample = sampleAddon(name);
         const QString archive = writePack(m_dir->path(), name, sample.files);
@@ -109,6 +135,8 @@ private Q_SLOTS:
             options.aircraftFolder =
                 m_world->global.aircraftFolder +
                 winpath::name(m_world->files.list(m_world->global.aircraftFolder).first().name);
+        if (otherFolders)
+            options.methods = lastMethods(archive, options);
 
         QStringList planned;
         QStringList areas;

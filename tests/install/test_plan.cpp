@@ -254,7 +254,7 @@ void TestPlan::conflicts_blockWithTheirText()
     QVERIFY(details.prepare(source, {}).ok);
     QCOMPARE(details.addon().Array_sarrayEliminatedDuplicateItems_Get(),
              QStringList{u"b\\Gauges\\h.gau"_s});
-    const Result refused = details.Panel_InstallationFolders_Validate();
+    const Result refused = details.InstallationFolders_Validate(MappedGroup::Panel);
     QVERIFY(!refused.ok);
     QVERIFY(refused.text.startsWith(
         u"A file you are installing has the same name and target folder as another file. You can resolve the problem in one of three ways:"_s));
@@ -262,6 +262,7 @@ void TestPlan::conflicts_blockWithTheirText()
     QVERIFY(!details.installable().ok);
     const qint32 key =
         details.addon().SearchByNameandFSZipFolder(u"g.gau", u"Night\\Gauges")->lngKey;
+    world.prompts.expect(u"Name Change Warning"_s, Button::Yes);
     QVERIFY(details.AddonItem_Rename(key, u"night.gau"_s).ok);
     QVERIFY(details.installable().ok);
 }
@@ -317,11 +318,13 @@ void TestPlan::repaint_withoutAircraft_blocks()
     QCOMPARE(problems.size(), 1);
     QVERIFY(problems.first().text.contains(u"No aircraft folder has been specified."_s));
     QVERIFY(problems.first().blocks);
-    QVERIFY(details.Texture_InstallationChoices_Validate().text.startsWith(
-        u"There is a problem with the aircraft variant configuration related to "_s));
-    QVERIFY(
-        details.Texture_InstallationDetails_Modify(0, u"C:\\FSX\\SimObjects\\Airplanes\\B747\\"_s)
-            .ok);
+    QVERIFY(details.InstallationChoices_Validate(MappedGroup::Texture)
+                .text.startsWith(
+                    u"There is a problem with the aircraft variant configuration related to "_s));
+    QVERIFY(details
+                .InstallationDetails_Modify(
+                    MappedGroup::Texture, 0, u"C:\\FSX\\SimObjects\\Airplanes\\B747\\"_s)
+                .ok);
     QVERIFY(details.installable().ok);
     QVERIFY(world.targets(details).contains(
         u"texture.blue\\a.dds -> SIM\\SimObjects\\Airplanes\\B747\\texture.blue\\a.dds"_s));
@@ -341,30 +344,26 @@ void TestPlan::methods_moveTheGroup()
     const auto bgl = [&] { return details.addon().SearchByName(u"n.bgl")->sFolder_Installation; };
     const auto dds = [&] { return details.addon().SearchByName(u"n.dds")->sFolder_Installation; };
     using Method = InstallationMethod;
-    QVERIFY(details.Scenery_InstallationDetails_ModifyPerInstallationMethod(0, Method::SceneryWorld)
-                .ok);
+    const auto change = [&](Method method, const QString& folder = {}) {
+        return details
+            .InstallationDetails_ModifyPerInstallationMethod(
+                MappedGroup::Scenery, 0, method, folder)
+            .ok;
+    };
+    QVERIFY(change(Method::SceneryWorld));
     QCOMPARE(bgl(), u"C:\\FSX\\Scenery\\World\\scenery\\"_s);
     QCOMPARE(dds(), u"C:\\FSX\\Scenery\\World\\texture\\"_s);
     QVERIFY(details.facts().sceneryAreas().isEmpty());
-    QVERIFY(details
-                .Scenery_InstallationDetails_ModifyPerInstallationMethod(
-                    0, Method::ChosenFolder, u"C:\\FSX\\Addon Scenery\\Mine"_s)
-                .ok);
+    QVERIFY(change(Method::ChosenFolder, u"C:\\FSX\\Addon Scenery\\Mine"_s));
     QCOMPARE(bgl(), u"C:\\FSX\\Addon Scenery\\Mine\\scenery\\"_s);
     QCOMPARE(details.facts().sceneryAreas().value(0).folder, u"C:\\FSX\\Addon Scenery\\Mine\\"_s);
-    QVERIFY(!details
-                 .Scenery_InstallationDetails_ModifyPerInstallationMethod(
-                     0, Method::ChosenFolder, u"D:\\Elsewhere"_s)
-                 .ok);
-    QVERIFY(
-        !details.Scenery_InstallationDetails_ModifyPerInstallationMethod(0, Method::AdventureSounds)
-             .ok);
-    QVERIFY(
-        details.Scenery_InstallationDetails_ModifyPerInstallationMethod(0, Method::Determined).ok);
+    QVERIFY(!change(Method::ChosenFolder, u"D:\\Elsewhere"_s));
+    QVERIFY(!change(Method::AdventureSounds));
+    QVERIFY(change(Method::Determined));
     QCOMPARE(bgl(), u"C:\\FSX\\Addon Scenery\\North\\scenery\\"_s);
     details.Scenery_InstallationDetails_ModifyPerSceneryLibraryUpdateSelection(0, true, u" "_s);
-    QVERIFY(details.Scenery_InstallationChoices_Validate().text.contains(
-        u"Scenery library title is not specified."_s));
+    QVERIFY(details.InstallationChoices_Validate(MappedGroup::Scenery)
+                .text.contains(u"Scenery library title is not specified."_s));
     details.Scenery_InstallationDetails_ModifyPerSceneryLibraryUpdateSelection(0, false, {});
     QVERIFY(details.facts().sceneryAreas().isEmpty());
 }
@@ -379,8 +378,10 @@ void TestPlan::aircraftFolder_takesItsPartsAlong()
                                              {u"C/panel/panel.cfg"_s, "p"},
                                              {u"extra/texture.red/a.dds"_s, "t"}});
     QVERIFY(details.prepare(source, {}).ok);
-    QVERIFY(
-        details.Aircraft_InstallationDetails_Modify(0, u"C:\\FSX\\SimObjects\\Airplanes\\D"_s).ok);
+    QVERIFY(details
+                .InstallationDetails_Modify(
+                    MappedGroup::Aircraft, 0, u"C:\\FSX\\SimObjects\\Airplanes\\D"_s)
+                .ok);
     QCOMPARE(
         world.targets(details),
         (QStringList{
@@ -389,7 +390,7 @@ void TestPlan::aircraftFolder_takesItsPartsAlong()
             u"C\\panel\\panel.cfg -> SIM\\SimObjects\\Airplanes\\D\\panel\\panel.cfg"_s,
             u"extra\\texture.red\\a.dds -> SIM\\SimObjects\\Airplanes\\D\\texture.red\\a.dds"_s}));
     const auto copy = details.Clone();
-    details.Group_InstallationStatus_Modify(MappedGroup::Aircraft, 0, false);
+    details.InstallationStatus_Modify(MappedGroup::Aircraft, 0, false);
     QVERIFY(!details.addon().SearchByName(u"c.air")->boolProcess);
     QVERIFY(copy->addon().SearchByName(u"c.air")->boolProcess);
 }
@@ -407,8 +408,6 @@ void TestPlan::renaming_keepsTheType()
              u"The file's type (Scenery) may not be changed."_s);
     QCOMPARE(details.AddonItem_Rename(key, u"m.bgl"_s).text, u"Filename was updated."_s);
     QVERIFY(details.addon().Search(key)->Names_Differ());
-    QVERIFY(!CAddonInstallationDetails::renameWarning(FileType::Texture).isEmpty());
-    QVERIFY(CAddonInstallationDetails::renameWarning(FileType::Document).isEmpty());
 }
 
 void TestPlan::nothingMarked_isRefused()

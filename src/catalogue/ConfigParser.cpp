@@ -114,7 +114,7 @@ QString unreadable(QByteArrayView bytes)
 {
     if (bytes.startsWith("\xff\xfe") || bytes.startsWith("\xfe\xff"))
         return u"it is a UTF-16 text; save it as ANSI text."_s;
-    if (std::memchr(bytes.data(), 0, size_t(bytes.size())))
+    if (bytes.contains('\0'))
         return u"it holds NUL characters, so it is no text."_s;
     return {};
 }

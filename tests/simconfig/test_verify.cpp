@@ -185,7 +185,7 @@ const QList<Fault>& faults()
          1},
         {"binary garbage",
          u"fltsim.0"_s,
-         [](AircraftWorld& w) { w.write(kestrelCfg, QByteArray("[fltsim.0\0\1\2]\xff\0[", 18)); },
+         [](AircraftWorld& w) { w.write(kestrelCfg, QByteArray("[fltsim.0\0\1\2]\xff\0[", 16)); },
          u"- The aircraft configuration file may lack an aircraft section (ie. 'fltsim.0')."_s,
          0},
     };

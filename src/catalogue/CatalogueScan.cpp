@@ -105,6 +105,8 @@ public:
         m_oldAreas.swap(m_store.areas);
         m_oldFolders.swap(m_store.folders);
         m_oldConfigs.swap(m_store.configs);
+        m_foldersNow.resize(m_oldFolders.size());
+        m_configsNow.resize(m_oldConfigs.size());
         m_store.folders.reserve(m_oldFolders.size());
         m_store.configs.reserve(m_oldConfigs.size());
         for (const QString& top : m_global.aircraftTypeFolders)
@@ -132,6 +134,7 @@ private:
 
     void area(const QString& folder, bool effects);
     void areaFolders(const AreaRow* old);
+    void lookAt(const std::vector<const FolderRow*>& known);
     void aircraftFolder(const QByteArray& name, const FolderRow* old);
     bool takeUnchanged(Configs old);
     void listAircraft(Configs old);
@@ -145,6 +148,16 @@ private:
     bool readFile(ConfigKind kind, const QByteArray& name, TextId known);
 
     [[nodiscard]] bool settled(const DiskStamp& stamp) const { return stamp.settledAt(m_now); }
+
+    [[nodiscard]] const FolderReader::Found& nowOf(const FolderRow& old) const
+    {
+        return m_foldersNow[size_t(&old - m_oldFolders.data())];
+    }
+
+    [[nodiscard]] const DiskStamp& nowOf(const ConfigRow& old) const
+    {
+        return m_configsNow[size_t(&old - m_oldConfigs.data())].stamp;
+    }
 
     Configs configsOf(const FolderRow* old) const
     {
@@ -167,6 +180,8 @@ private:
     std::vector<AreaRow> m_oldAreas;
     std::vector<FolderRow> m_oldFolders;
     std::vector<ConfigRow> m_oldConfigs;
+    std::vector<FolderReader::Found> m_foldersNow; ///< of the old rows; of settled ones only
+    std::vector<FolderReader::Found> m_configsNow;
     FolderReader* m_reader = nullptr; ///< of the area in hand
     QByteArray m_folder;              ///< the folder in hand, below the area
     std::unordered_map<QByteArray, TextId> m_names;
@@ -201,6 +216,7 @@ void Scan::areaFolders(const AreaRow* old)
         if (old && row.area == quint32(old - m_oldAreas.data()))
             known.push_back(&row);
     }
+    lookAt(known);
     AreaRow& area = m_store.areas.back();
     if (area.effects) {
         takeEffects(known.empty() ? nullptr : known.front());
@@ -227,6 +243,29 @@ void Scan::areaFolders(const AreaRow* old)
     }
 }
 
+/// Asks the disk for the stamps of everything that was known, all at once.
+void Scan::lookAt(const std::vector<const FolderRow*>& known)
+{
+    std::vector<QByteArray> names;
+    std::vector<FolderReader::Wanted> wanted;
+    std::vector<FolderReader::Found*> places;
+    names.reserve(known.size());
+    for (const FolderRow* row : known) {
+        const QByteArray& name = names.emplace_back(diskName(text(row->name)));
+        if (row->settled) {
+            wanted.push_back({name, {}});
+            places.push_back(&m_foldersNow[size_t(row - m_oldFolders.data())]);
+        }
+        for (const ConfigRow& config : configsOf(row)) {
+            wanted.push_back({name, text(config.name)});
+            places.push_back(&m_configsNow[size_t(&config - m_oldConfigs.data())]);
+        }
+    }
+    const std::vector<FolderReader::Found> found = m_reader->stamps(wanted);
+    for (size_t i = 0; i < found.size(); ++i)
+        *places[i] = found[i];
+}
+
 void Scan::aircraftFolder(const QByteArray& name, const FolderRow* old)
 {
     m_folder = name;
@@ -238,9 +277,8 @@ void Scan::aircraftFolder(const QByteArray& name, const FolderRow* old)
     const Configs known = configsOf(old);
     bool same = false;
     if (old && old->settled) {
-        bool isFolder = false;
-        row.stamp = m_reader->stamp(m_folder, &isFolder);
-        if (!isFolder) {
+        row.stamp = nowOf(*old).stamp;
+        if (!nowOf(*old).folder) {
             m_store.folders.pop_back();
             m_counts.changed = true;
             return;
@@ -263,7 +301,7 @@ void Scan::aircraftFolder(const QByteArray& name, const FolderRow* old)
 bool Scan::takeUnchanged(Configs old)
 {
     for (const ConfigRow& known : old) {
-        const DiskStamp stamp = m_reader->stamp(m_folder, text(known.name));
+        const DiskStamp& stamp = nowOf(known);
         const bool same = known.settled && stamp == known.stamp;
         if (!same && (!stamp.exists() || known.kind == ConfigKind::Aircraft ||
                       known.kind == ConfigKind::Watched))
@@ -418,7 +456,7 @@ bool Scan::takeFile(ConfigKind kind, const QByteArray& name, Configs old)
     for (const ConfigRow& known : old) {
         if (known.kind != kind || diskName(text(known.name)) != name)
             continue;
-        if (!known.settled || m_reader->stamp(inside(name)) != known.stamp)
+        if (!known.settled || nowOf(known) != known.stamp)
             return readFile(kind, name, known.name);
         keep(known);
         return true;

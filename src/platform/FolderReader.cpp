@@ -6,6 +6,7 @@
 #include <QStringDecoder>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -13,6 +14,8 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <system_error>
+#include <thread>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -50,8 +53,10 @@ public:
 
     HostName(QByteArrayView folder, QStringView name)
     {
+        if (folder.isEmpty() && name.isEmpty())
+            append(".");
         append(folder);
-        if (!folder.isEmpty())
+        if (!folder.isEmpty() && !name.isEmpty())
             append("\\");
         const bool ascii =
             std::all_of(name.begin(), name.end(), [](QChar c) { return c.unicode() < 0x80; });
@@ -126,20 +131,40 @@ qint64 FolderReader::nowNs()
     return nsOf(now);
 }
 
-DiskStamp FolderReader::stamp(QByteArrayView name, bool* isFolder) const
+DiskStamp FolderReader::stamp(QByteArrayView name) const
 {
     struct stat st;
     if (fstatat(m_fd, HostName(name).text(), &st, 0) != 0)
         return {};
-    if (isFolder)
-        *isFolder = S_ISDIR(st.st_mode);
     return stampOf(st);
 }
 
-DiskStamp FolderReader::stamp(QByteArrayView folder, QStringView name) const
+std::vector<FolderReader::Found> FolderReader::stamps(std::span<const Wanted> wanted) const
 {
-    struct stat st;
-    return fstatat(m_fd, HostName(folder, name).text(), &st, 0) == 0 ? stampOf(st) : DiskStamp();
+    constexpr size_t share = 256; // worth waking a thread for
+    constexpr size_t mostThreads = 4;
+    std::vector<Found> out(wanted.size());
+    std::atomic<size_t> next = 0;
+    const auto work = [&] {
+        for (size_t from = next.fetch_add(share); from < out.size(); from = next.fetch_add(share)) {
+            for (size_t i = from; i < std::min(from + share, out.size()); ++i) {
+                struct stat st;
+                if (fstatat(m_fd, HostName(wanted[i].folder, wanted[i].name).text(), &st, 0) == 0)
+                    out[i] = {stampOf(st), S_ISDIR(st.st_mode)};
+            }
+        }
+    };
+    std::vector<std::jthread> others;
+    const size_t threads = std::min<size_t>(mostThreads, std::thread::hardware_concurrency());
+    try {
+        while (others.size() + 1 < std::min(threads, out.size() / share))
+            others.emplace_back(work);
+    } catch (const std::system_error&) {
+        // As many as there are do the same work.
+    }
+    work();
+    others.clear(); // joins them
+    return out;
 }
 
 FolderReader::Listing FolderReader::list(QByteArrayView name) const

@@ -10,6 +10,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <span>
 #include <vector>
 
 namespace vt {
@@ -44,10 +45,24 @@ public:
     /// The present, by the clock that files are stamped with.
     [[nodiscard]] static qint64 nowNs();
 
-    /// Links are followed; an empty name is the folder itself. \a isFolder tells what was found.
-    [[nodiscard]] DiskStamp stamp(QByteArrayView name, bool* isFolder = nullptr) const;
-    /// Of \a name below \a folder.
-    [[nodiscard]] DiskStamp stamp(QByteArrayView folder, QStringView name) const;
+    /// Links are followed; an empty name is the folder itself.
+    [[nodiscard]] DiskStamp stamp(QByteArrayView name) const;
+
+    struct Wanted
+    {
+        QByteArrayView folder;
+        QStringView name; ///< below it; empty: the folder itself
+    };
+
+    struct Found
+    {
+        DiskStamp stamp;
+        bool folder = false;
+    };
+
+    /// stamp() of each. Many are looked at by several threads, for the disk's answers are most of
+    /// the time.
+    [[nodiscard]] std::vector<Found> stamps(std::span<const Wanted> wanted) const;
 
     struct Entry
     {

@@ -22,8 +22,11 @@ struct ConfigWorld : test::ShellFixture
         : folder(u"Data/Microsoft/"_s + edition + u'/')
     {
         global.setSimulatorFolder(u"C:\\FSX\\"_s);
-        // Other runs of these tests on the same host have other names.
-        global.simulatorExecutable = u"s"_s + QString::number(QCoreApplication::applicationPid());
+        // Other runs of these tests on the same host have other names, and so has a simulator that
+        // ends a moment after its test.
+        static int worlds = 0;
+        global.simulatorExecutable =
+            u"s%1-%2"_s.arg(QCoreApplication::applicationPid()).arg(++worlds);
         global.setConfigFolders(u"C:\\All\\"_s, u"C:\\Data\\"_s, u"C:\\Docs\\"_s, edition);
         gate.setRoot(RootId::UserConfig, global.mainConfigFolder);
         const QString program = u"FSX/"_s + global.simulatorExecutable;

@@ -112,6 +112,21 @@ QStringList categoryWords(Categories categories)
     return words;
 }
 
+QString kindWord(Categories categories, const QString& other)
+{
+    if (categories & Category::Aircraft)
+        return u"aircraft"_s;
+    if (categories & Category::Panels)
+        return u"panel"_s;
+    if (categories & Category::Sounds)
+        return u"sound"_s;
+    if (categories & Category::Scenery)
+        return u"scenery"_s;
+    if (categories & Category::Missions)
+        return u"mission"_s;
+    return other;
+}
+
 std::optional<Category> categoryOfWord(const QString& word)
 {
     const QString blanks = QString(word).replace(u'_', u' ').trimmed();

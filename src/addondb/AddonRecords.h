@@ -169,6 +169,9 @@ struct ConfigBaseRecord
 [[nodiscard]] QString sourceTypeWord(SourceType type);
 /// The set categories as words ("Aircraft", "Airport Facilities Data"), in the order of the fields.
 [[nodiscard]] QStringList categoryWords(Categories categories);
+/// "aircraft", "panel", "sound", "scenery" or "mission", by the first of these that is set; else
+/// \a other.
+[[nodiscard]] QString kindWord(Categories categories, const QString& other);
 /// The category of a word, also in the form of a field name and in that of the history window's
 /// filter ("Aircraft Skins/Repaints"), without regard to case.
 [[nodiscard]] std::optional<Category> categoryOfWord(const QString& word);

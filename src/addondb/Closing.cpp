@@ -293,6 +293,7 @@ Result carryOutClosing(Connection& database,
         return unpack(closing, removal) ? closeRemoval(database, gate, removal, failed) : damaged();
     }
     case OperationKind::Configuration:
+    case OperationKind::Repair:
         break;
     }
     return Result::success();

@@ -10,22 +10,6 @@ namespace vt::originals {
 
 namespace {
 
-/// The user's changed version goes to the set-aside folder, where it stays.
-ResultOf<QString> setAside(const ReleaseContext& context, const QString& from, const QString& path)
-{
-    if (Result announced = context.announceSetAside(); !announced)
-        return announced;
-    const ResultOf<Place> place = context.gate.place(path);
-    if (!place)
-        return place.error();
-    QString to = winpath::join(context.setAsideFolder, place->relative);
-    for (int n = 2; context.gate.files().entry(to); ++n)
-        to = winpath::join(context.setAsideFolder, place->relative + u'.' + QString::number(n));
-    if (Result kept = context.actions.keep(from, to); !kept)
-        return kept;
-    return to;
-}
-
 /// Another row lies above this one: the place stays, the stack closes over the gap.
 ResultOf<Release> releaseBelow(const ReleaseContext& context,
                                const QString& path,
@@ -63,6 +47,31 @@ ResultOf<Release> releaseBelow(const ReleaseContext& context,
 }
 
 } // namespace
+
+QString setAsideFolder(const Files& files, const GlobalRecord& global, const AddonRecord& addon)
+{
+    const QString base = global.backupsFolder + winpath::safeName(addon.name) + u" - "_s +
+                         QString::number(addon.key);
+    QString folder = base + u'\\';
+    for (int n = 2; files.exists(folder); ++n)
+        folder = base + u' ' + QString::number(n) + u'\\';
+    return folder;
+}
+
+ResultOf<QString> setAside(const ReleaseContext& context, const QString& from, const QString& path)
+{
+    if (Result announced = context.announceSetAside(); !announced)
+        return announced;
+    const ResultOf<Place> place = context.gate.place(path);
+    if (!place)
+        return place.error();
+    QString to = winpath::join(context.setAsideFolder, place->relative);
+    for (int n = 2; context.gate.files().entry(to); ++n)
+        to = winpath::join(context.setAsideFolder, place->relative + u'.' + QString::number(n));
+    if (Result kept = context.actions.keep(from, to); !kept)
+        return kept;
+    return to;
+}
 
 QString keptFolder(qint64 masterKey)
 {

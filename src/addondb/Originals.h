@@ -66,6 +66,14 @@ struct ReleaseContext
     std::function<Result()> announceSetAside; ///< called before the first file goes there
 };
 
+/// "Backups\\<name> - <key>\\", with a number where an earlier operation made that one: a folder of
+/// one operation alone, for files that are replaced or go though somebody changed them.
+[[nodiscard]] QString
+setAsideFolder(const Files& files, const GlobalRecord& global, const AddonRecord& addon);
+/// Keeps the file \a from, which lies or lay at \a path, in the set-aside folder; where it is kept.
+[[nodiscard]] ResultOf<QString>
+setAside(const ReleaseContext& context, const QString& from, const QString& path);
+
 /// Decides what becomes of the file of \a detail and gives the actions their work. \a check is what
 /// was recorded when it was installed (size -1: nothing), \a original what it had replaced, \a now
 /// the entry that lies there, a link as itself (nothing: it is gone already).

@@ -91,6 +91,7 @@ struct Command
 [[nodiscard]] std::vector<Command> planCommands();  ///< classify, plan
 [[nodiscard]] std::vector<Command> installCommands();
 [[nodiscard]] std::vector<Command> removeCommands();
+[[nodiscard]] std::vector<Command> repairCommands();
 [[nodiscard]] std::vector<Command> verifyCommands();
 [[nodiscard]] std::vector<Command> panelCommands(); ///< panel set, sound set
 [[nodiscard]] std::vector<Command> missionCommands();

@@ -21,6 +21,7 @@ std::vector<Command> allCommands()
         planCommands,
         installCommands,
         removeCommands,
+        repairCommands,
         verifyCommands,
         panelCommands,
         missionCommands,

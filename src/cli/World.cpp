@@ -40,6 +40,8 @@ QString operationWord(OperationKind kind)
         return u"installation"_s;
     case OperationKind::Removal:
         return u"removal"_s;
+    case OperationKind::Repair:
+        return u"repair"_s;
     case OperationKind::Configuration:
         break;
     }

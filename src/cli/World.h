@@ -28,7 +28,7 @@ class Results;
 
 namespace vt::cli {
 
-/// "installation", "removal" or "configuration".
+/// "installation", "removal", "repair" or "configuration".
 [[nodiscard]] QString operationWord(OperationKind kind);
 
 struct GlobalOptions

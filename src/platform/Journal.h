@@ -20,6 +20,7 @@ enum class OperationKind : quint8
     Installation = 1,
     Removal = 2,
     Configuration = 3,
+    Repair = 4,
 };
 
 /// Stored: never renumber.

@@ -19,22 +19,6 @@ namespace {
 
 constexpr qint64 libraryLimit = 64LL * 1024 * 1024;
 
-/// The word for an original add-on's kind, by its first category.
-QString kindWord(Categories categories)
-{
-    if (categories & Category::Aircraft)
-        return u"aircraft"_s;
-    if (categories & Category::Panels)
-        return u"panel"_s;
-    if (categories & Category::Sounds)
-        return u"sound"_s;
-    if (categories & Category::Scenery)
-        return u"scenery"_s;
-    if (categories & Category::Missions)
-        return u"mission"_s;
-    return u"simulator"_s;
-}
-
 QString areaSubject(const SceneryAreaRecord& area)
 {
     return u"Scenery library area covering '"_s + area.title;
@@ -49,7 +33,7 @@ QString removalResultsCaption(const QString& addon)
 
 Prompt confirmRemovalOfOriginal(const AddonRecord& addon, const QString& simulator)
 {
-    const QString kind = kindWord(addon.categories);
+    const QString kind = kindWord(addon.categories, u"simulator"_s);
     QString text = u"'"_s + addon.name + u"' is an original "_s + kind + u" addon. "_s;
     if (addon.categories & Category::Scenery)
         text +=

@@ -53,12 +53,8 @@ QString removalPhrase(RemovalOutcome outcome)
 Result CAddonRemover::RemoveFiles()
 {
     status(u"Processing addon files..."_s);
-    const QString setAsideBase = m_context.global.backupsFolder + winpath::safeName(m_record.name) +
-                                 u" - "_s + QString::number(m_masterKey);
-    QString setAsideFolder = setAsideBase + u'\\';
-    // A folder of this removal alone: an earlier one may have set files aside as well.
-    for (int n = 2; m_context.services.files.exists(setAsideFolder); ++n)
-        setAsideFolder = setAsideBase + u' ' + QString::number(n) + u'\\';
+    const QString setAsideFolder =
+        originals::setAsideFolder(m_context.services.files, m_context.global, m_record);
     m_release = std::make_unique<originals::ReleaseContext>(
         originals::ReleaseContext{m_context.services.gate,
                                   *m_actions,

@@ -51,7 +51,7 @@ void Gate::setRoot(RootId id, const QString& folder)
     if (clean.isEmpty())
         return;
     m_insideFolders.clear();
-    if (id != RootId::Tools && id != RootId::Chosen) {
+    if (id != RootId::Chosen) {
         for (Root& root : m_roots) {
             if (root.id == id) {
                 root.folder = clean;

@@ -26,8 +26,9 @@ enum class RootId : quint8
     UserConfig = 3,     ///< the user's data of the simulator
     Documents = 4,      ///< the simulator's folder in the user's documents
     Program = 5,        ///< the program folder
-    Tools = 6,          ///< an outside tool's folder
+    Tools = 6,          ///< the traffic tools' folder
     Chosen = 7,         ///< what the user named for this operation; never stored
+    AirportTools = 8,   ///< the airport editor's folder
 };
 
 /// A file or folder below a root; \a relative has "\" separators and no trailing one.
@@ -54,8 +55,8 @@ public:
     /// \a files must outlive this.
     explicit Gate(Files& files) : m_files(files) {}
 
-    /// A later folder for the same id replaces the earlier one, except for Tools and Chosen, of
-    /// which there may be several.
+    /// A later folder for the same id replaces the earlier one, except for Chosen, of which there
+    /// may be several.
     void setRoot(RootId id, const QString& folder);
     [[nodiscard]] QString rootFolder(RootId id) const;
 

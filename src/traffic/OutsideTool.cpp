@@ -1,0 +1,97 @@
+#include "traffic/OutsideTool.h"
+
+#include "platform/WinPath.h"
+#include "shell/Settings.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt::outsidetool {
+
+namespace {
+
+constexpr qsizetype longestOutput = 200;
+
+/// The last line that a program printed, for its complaint.
+QString lastWords(const QByteArray& output)
+{
+    const QList<QByteArray> lines = output.trimmed().split('\n');
+    return QString::fromLocal8Bit(lines.constLast().trimmed().left(longestOutput));
+}
+
+Prompt invalidConfiguration(const OutsideTool& tool, const QString& why)
+{
+    return announcement(u"Invalid Program Configuration"_s,
+                        tool.title + u" program configuration is not valid."_s + u"\n\n"_s + why,
+                        Icon::Warning);
+}
+
+} // namespace
+
+Result check(const Files& files, const OutsideTool& tool, const QString& folder)
+{
+    for (const QString& program : tool.programs) {
+        if (!files.isFile(folder + program))
+            return Result::failure(tool.missing.isEmpty() ? folder + program + u" was not found."_s
+                                                          : tool.missing);
+    }
+    return Result::success();
+}
+
+QString find(Context& context, const OutsideTool& tool)
+{
+    const Files& files = context.services.files;
+    QString found = winpath::asFolder(context.settings.text(tool.setting));
+    if (found.isEmpty()) {
+        for (const QString& folder : tool.folders) {
+            if (check(files, tool, folder)) {
+                found = folder;
+                break;
+            }
+        }
+    }
+    if (found.isEmpty() || !files.isFolder(found))
+        return {};
+    context.services.gate.setRoot(tool.root, found);
+    return found;
+}
+
+ResultOf<QString> locate(Context& context, const OutsideTool& tool)
+{
+    QString folder = find(context, tool);
+    const bool asks = folder.isEmpty();
+    if (asks) {
+        const auto answer =
+            context.services.prompts.askText({tool.title, tool.question, tool.folders.value(0)});
+        folder = winpath::asFolder(answer.value_or(QString()).trimmed());
+        if (folder.isEmpty())
+            return Result::failure(tool.title + u" is not installed, as far as is known."_s,
+                                   ErrorKind::Declined);
+    }
+    if (const Result whole = check(context.services.files, tool, folder); !whole) {
+        context.services.prompts.ask(invalidConfiguration(tool, whole.text));
+        return Result::failure(tool.title + u" program configuration is not valid."_s + u' ' +
+                               whole.text);
+    }
+    if (asks) {
+        context.services.gate.setRoot(tool.root, folder);
+        (void)context.settings.setText(tool.setting, folder);
+    }
+    return folder;
+}
+
+QString complaint(Context& context, const QString& program, const ProcessEnd& end)
+{
+    if (end.succeeded())
+        return {};
+    if (end.how != ProcessEnd::How::Exited) {
+        if (end.how == ProcessEnd::How::Crashed)
+            context.services.prompts.ask(
+                announcement(u"Unexpected Error"_s, end.text, Icon::Critical));
+        return end.text;
+    }
+    QString text = u"'"_s + program + u"' reported the error "_s + QString::number(end.exitCode);
+    const QString words = lastWords(end.output);
+    return text + (words.isEmpty() ? u"."_s : u": "_s + words);
+}
+
+} // namespace vt::outsidetool

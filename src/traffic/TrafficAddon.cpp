@@ -1,0 +1,134 @@
+#include "traffic/TrafficAddon.h"
+
+#include "platform/AnsiCodec.h"
+#include "platform/Text.h"
+#include "platform/WinPath.h"
+#include "traffic/CAIAircraft.h"
+#include "traffic/CAIFlightPlan.h"
+#include "traffic/SourceLines.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+bool isRecord(TrafficKind kind, const QString& line)
+{
+    switch (kind) {
+    case TrafficKind::Aircraft:
+        return CAIAircraft::ofLine(line).has_value();
+    case TrafficKind::Airports: {
+        const QString first = line.section(u',', 0, 0).trimmed();
+        return AirportList::codesOf(line).value(0) == first.toUpper() ||
+               AirportList::standsForAll(line);
+    }
+    case TrafficKind::FlightPlans:
+        break;
+    }
+    return CAIFlightPlan::ofLine(line).has_value();
+}
+
+bool kindOfName(QStringView name, TrafficKind& kind)
+{
+    if (!endsWithNoCase(name, u".txt"))
+        return false;
+    for (const TrafficKind one : trafficKinds) {
+        if (startsWithNoCase(name, trafficBaseName(one))) {
+            kind = one;
+            return true;
+        }
+    }
+    return false;
+}
+
+struct NamedSet
+{
+    QString folder;
+    QString suffix; ///< "_AUR.txt"
+    TrafficSet set;
+};
+
+NamedSet& setFor(QList<NamedSet>& sets, const TrafficFile& file)
+{
+    const QString suffix = file.name.sliced(trafficBaseName(file.kind).size());
+    for (NamedSet& one : sets) {
+        if (winpath::same(one.folder, file.folder) && equalNoCase(one.suffix, suffix))
+            return one;
+    }
+    sets.append({file.folder, suffix, {}});
+    return sets.last();
+}
+
+/// The aircraft for plans that have none under their own name.
+const NamedSet* onlyAircraftIn(const QList<NamedSet>& sets, const QString& folder)
+{
+    const NamedSet* found = nullptr;
+    for (const NamedSet& one : sets) {
+        if (!winpath::same(one.folder, folder) || one.set.of(TrafficKind::Aircraft).isEmpty())
+            continue;
+        if (found)
+            return nullptr;
+        found = &one;
+    }
+    return found;
+}
+
+} // namespace
+
+QString trafficBaseName(TrafficKind kind)
+{
+    switch (kind) {
+    case TrafficKind::Aircraft:
+        return u"Aircraft"_s;
+    case TrafficKind::Airports:
+        return u"Airports"_s;
+    case TrafficKind::FlightPlans:
+        break;
+    }
+    return u"FlightPlans"_s;
+}
+
+bool mayBeTrafficFile(QStringView name)
+{
+    TrafficKind kind{};
+    return kindOfName(name, kind);
+}
+
+bool isTrafficFile(QStringView name,
+                   const QByteArray& bytes,
+                   const AnsiCodec& ansi,
+                   TrafficKind& kind)
+{
+    if (!kindOfName(name, kind) || AnsiCodec::looksLikeUtf16OrBinary(bytes))
+        return false;
+    qsizetype records = 0;
+    qsizetype others = 0;
+    const QList<QByteArray> lines = SourceLines::ofBytes(bytes).texts();
+    for (const QByteArray& line : lines) {
+        const QByteArray trimmed = line.trimmed();
+        if (trimmed.isEmpty() || trimmed.startsWith('/') || trimmed.startsWith(';'))
+            continue;
+        ++(isRecord(kind, ansi.decode(line)) ? records : others);
+    }
+    return records > others;
+}
+
+QList<TrafficSet> trafficSets(const QList<TrafficFile>& files)
+{
+    QList<NamedSet> named;
+    for (const TrafficFile& file : files)
+        setFor(named, file).set.lines[int(file.kind)] += SourceLines::ofBytes(file.bytes).texts();
+    QList<TrafficSet> sets;
+    for (const NamedSet& one : std::as_const(named)) {
+        sets.append(one.set);
+        if (one.set.of(TrafficKind::FlightPlans).isEmpty() ||
+            !one.set.of(TrafficKind::Aircraft).isEmpty())
+            continue;
+        if (const NamedSet* aircraft = onlyAircraftIn(named, one.folder))
+            sets.last().lines[int(TrafficKind::Aircraft)] = aircraft->set.of(TrafficKind::Aircraft);
+    }
+    return sets;
+}
+
+} // namespace vt

@@ -562,6 +562,23 @@ Result FileTransaction::removeOnce(const QString& path, const QString& target)
     return Result::success();
 }
 
+QString FileTransaction::stagedPath(const QString& path) const
+{
+    const auto staged = m_pending.constFind(NoCase{path});
+    if (staged == m_pending.cend() || staged->fate != Fate::Staged)
+        return {};
+    return m_gate.files().drives().toWindows(QString::fromUtf8(hostOf(path, *staged)));
+}
+
+Result FileTransaction::require(const QString& path)
+{
+    const auto staged = m_pending.constFind(NoCase{path});
+    if (staged == m_pending.cend() || staged->fate != Fate::Staged || staged->step < 0)
+        return refused(path, "written", ENOENT);
+    m_steps[staged->step].kind = StepKind::PlaceFirst;
+    return Result::success();
+}
+
 /// Takes back the folders that were staged for files that could not be written.
 void FileTransaction::dropUnusedFolders()
 {
@@ -603,6 +620,10 @@ ResultOf<QList<StepFailure>> FileTransaction::apply(const QByteArray& closing,
         dropUnusedFolders();
     QList<JournalStep> steps;
     steps.reserve(m_steps.size() + m_stagedRoots.size() + m_lastSteps.size() + m_undo.size());
+    for (const JournalStep& step : std::as_const(m_steps)) {
+        if (step.target.root != RootId::None && step.kind == StepKind::PlaceFirst)
+            steps.push_back(step);
+    }
     for (const StagedRoot& root : std::as_const(m_stagedRoots)) {
         const ResultOf<Place> target = m_gate.place(root.path);
         if (!target)
@@ -614,7 +635,7 @@ ResultOf<QList<StepFailure>> FileTransaction::apply(const QByteArray& closing,
         steps.push_back(step);
     }
     for (const JournalStep& step : std::as_const(m_steps)) {
-        if (step.target.root != RootId::None)
+        if (step.target.root != RootId::None && step.kind != StepKind::PlaceFirst)
             steps.push_back(step);
     }
     steps += m_lastSteps;

@@ -69,6 +69,13 @@ public:
     /// \a path goes once \a target, which was staged before, is in its place; else it stays.
     Result removeOnce(const QString& path, const QString& target);
 
+    /// Full path of where the new file of \a path lies until apply(), for who wants to read it by
+    /// its name; empty when none is staged.
+    [[nodiscard]] QString stagedPath(const QString& path) const;
+    /// Everything else depends on the file that was staged for \a path: apply() places it first,
+    /// and carries out nothing when it cannot.
+    Result require(const QString& path);
+
     /// Syncs, commits (\a records inside the commit), carries out, ends the journal's operation.
     /// The failures are those of single files (or of a folder with everything in it); a failed
     /// result means that nothing has changed.

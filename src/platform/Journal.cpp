@@ -155,7 +155,7 @@ bool unpackSteps(const QByteArray& bytes, QList<JournalStep>& steps)
         step.stagedName = QString::fromUtf8(staged);
         step.before = readPrint(in);
         step.after = readPrint(in);
-        if (kind < quint8(StepKind::StagingFolder) || kind > quint8(StepKind::RemoveSource))
+        if (kind < quint8(StepKind::StagingFolder) || kind > quint8(StepKind::PlaceFirst))
             return false;
         steps.push_back(step);
     }

@@ -44,6 +44,7 @@ enum class StepKind : quint8
     RemoveFile = 6,
     RemoveFolder = 7, ///< only when it is empty
     RemoveSource = 8, ///< source goes, once the target is what it became
+    PlaceFirst = 9,   ///< as PlaceFile; nothing behind it is carried out when it fails
 };
 
 /// One step. Paths are (root, relative); no host path is ever stored.

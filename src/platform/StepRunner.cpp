@@ -122,8 +122,14 @@ StepRunner::Completion StepRunner::complete(Journal& journal, const QList<Journa
     // What others made since the steps were planned is to be seen.
     m_gate.files().newOperation();
     for (const JournalStep& step : steps) {
-        if (Result done = carryOut(step); !done)
-            failed(m_gate.path(step.target), done.text);
+        const Result done = carryOut(step);
+        if (done)
+            continue;
+        failed(m_gate.path(step.target), done.text);
+        if (step.kind == StepKind::PlaceFirst) {
+            leaveOthers(steps, step);
+            break;
+        }
     }
     Completion out;
     out.failures = m_failures;
@@ -152,6 +158,20 @@ StepRunner::Completion StepRunner::complete(Journal& journal, const QList<Journa
     if (!ended)
         out.unfinished = ended.text;
     return out;
+}
+
+/// Tells every target that nothing was done for it, because the first one failed.
+void StepRunner::leaveOthers(const QList<JournalStep>& steps, const JournalStep& first)
+{
+    const QString why = u"it was left alone, because '"_s + m_gate.path(first.target) +
+                        u"' could not be written."_s;
+    for (const JournalStep& step : steps) {
+        const bool changes = step.kind != StepKind::StagingFolder &&
+                             step.kind != StepKind::KeptFolder &&
+                             step.kind != StepKind::RemoveFolder;
+        if (changes && step != first)
+            failed(m_gate.path(step.target), why);
+    }
 }
 
 QString StepRunner::obstacle(const QList<JournalStep>& steps) const
@@ -214,6 +234,7 @@ Result StepRunner::carryOut(const JournalStep& step)
         return systemFailure(error);
     switch (step.kind) {
     case StepKind::PlaceFile:
+    case StepKind::PlaceFirst:
         return placeFile(step, *target);
     case StepKind::PlaceFolder:
         return placeFolder(step, *target);

@@ -65,6 +65,7 @@ private:
 
     ResultOf<Target> locate(const Place& place);
     Result carryOut(const JournalStep& step);
+    void leaveOthers(const QList<JournalStep>& steps, const JournalStep& first);
     Result placeFile(const JournalStep& step, const Target& target);
     Result placeFolder(const JournalStep& step, const Target& target);
     void merge(const QByteArray& staged, const QString& folder);

@@ -58,9 +58,20 @@ static QDataStream& operator>>(QDataStream& in, SceneryAreaRecord& r)
            r.title >> r.parameters;
 }
 
+static QDataStream& operator<<(QDataStream& out, const FileCheck& r)
+{
+    return out << r.file << r.detailKey << r.check.size << r.check.modifiedNs << r.check.xxh3;
+}
+
+static QDataStream& operator>>(QDataStream& in, FileCheck& r)
+{
+    return in >> r.file >> r.detailKey >> r.check.size >> r.check.modifiedNs >> r.check.xxh3;
+}
+
 namespace {
 
-constexpr quint8 closingFormat = 1;
+/// 1 had none of the fields that are read last.
+constexpr quint8 closingFormat = 2;
 
 bool unpack(const QByteArray& bytes, InstallationClosing& closing)
 {
@@ -68,7 +79,9 @@ bool unpack(const QByteArray& bytes, InstallationClosing& closing)
     in.setVersion(QDataStream::Qt_6_4);
     quint8 format = 0;
     in >> format >> closing.masterKey >> closing.library;
-    return format == closingFormat && in.status() == QDataStream::Ok;
+    if (format > 1)
+        in >> closing.configBasesBefore >> closing.checksBefore;
+    return format >= 1 && format <= closingFormat && in.status() == QDataStream::Ok;
 }
 
 bool unpack(const QByteArray& bytes, RemovalClosing& closing)
@@ -80,7 +93,9 @@ bool unpack(const QByteArray& bytes, RemovalClosing& closing)
         closing.whole >> closing.detailKeys >> closing.passedOn >> closing.originalsGone >>
         closing.foldersGone >> closing.configBases >> closing.configBasesGone >> closing.failed >>
         closing.areasPassedOn >> closing.library >> closing.sceneryAreasKept;
-    return format == closingFormat && in.status() == QDataStream::Ok;
+    if (format > 1)
+        in >> closing.edited;
+    return format >= 1 && format <= closingFormat && in.status() == QDataStream::Ok;
 }
 
 /// The detail rows of an add-on whose files lie at, or below, one of the places.
@@ -106,12 +121,25 @@ Result closeInstallation(Connection& database,
     if (failed.isEmpty())
         return Result::success();
     if (closing.library.root != RootId::None && failed.contains(closing.library)) {
-        // The library is as it was: there are no areas, and what it was before is not known to us.
+        // The library is as it was: there are no areas.
         if (Result gone = modDatabase_Addon::deleteSceneryAreasOf(database, closing.masterKey);
             !gone)
             return gone;
-        if (Result gone = modDatabase_Addon::deleteConfigBase(database, closing.library); !gone)
-            return gone;
+    }
+    for (const ConfigBaseRecord& before : closing.configBasesBefore) {
+        if (!failed.contains(before.file))
+            continue;
+        Result back = before.edits > 0 ? modDatabase_Addon::setConfigBase(database, before)
+                                       : modDatabase_Addon::deleteConfigBase(database, before.file);
+        if (!back)
+            return back;
+    }
+    for (const FileCheck& before : closing.checksBefore) {
+        if (!failed.contains(before.file))
+            continue;
+        if (Result back = modDatabase_Addon::setCheck(database, before.detailKey, before.check);
+            !back)
+            return back;
     }
     const ResultOf<QList<DetailRecord>> rows = detailsAt(database, gate, closing.masterKey, failed);
     if (!rows)
@@ -221,16 +249,22 @@ Result closeRemoval(Connection& database,
             return passed;
     }
     for (const ConfigBaseRecord& base : closing.configBases) {
-        if (libraryFailed)
-            break;
+        if (failedSteps.contains(base.file))
+            continue;
         if (Result written = setConfigBase(database, base); !written)
             return written;
     }
     for (const Place& file : closing.configBasesGone) {
-        if (libraryFailed)
-            break;
+        if (failedSteps.contains(file))
+            continue;
         if (Result gone = deleteConfigBase(database, file); !gone)
             return gone;
+    }
+    for (const FileCheck& edited : closing.edited) {
+        if (failedSteps.contains(edited.file))
+            continue;
+        if (Result noted = setCheck(database, edited.detailKey, edited.check); !noted)
+            return noted;
     }
     // A folder in which something stayed is still the installation's.
     QSet<NoCase> holding;
@@ -256,7 +290,8 @@ QByteArray packClosing(const InstallationClosing& closing)
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setVersion(QDataStream::Qt_6_4);
-    out << closingFormat << closing.masterKey << closing.library;
+    out << closingFormat << closing.masterKey << closing.library << closing.configBasesBefore
+        << closing.checksBefore;
     return bytes;
 }
 
@@ -268,7 +303,7 @@ QByteArray packClosing(const RemovalClosing& closing)
     out << closingFormat << closing.masterKey << closing.dateInstalled << closing.dateUninstalled
         << closing.whole << closing.detailKeys << closing.passedOn << closing.originalsGone
         << closing.foldersGone << closing.configBases << closing.configBasesGone << closing.failed
-        << closing.areasPassedOn << closing.library << closing.sceneryAreasKept;
+        << closing.areasPassedOn << closing.library << closing.sceneryAreasKept << closing.edited;
     return bytes;
 }
 

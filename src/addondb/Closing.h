@@ -14,14 +14,26 @@
 
 namespace vt {
 
+/// A recorded file and what its record is to say of it.
+struct FileCheck
+{
+    Place file;
+    qint64 detailKey = 0;
+    Fingerprint check;
+
+    friend bool operator==(const FileCheck&, const FileCheck&) = default;
+};
+
 /// An installation's records are written before its files are renamed into place; at its end only
 /// those of files that failed go again.
 struct InstallationClosing
 {
     qint64 masterKey = 0;
-    Place library; ///< the scenery library, when areas were added to it
-
-    friend bool operator==(const InstallationClosing&, const InstallationClosing&) = default;
+    Place library = {}; ///< the scenery library, when areas were added to it
+    /// Of the files that were edited, as it was before: it comes back where an edit failed. Without
+    /// edits: there was none.
+    QList<ConfigBaseRecord> configBasesBefore = {};
+    QList<FileCheck> checksBefore = {}; ///< of other add-ons' files that were edited
 };
 
 /// A removal's records go when its files have gone.
@@ -41,6 +53,7 @@ struct RemovalClosing
     QList<SceneryAreaRecord> areasPassedOn; ///< to add-ons with scenery in the same folder
     Place library;                          ///< the scenery library, when it is changed
     QList<qint64> sceneryAreasKept;         ///< detail keys of areas whose removal failed
+    QList<FileCheck> edited;                ///< other add-ons' files that were edited
 };
 
 [[nodiscard]] QByteArray packClosing(const InstallationClosing& closing);

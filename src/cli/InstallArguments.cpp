@@ -62,6 +62,8 @@ std::vector<Option> installOptionTable()
          true},
         {"--rename", "NAME=NEWNAME", "install this file under another name; repeatable", true},
         {"--aircraft", "FOLDER", "the aircraft that repaints, panels and sounds belong to"},
+        {"--panel-from", "FOLDER", "installed panel for the add-on's aircraft that bring none"},
+        {"--sound-from", "FOLDER", "installed sound for the add-on's aircraft that bring none"},
         {"--no-scenery-library", nullptr, "leave the scenery library alone"},
         {"--scenery-title", "TEXT", "title of the areas that the scenery library gets"},
         {"--archive-source", "DIR", "move the source archive there afterwards"},
@@ -165,6 +167,8 @@ ResultOf<InstallOptions> installOptionsOf(World& world, const Arguments& argumen
     if (arguments.has(u"--aircraft"_s))
         out.aircraftFolder = arguments.value(u"--aircraft"_s);
     out.sceneryTitle = given(arguments, u"--scenery-title"_s);
+    out.panelFrom = arguments.value(u"--panel-from"_s);
+    out.soundFrom = arguments.value(u"--sound-from"_s);
     out.noSceneryLibrary = arguments.has(u"--no-scenery-library"_s);
     if (arguments.has(u"--archive-source"_s)) {
         const QString typed = arguments.value(u"--archive-source"_s);

@@ -7,6 +7,7 @@
 #include "install/AircraftEdit.h"
 #include "install/InstallOptions.h"
 #include "install/InstallationGroup.h"
+#include "install/PartAliases.h"
 #include "platform/Result.h"
 #include "shell/Context.h"
 #include "simconfig/AddonVariations.h"
@@ -81,6 +82,7 @@ struct PlanFacts
 {
     LibraryChanges library;
     QList<AircraftEdit> aircraft; ///< of every aircraft.cfg that the add-on concerns
+    QList<PartAlias> aliases;     ///< panels and sounds that are shared
     QList<PlanProblem> problems;
 
     /// The areas that are added.
@@ -289,6 +291,7 @@ private:
     [[nodiscard]] QString fileIdText() const;
     Result applyOptions();
     Result resolveOptionFolders();
+    Result resolveShared(aliastarget::Kind kind, QString& typed) const;
     [[nodiscard]] QString chosenFolder(const QString& typed) const;
     Result applySkips();
     [[nodiscard]] ResultOf<QString> aircraftFolder(const QString& typed) const;
@@ -327,6 +330,7 @@ private:
     void addLinkProblems(QList<PlanProblem>& out) const;
     [[nodiscard]] QStringList areaFolders(const InstallationGroup& group) const;
     [[nodiscard]] LibraryChanges libraryChanges() const;
+    void addSharedProblems(PlanFacts& facts) const;
     void addTextureProblems(QList<PlanProblem>& out) const;
     void addFolderProblems(QList<PlanProblem>& out) const;
     void addClashProblems(QList<PlanProblem>& out) const;

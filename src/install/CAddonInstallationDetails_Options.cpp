@@ -34,6 +34,10 @@ Result CAddonInstallationDetails::resolveOptionFolders()
             choice.folder = chosenFolder(choice.folder);
         }
     }
+    if (Result shared = resolveShared(aliastarget::Kind::Panel, m_options.panelFrom); !shared)
+        return shared;
+    if (Result shared = resolveShared(aliastarget::Kind::Sound, m_options.soundFrom); !shared)
+        return shared;
     if (m_options.aircraftFolder.isEmpty())
         return Result::success();
     const ResultOf<QString> found = aircraftFolder(m_options.aircraftFolder);
@@ -58,6 +62,26 @@ ResultOf<QString> CAddonInstallationDetails::aircraftFolder(const QString& typed
     }
     return Result::failure(u"Could not locate base aircraft. There is no aircraft.cfg in '"_s +
                            candidates.first() + u"'; name the folder of an installed aircraft."_s);
+}
+
+/// A folder as typed becomes the alias that names it.
+Result CAddonInstallationDetails::resolveShared(aliastarget::Kind kind, QString& typed) const
+{
+    if (typed.isEmpty())
+        return Result::success();
+    QStringList candidates = {chosenFolder(typed)};
+    for (const QString& folder : m_context.global.aircraftTypeFolders)
+        candidates.append(winpath::asFolder(winpath::normalised(winpath::join(folder, typed))));
+    const auto found =
+        std::find_if(candidates.cbegin(), candidates.cend(), [this](const auto& one) {
+            return m_context.services.files.isFolder(one);
+        });
+    const ResultOf<QString> alias = partAliasText(
+        kind, m_context, typed, found == candidates.cend() ? candidates.first() : *found);
+    if (!alias)
+        return alias.error();
+    typed = *alias;
+    return Result::success();
 }
 
 Result CAddonInstallationDetails::applyOptions()

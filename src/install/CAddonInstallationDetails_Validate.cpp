@@ -172,6 +172,8 @@ QList<ConfigChange> PlanFacts::configChanges() const
         if (!edit.lines.isEmpty())
             changes.append({edit.file, edit.lines});
     }
+    for (const PartAlias& alias : aliases)
+        changes.append(alias.change());
     if (!library.change.lines.isEmpty())
         changes.append(library.change);
     return changes;
@@ -194,6 +196,24 @@ Result PlanFacts::installable(const CAddon_ItemGroup& addon) const
             return Result::failure(problem.sentence(addon));
     }
     return Result::success();
+}
+
+/// A panel or sound that was to be shared but finds no aircraft to use it.
+void CAddonInstallationDetails::addSharedProblems(PlanFacts& facts) const
+{
+    for (const auto& [kind, alias, word] :
+         {std::tuple{aliastarget::Kind::Panel, m_options.panelFrom, u"panel"_s},
+          std::tuple{aliastarget::Kind::Sound, m_options.soundFrom, u"sound"_s}}) {
+        const bool used =
+            std::any_of(facts.aliases.cbegin(),
+                        facts.aliases.cend(),
+                        [&, wanted = kind](const PartAlias& one) { return one.kind == wanted; });
+        if (!alias.isEmpty() && !used)
+            facts.problems.append({0,
+                                   u"No aircraft of the add-on lacks a "_s + word +
+                                       u", so none shares '"_s + alias + u"'."_s,
+                                   false});
+    }
 }
 
 void CAddonInstallationDetails::addTextureProblems(QList<PlanProblem>& out) const
@@ -268,6 +288,9 @@ PlanFacts CAddonInstallationDetails::facts() const
     const bool cabinet = installTo() == InstallTo::Cabinet;
     if (!cabinet)
         facts.aircraft = aircraftEdits(*this, m_context, m_options.masterKey);
+    if (!cabinet)
+        facts.aliases = partAliases(*this, m_context, facts.aircraft);
+    addSharedProblems(facts);
     for (const AircraftEdit& edit : std::as_const(facts.aircraft)) {
         if (!edit.problem.isEmpty())
             out.append({edit.item, edit.problem, false});

@@ -78,6 +78,7 @@ bool CAddonInstaller::Install_Begin()
     }
     if (m_failure) {
         // A failure of these is told in the results; the files are installed all the same.
+        (void)step(u"Private Sub PartAliases_Create"_s, &I::PartAliases_Create);
         (void)step(u"Private Sub AircraftVariants_Create"_s, &I::AircraftVariants_Create);
         (void)step(u"Private Sub AddonMasterTable_UpdateRecord"_s,
                    &I::AddonMasterTable_UpdateRecord);

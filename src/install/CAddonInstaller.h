@@ -4,6 +4,7 @@
 #pragma once
 
 #include "addondb/AddonRecords.h"
+#include "addondb/Closing.h"
 #include "addondb/Connection.h"
 #include "install/AircraftEdit.h"
 #include "install/CAddonInstallationDetails.h"
@@ -102,6 +103,13 @@ private:
         QString cause;        ///< why it failed
     };
 
+    /// A panel or sound that is to refer to an installed one.
+    struct StagedAlias
+    {
+        PartAlias alias;
+        Fingerprint check;
+    };
+
     /// An area that was staged in the scenery library.
     struct AddedArea
     {
@@ -116,6 +124,7 @@ private:
     Result AddonMasterTable_OpenTable();
     Result AddonMasterTable_CreateAddonRecord();
     Result InstallFiles();
+    Result PartAliases_Create();
     Result AircraftVariants_Create();
     Result AddonMasterTable_UpdateRecord();
     Result SceneryLibrary_Update();
@@ -145,6 +154,8 @@ private:
 
     // Parts of AircraftVariants_Create.
     [[nodiscard]] const AircraftEdit* editOf(const CAddon_Item& item) const;
+    Result createAlias(StagedAlias& staged);
+    void tellAliases();
     Result writeAircraftEdit(const AircraftEdit& edit);
     Result noteOwner(const QString& file);
     Result writeVariantData();
@@ -161,6 +172,7 @@ private:
     void applyFailures(const QList<StepFailure>& failures);
     [[nodiscard]] Result nothingInstalled() const;
     void dropNeedlessOriginals();
+    void dropNeedlessBases(const QList<StepFailure>& failures);
     void tellFiles();
 
     void status(const QString& text);
@@ -186,7 +198,9 @@ private:
     QList<SceneryAreaToAdd> m_wantedAreas;
     QList<AddedArea> m_areas;
     QList<ConfigBaseRecord> m_configBases;
+    InstallationClosing m_closing;
     QList<AircraftEdit> m_aircraftEdits;
+    QList<StagedAlias> m_aliases;
     QList<std::pair<qint64, Fingerprint>> m_newChecks; ///< detail keys of files that we edited
     std::optional<Fingerprint> m_variantData;          ///< the data file, when it was written
     QString m_movieToPlay;

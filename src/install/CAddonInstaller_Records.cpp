@@ -123,6 +123,7 @@ Result CAddonInstaller::updateLibrary()
         return base.error();
     if (Result saved = library.SceneryCfg_Save(); !saved)
         return saved;
+    m_closing.configBasesBefore.push_back(*base);
     if (Result noted = configbases::afterEdit(*m_actions, file, *base); !noted)
         return noted;
     m_configBases.push_back(*base);
@@ -171,18 +172,21 @@ Result CAddonInstaller::Changes_Apply()
         tellFiles();
         return nothingInstalled();
     }
-    InstallationClosing closing{m_record.key, {}};
+    m_closing.masterKey = m_record.key;
     if (const auto library = m_context.services.gate.place(m_context.global.sceneryCfgFile);
         library && !m_areas.isEmpty())
-        closing.library = *library;
+        m_closing.library = *library;
     const ResultOf<QList<StepFailure>> applied =
-        m_actions->apply(packClosing(closing), [this] { return recordAddon(); });
+        m_actions->apply(packClosing(m_closing), [this] { return recordAddon(); });
     if (!applied)
         return applied.error();
     applyFailures(*applied);
-    if (m_actions->closingFailure().isEmpty())
+    if (m_actions->closingFailure().isEmpty()) {
         dropNeedlessOriginals();
+        dropNeedlessBases(*applied);
+    }
     tellFiles();
+    tellAliases();
     tellVariants();
     m_results.append(std::move(m_libraryResults));
     if (!m_actions->closingFailure().isEmpty())
@@ -219,6 +223,15 @@ Result CAddonInstaller::recordFiles()
         row.preferredName = file.item->sName_PreferredInstallation;
         details.push_back(row);
         checks.push_back(file.after);
+    }
+    for (const StagedAlias& staged : std::as_const(m_aliases)) {
+        if (!staged.alias.problem.isEmpty())
+            continue;
+        DetailRecord row;
+        row.filename = row.name = row.preferredName = winpath::name(staged.alias.file);
+        row.location = row.preferredLocation = winpath::parent(staged.alias.file);
+        details.push_back(row);
+        checks.push_back(staged.check);
     }
     if (m_variantData) {
         DetailRecord row;
@@ -295,6 +308,10 @@ void CAddonInstaller::applyFailures(const QList<StepFailure>& failures)
         if (const QString* why = failed.find(edit.file))
             edit.problem = *why;
     }
+    for (StagedAlias& staged : m_aliases) {
+        if (const QString* why = failed.find(staged.alias.file))
+            staged.alias.problem = *why;
+    }
     for (File& file : m_files) {
         if (file.code != InstallCode::Installed)
             continue;
@@ -313,6 +330,26 @@ void CAddonInstaller::dropNeedlessOriginals()
             continue;
         const QString kept = m_context.global.originalsFolder + original.keptFile;
         if (Result gone = m_context.services.actions.remove(kept); !gone)
+            m_results.add(resultgroup::failedSpecialActions, gone.text);
+    }
+}
+
+/// What was kept of configuration files that were not edited after all.
+void CAddonInstaller::dropNeedlessBases(const QList<StepFailure>& failures)
+{
+    FileActions& actions = m_context.services.actions;
+    for (const ConfigBaseRecord& before : std::as_const(m_closing.configBasesBefore)) {
+        const QString file = m_context.services.gate.path(before.file);
+        const bool failed = std::any_of(failures.cbegin(), failures.cend(), [&](const auto& one) {
+            return winpath::same(one.path, file);
+        });
+        if (!failed || before.edits > 0 || before.keptFile.isEmpty())
+            continue;
+        const QString kept = m_context.global.originalsFolder + before.keptFile;
+        Result gone = actions.remove(kept);
+        if (gone)
+            gone = actions.removeEmptyFolder(winpath::parent(kept));
+        if (!gone)
             m_results.add(resultgroup::failedSpecialActions, gone.text);
     }
 }

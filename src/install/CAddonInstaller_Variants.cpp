@@ -97,6 +97,7 @@ Result CAddonInstaller::writeAircraftEdit(const AircraftEdit& edit)
         m_log.line(QString(u"   "_s + moved.text));
     if (Result noted = noteOwner(edit.file); !noted)
         return noted;
+    m_closing.configBasesBefore.push_back(*base);
     if (Result noted = configbases::afterEdit(*m_actions, edit.file, *base); !noted)
         return noted;
     m_configBases.push_back(*base);
@@ -123,6 +124,8 @@ Result CAddonInstaller::noteOwner(const QString& file)
     if (!print)
         return print.error();
     m_newChecks.append({top, *print});
+    if (const ResultOf<Place> place = m_context.services.gate.place(file))
+        m_closing.checksBefore.append({*place, top, *check});
     return Result::success();
 }
 

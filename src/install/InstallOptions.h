@@ -63,6 +63,10 @@ struct InstallOptions
     QList<TargetChoice> targets;
     QList<Renaming> renamings;
     QString aircraftFolder; ///< for textures, panels and sounds without an aircraft; or empty
+    /// What the panels and sounds that the add-on's aircraft name but do not bring are to refer to:
+    /// a folder as typed, then the alias; empty: nothing is made for them.
+    QString panelFrom;
+    QString soundFrom;
     bool noSceneryLibrary = false;
     std::optional<QString> sceneryTitle; ///< of every area that the add-on adds
     /// The question whether a read-only Scenery.cfg may be updated will be answered with Yes; only

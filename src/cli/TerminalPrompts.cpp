@@ -92,12 +92,12 @@ void TerminalPrompts::show(const QString& caption, const QString& text)
 Button TerminalPrompts::ask(const Prompt& prompt)
 {
     if (prompt.buttons.size() == 1) {
-        show(prompt.caption, prompt.text);
+        show(prompt.caption, wholeText(prompt));
         return prompt.buttons.first();
     }
     if (!m_interactive)
         return answerFor(prompt, m_answer);
-    show(prompt.caption, prompt.text);
+    show(prompt.caption, wholeText(prompt));
     for (;;) {
         console::error(choicesLine(prompt));
         const std::optional<QString> line = readLine();
@@ -105,6 +105,34 @@ Button TerminalPrompts::ask(const Prompt& prompt)
             return prompt.defaultButton;
         if (const std::optional<Button> button = typedButton(prompt, line->trimmed()))
             return *button;
+    }
+}
+
+CheckedAnswer TerminalPrompts::askChecked(const Prompt& prompt)
+{
+    CheckedAnswer answer{ask(prompt), false};
+    if (!m_interactive || answer.button == Button::No || answer.button == Button::Cancel)
+        return answer;
+    answer.checked = ask(yesNo({}, prompt.checkBox + u'?', Button::No)) == Button::Yes;
+    return answer;
+}
+
+std::optional<qsizetype> TerminalPrompts::choose(const ChoicePrompt& prompt)
+{
+    if (!m_interactive)
+        return std::nullopt;
+    QStringList lines;
+    for (qsizetype i = 0; i < prompt.choices.size(); ++i)
+        lines.append(QString::number(i + 1) + u": "_s + prompt.choices[i]);
+    show(prompt.caption, lines.join(u'\n'));
+    for (;;) {
+        console::error(u"number (nothing ends): "_s);
+        const std::optional<QString> line = readLine();
+        if (!line || line->trimmed().isEmpty())
+            return std::nullopt;
+        const qsizetype number = line->trimmed().toInt();
+        if (number >= 1 && number <= prompt.choices.size())
+            return number - 1;
     }
 }
 

@@ -20,6 +20,9 @@ public:
     TerminalPrompts(bool terminal, QString answer, std::function<void()> beforeOutput);
 
     Button ask(const Prompt& prompt) override;
+    /// The box stays unticked with nobody to ask.
+    CheckedAnswer askChecked(const Prompt& prompt) override;
+    std::optional<qsizetype> choose(const ChoicePrompt& prompt) override;
     std::optional<QString> askText(const TextPrompt& prompt) override;
 
 private:

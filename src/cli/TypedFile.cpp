@@ -2,6 +2,7 @@
 
 #include "cli/World.h"
 #include "platform/WinPath.h"
+#include "simconfig/AliasConfig.h"
 
 namespace vt::cli {
 
@@ -16,6 +17,19 @@ QString typedConfiguration(World& world, const QString& typed, const QString& na
             path = inside;
     }
     return files.isFolder(path) ? winpath::join(path, name) : winpath::withoutTrailing(path);
+}
+
+QString
+typedAlias(World& world, const AliasConfig& part, aliastarget::Kind kind, const QString& typed)
+{
+    const Files& files = world.services().files;
+    const QString path = world.userPath(typed);
+    if (files.isFile(path))
+        return part.Alias_TextFor(path);
+    if (files.isFolder(path))
+        return part.Alias_TextFor(
+            winpath::join(path, aliastarget::configFileName(kind, winpath::withoutTrailing(path))));
+    return QString(typed).replace(u'/', u'\\');
 }
 
 } // namespace vt::cli

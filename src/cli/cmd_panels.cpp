@@ -1,5 +1,6 @@
 // panel set, sound set: let an aircraft use the panel or the sound of another one.
 #include "cli/Command.h"
+#include "cli/TypedFile.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "simconfig/CAircraft.h"
@@ -12,20 +13,6 @@ using namespace Qt::StringLiterals;
 namespace vt::cli {
 
 namespace {
-
-/// What is typed as target as it is to stand in the file: a folder or configuration file that is
-/// there is named as aliases are; anything else is an alias already.
-QString aliasOf(World& world, const AliasConfig& part, aliastarget::Kind kind, const QString& typed)
-{
-    const Files& files = world.services().files;
-    const QString path = world.userPath(typed);
-    if (files.isFile(path))
-        return part.Alias_TextFor(path);
-    if (files.isFolder(path))
-        return part.Alias_TextFor(
-            winpath::join(path, aliastarget::configFileName(kind, winpath::withoutTrailing(path))));
-    return QString(typed).replace(u'/', u'\\');
-}
 
 /// Other variations of the same aircraft that use the same file.
 qsizetype sharers(World& world,
@@ -63,7 +50,7 @@ int setPart(World& world,
     if (!world.services().gate.place(file))
         (void)world.userRoot(winpath::parent(file));
     part.Load(world.services().files.spelled(aircraft.*configuration));
-    const QString alias = aliasOf(world, part, kind, arguments.one(u"TARGET"_s));
+    const QString alias = typedAlias(world, part, kind, arguments.one(u"TARGET"_s));
     if (const Result set = part.Alias_Set(alias); !set)
         return world.fail(set, refused);
     QString text =

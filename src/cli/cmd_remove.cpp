@@ -2,7 +2,10 @@
 #include "addondb/AddonDatabase.h"
 #include "cli/AddonKey.h"
 #include "cli/Command.h"
+#include "cli/TypedFile.h"
 #include "remove/CAddonRemover.h"
+#include "simconfig/CPanel.h"
+#include "simconfig/CSound.h"
 
 #include <algorithm>
 
@@ -21,8 +24,51 @@ Result notWhole(const CAddonRemover& remover)
     return Result::failure(u"'"_s + remover.record().name + u"' was not removed whole. "_s + cause);
 }
 
+/// Of an option that names a sound or panel; empty when it is not given.
+ResultOf<QString> insteadOf(World& world,
+                            const Arguments& arguments,
+                            const QString& option,
+                            const AliasConfig& part,
+                            aliastarget::Kind kind)
+{
+    if (!arguments.has(option))
+        return QString();
+    const QString typed = arguments.value(option);
+    const QString alias = typedAlias(world, part, kind, typed);
+    if (alias.trimmed().isEmpty())
+        return Result::failure(u"'"_s + typed + u"' of "_s + option +
+                                   u" does not lie in the simulator's folder."_s,
+                               ErrorKind::Usage);
+    return alias;
+}
+
+ResultOf<RemovalOptions> optionsOf(World& world, const Arguments& arguments)
+{
+    RemovalOptions options;
+    const ConfigAccess access(world.services());
+    const Files& files = world.services().files;
+    const GlobalRecord& global = world.context().global;
+    const ResultOf<QString> sound = insteadOf(world,
+                                              arguments,
+                                              u"--sound-instead"_s,
+                                              CSound(access, files, global),
+                                              aliastarget::Kind::Sound);
+    const ResultOf<QString> panel = insteadOf(world,
+                                              arguments,
+                                              u"--panel-instead"_s,
+                                              CPanel(access, files, global),
+                                              aliastarget::Kind::Panel);
+    if (!sound)
+        return sound.error();
+    if (!panel)
+        return panel.error();
+    options.soundInstead = *sound;
+    options.panelInstead = *panel;
+    return options;
+}
+
 /// One element of the document; the exit status that belongs to it.
-int removeOne(World& world, const ResultOf<qint64>& key)
+int removeOne(World& world, const ResultOf<qint64>& key, const RemovalOptions& options)
 {
     JsonStream& out = world.out();
     out.beginObject();
@@ -34,7 +80,7 @@ int removeOne(World& world, const ResultOf<qint64>& key)
             failure = unknownAddon(QString::number(*key));
     }
     if (failure) {
-        CAddonRemover remover(world.context(), *world.database(), *key, RemovalMethod::Delete);
+        CAddonRemover remover(world.context(), *world.database(), *key, options);
         if (!remover.Remove_Begin())
             failure = remover.failure();
         else if (remover.anyFailed())
@@ -69,10 +115,13 @@ int runRemove(World& world, const Arguments& arguments)
         return world.fail(ready);
     if (Result ready = world.needWriting(); !ready)
         return world.fail(ready);
+    const ResultOf<RemovalOptions> options = optionsOf(world, arguments);
+    if (!options)
+        return world.fail(options.error());
     int status = Done;
     world.out().beginArray();
     for (const ResultOf<qint64>& key : std::as_const(keys))
-        status = std::max(status, removeOne(world, key));
+        status = std::max(status, removeOne(world, key, *options));
     world.out().endArray();
     return status;
 }
@@ -84,7 +133,9 @@ std::vector<Command> removeCommands()
     return {{"remove",
              "remove add-ons, putting back what they had replaced",
              {{"KEY", "key of an add-on, as 'list' shows it", true, true}},
-             {{"--method", "METHOD", "what happens to the files", false, {"delete"}}},
+             {{"--method", "METHOD", "what happens to the files", false, {"delete"}},
+              {"--sound-instead", "PATH", "sound for aircraft that use one of the add-on's"},
+              {"--panel-instead", "PATH", "panel for aircraft that use one of the add-on's"}},
              runRemove}};
 }
 

@@ -37,8 +37,28 @@ struct Prompt
     QList<Button> buttons = {Button::Ok};
     Button defaultButton = Button::Ok;
     QStringList buttonTexts; ///< empty, or one sentence for each button, in the order of buttons
+    QString heading = {};    ///< a line above the text; may be empty
+    QStringList list = {};   ///< names below the text
+    QString advice = {};     ///< below the list
+    QString checkBox = {};   ///< a second answer, unticked at first; empty: there is none
 
     friend bool operator==(const Prompt&, const Prompt&) = default;
+};
+
+/// The answer to a question with a check box.
+struct CheckedAnswer
+{
+    Button button = Button::Ok;
+    bool checked = false;
+};
+
+/// A list out of which one is to be chosen.
+struct ChoicePrompt
+{
+    QString caption;
+    QStringList choices;
+
+    friend bool operator==(const ChoicePrompt&, const ChoicePrompt&) = default;
 };
 
 /// A request for one line of text.
@@ -58,9 +78,24 @@ public:
     virtual ~Prompts() = default;
     /// One of \a prompt's buttons.
     virtual Button ask(const Prompt& prompt) = 0;
+    /// As ask(), for a prompt with a check box.
+    virtual CheckedAnswer askChecked(const Prompt& prompt) = 0;
+    /// An index into the choices; nothing when the user chose none.
+    virtual std::optional<qsizetype> choose(const ChoicePrompt& prompt) = 0;
     /// The text entered; empty optional or empty text when the user gave none.
     virtual std::optional<QString> askText(const TextPrompt& prompt) = 0;
 };
+
+/// Everything that a prompt says, below its caption.
+[[nodiscard]] inline QString wholeText(const Prompt& prompt)
+{
+    QStringList paragraphs = {prompt.heading, prompt.text};
+    if (!prompt.list.isEmpty())
+        paragraphs.append(QStringLiteral("    ") + prompt.list.join(QStringLiteral("\n    ")));
+    paragraphs.append(prompt.advice);
+    paragraphs.removeAll(QString());
+    return paragraphs.join(prompt.list.isEmpty() ? QStringLiteral("\n") : QStringLiteral("\n\n"));
+}
 
 /// An announcement with an Ok button.
 [[nodiscard]] inline Prompt announcement(QString caption, QString text, Icon icon)

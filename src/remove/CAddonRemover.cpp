@@ -46,8 +46,8 @@ Prompt confirmRemovalOfOriginal(const AddonRecord& addon, const QString& simulat
 CAddonRemover::CAddonRemover(Context& context,
                              Connection& database,
                              qint64 masterKey,
-                             RemovalMethod method)
-    : m_context(context), m_database(database), m_masterKey(masterKey), m_method(method),
+                             const RemovalOptions& options)
+    : m_context(context), m_database(database), m_masterKey(masterKey), m_options(options),
       m_results(Results::forRemoval())
 {}
 
@@ -88,6 +88,7 @@ bool CAddonRemover::Remove_Begin()
             m_failure = files;
     }
     if (m_failure) {
+        (void)step(u"Private Sub References_Update"_s, &R::References_Update);
         (void)step(u"Private Sub SceneryLibrary_Update"_s, &R::SceneryLibrary_Update);
         (void)step(u"Private Sub AddonMasterTable_Update"_s, &R::AddonMasterTable_Update);
         (void)step(u"Private Sub CustomFolders_Delete"_s, &R::CustomFolders_Delete);
@@ -105,7 +106,7 @@ bool CAddonRemover::Remove_Begin()
 Result CAddonRemover::Preliminaries()
 {
     status(u"Preparing to remove..."_s);
-    if (m_method != RemovalMethod::Delete)
+    if (m_options.method != RemovalMethod::Delete)
         return Result::failure(
             u"This removal method is not available yet; delete the add-on's files instead."_s);
     const ResultOf<AddonRecord> record = modDatabase_Addon::addon(m_database, m_masterKey);
@@ -116,6 +117,34 @@ Result CAddonRemover::Preliminaries()
     m_context.services.files.newOperation();
     (void)m_log.open(m_context.services.gate, m_context.global.programFolder + u"REMOVE.LOG"_s);
     m_log.line(QString(u"Removing addon '"_s + m_record.name + u"' begin."_s));
+    if (Result loaded = loadRecords(); !loaded)
+        return loaded;
+    findUsers();
+    if (Result checked = Remove_Sound_CheckSoundDependencies(); !checked)
+        return checked;
+    return Remove_Panel_CheckPanelDependencies();
+}
+
+Result CAddonRemover::loadRecords()
+{
+    const ResultOf<QList<DetailRecord>> details =
+        modDatabase_Addon::detailsOf(m_database, m_masterKey);
+    const ResultOf<QHash<qint64, Fingerprint>> checks =
+        modDatabase_Addon::checksOf(m_database, m_masterKey);
+    const ResultOf<QList<OriginalRecord>> kept =
+        modDatabase_Addon::originalsOf(m_database, m_masterKey);
+    if (!details || !checks || !kept)
+        return Result::failure(u"Could not open the addon details table."_s);
+    const ResultOf<originals::Sharers> sharers = originals::Sharers::load(m_database, m_masterKey);
+    if (!sharers)
+        return sharers.error();
+    m_sharers = *sharers;
+    m_checks = *checks;
+    for (const OriginalRecord& original : *kept)
+        m_originals.insert(original.detailKey, original);
+    m_files.reserve(size_t(details->size()));
+    for (const DetailRecord& detail : *details)
+        m_files.push_back({detail, RemovalOutcome::Removed});
     return Result::success();
 }
 
@@ -143,27 +172,7 @@ Result CAddonRemover::OriginalAddonWarning()
 
 Result CAddonRemover::AddonDetails_Open()
 {
-    const ResultOf<QList<DetailRecord>> details =
-        modDatabase_Addon::detailsOf(m_database, m_masterKey);
-    const ResultOf<QHash<qint64, Fingerprint>> checks =
-        modDatabase_Addon::checksOf(m_database, m_masterKey);
-    const ResultOf<QList<OriginalRecord>> kept =
-        modDatabase_Addon::originalsOf(m_database, m_masterKey);
-    if (!details || !checks || !kept)
-        return Result::failure(u"Could not open the addon details table."_s);
-    const ResultOf<originals::Sharers> sharers = originals::Sharers::load(m_database, m_masterKey);
-    if (!sharers)
-        return sharers.error();
-    m_sharers = *sharers;
-    m_checks = *checks;
-    for (const OriginalRecord& original : *kept)
-        m_originals.insert(original.detailKey, original);
-    m_files.reserve(size_t(details->size()));
-    for (const DetailRecord& detail : *details)
-        m_files.push_back({detail, RemovalOutcome::Removed});
-
     m_closing.masterKey = m_masterKey;
-    findUsers();
     return m_actions->begin(OperationKind::Removal, m_record.name);
 }
 
@@ -315,6 +324,7 @@ Result CAddonRemover::Changes_Apply()
     if (!applied)
         return applied.error();
     tellVariants(*applied);
+    tellReferences(*applied);
     tellFiles(*applied);
     if (!m_actions->closingFailure().isEmpty()) {
         m_anyFailed = true;

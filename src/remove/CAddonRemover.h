@@ -8,8 +8,11 @@
 #include "addondb/Closing.h"
 #include "addondb/Connection.h"
 #include "addondb/Originals.h"
+#include "catalogue/Catalogue.h"
 #include "platform/AppendFile.h"
 #include "platform/FileTransaction.h"
+#include "remove/PartReferences.h"
+#include "remove/RemovalOptions.h"
 #include "shell/Context.h"
 #include "shell/Results.h"
 #include "simconfig/CAircraft.h"
@@ -24,18 +27,7 @@
 
 namespace vt {
 
-class Catalogue;
 class UsedFiles;
-
-/// Stored nowhere; the numbers are shown in logs.
-enum class RemovalMethod : int
-{
-    Delete = 1,
-    FileCabinet = 2,
-    Recreate = 3,
-    RemoveRecords = 4,
-    Copy = 5,
-};
 
 /// What became of one file.
 enum class RemovalOutcome : quint8
@@ -59,7 +51,10 @@ class CAddonRemover
 {
 public:
     /// All must outlive this; \a database is open for writing.
-    CAddonRemover(Context& context, Connection& database, qint64 masterKey, RemovalMethod method);
+    CAddonRemover(Context& context,
+                  Connection& database,
+                  qint64 masterKey,
+                  const RemovalOptions& options = {});
     ~CAddonRemover();
     CAddonRemover(const CAddonRemover&) = delete;
     CAddonRemover& operator=(const CAddonRemover&) = delete;
@@ -92,6 +87,14 @@ private:
         bool removed = false;
     };
 
+    /// A panel.cfg or sound.cfg that got another alias.
+    struct RepointedFile
+    {
+        Catalogue::Kind kind;
+        QString file;
+        QString problem; ///< why it did not; empty when it did
+    };
+
     // Remove_Begin's steps, in order.
     Result Preliminaries();
     Result AddonDatabase_Open();
@@ -99,6 +102,7 @@ private:
     Result AddonDetails_Open();
     Result AircraftVariants_Remove();
     Result RemoveFiles();
+    Result References_Update();
     Result SceneryLibrary_Update();
     Result AddonMasterTable_Update();
     Result CustomFolders_Delete();
@@ -108,6 +112,21 @@ private:
     Result Changes_Apply();
     void Remove_End();
 
+    Result Remove_Sound_CheckSoundDependencies();
+    Result Remove_Panel_CheckPanelDependencies();
+    [[nodiscard]] QList<PartReference> Remove_Sound_GetSoundReferences() const;
+    [[nodiscard]] QList<PartReference> Remove_Panel_GetPanelReferences() const;
+    Result checkReferences(Catalogue::Kind kind, const QString& instead);
+    Result askReferences(Catalogue::Kind kind, QList<PartReference>& references);
+    Result assignReferences(Catalogue::Kind kind,
+                            QList<PartReference>& references,
+                            const QString& instead);
+    static Catalogue::Kind kindOf(const PartReference& reference);
+    Result repoint(Catalogue::Kind kind, const QString& file, const QString& alias);
+    void tellReferences(const QList<StepFailure>& failures);
+
+    Result loadRecords();
+    Result noteEdited(const DetailRecord& owner, const FileInfo& before);
     void confirmLinks();
     Result removeVariantsFrom(const QString& file);
     Result takeOut(const QString& file, const QStringList& sections);
@@ -133,7 +152,7 @@ private:
     Context& m_context;
     Connection& m_database;
     qint64 m_masterKey;
-    RemovalMethod m_method;
+    RemovalOptions m_options;
     std::unique_ptr<Journal> m_journal;
     std::unique_ptr<FileTransaction> m_actions;
     std::unique_ptr<originals::ReleaseContext> m_release;
@@ -150,8 +169,10 @@ private:
     QHash<qint64, OriginalRecord> m_originals;
     QList<VariantTold> m_variantResults; ///< told once everything is in its place
     std::vector<std::pair<std::unique_ptr<CAircraft>, CAircraft::VariantsChanged>> m_variantsGone;
-    QList<std::pair<qint64, Fingerprint>> m_newChecks; ///< of other add-ons' rows
-    QList<OriginalRecord> m_newOriginals;              ///< of other add-ons' rows
+    QList<OriginalRecord> m_newOriginals; ///< of other add-ons' rows
+    partreferences::Going m_going;
+    QList<PartReference> m_references;
+    QList<RepointedFile> m_repointed;
     std::unique_ptr<Catalogue> m_catalogue;
     std::unique_ptr<UsedFiles> m_used; ///< null where no file's use matters
     QSet<NoCase> m_keptFolders;        ///< folders below Originals from which a kept file goes

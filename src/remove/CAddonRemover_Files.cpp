@@ -107,20 +107,28 @@ void CAddonRemover::confirmLinks()
 /// may use. What the add-on brought itself does not count.
 void CAddonRemover::findUsers()
 {
-    const bool matters = std::any_of(m_files.cbegin(), m_files.cend(), [this](const File& file) {
-        return mayBeUsed(file.detail.location + file.detail.name);
-    });
-    if (!matters)
+    bool matters = false;
+    m_going.masterKey = m_masterKey;
+    for (const File& file : m_files) {
+        const QString path = file.detail.location + file.detail.name;
+        m_going.files.insert(NoCase{path});
+        matters = matters || mayBeUsed(path);
+        const TypeGroup type = typeGroupOf(classify(file.detail.name, m_context.global.generation));
+        const bool part =
+            type == TypeGroup::PanelConfiguration || type == TypeGroup::SoundConfiguration;
+        // What another add-on has there, or had, stays or comes back.
+        if (part && winpath::isBelow(path, m_context.global.simulatorFolder) &&
+            !m_originals.contains(file.detail.key) && m_sharers.at(path).isEmpty())
+            m_going.parts.insert(NoCase{path});
+    }
+    if (!matters && m_going.parts.isEmpty())
         return;
     m_catalogue = std::make_unique<Catalogue>(m_context.global);
     status(u"Determining effects dependencies..."_s);
     m_catalogue->open(m_context.services);
-    QSet<NoCase> leaveOut;
-    for (const File& file : m_files)
-        leaveOut.insert(NoCase{file.detail.location + file.detail.name});
     status(u"Determining gauge dependencies..."_s);
     status(u"Determining sound dependencies..."_s);
-    m_used = std::make_unique<UsedFiles>(*m_catalogue, leaveOut);
+    m_used = std::make_unique<UsedFiles>(*m_catalogue, m_going.files);
 }
 
 /// Files below the simulator of the types that configuration files name.
@@ -151,8 +159,8 @@ Result CAddonRemover::RemoveFile(File& file)
     const DetailRecord& detail = file.detail;
     const QString path = detail.location + detail.name;
     status(u"Processing '"_s + detail.name + u"'..."_s);
-    m_log.line(
-        QString(u"Removing file "_s + path + u" using method "_s + QString::number(int(m_method))));
+    m_log.line(QString(u"Removing file "_s + path + u" using method "_s +
+                       QString::number(int(m_options.method))));
     if (!m_closedLinks.isEmpty()) {
         const auto closed = m_context.services.gate.outerLink(detail.location);
         if (closed)

@@ -172,18 +172,32 @@ Result CAddonRemover::takeOut(const QString& file, const QStringList& sections)
             continue;
         if (Result followed = editKept(owner, sections); !followed)
             return followed;
-        const auto check = modDatabase_Addon::checkOf(m_database, owner.key);
-        if (owner.key != owners->constLast().key || !check || !standing ||
-            !originals::isRecorded(services.files, file, *standing, *check))
-            continue;
-        const ResultOf<QByteArray> bytes = m_actions->read(file, configFileLimit);
-        if (!bytes)
-            return bytes.error();
-        const auto info = m_actions->info(file);
-        m_newChecks.append(
-            {owner.key, Fingerprint{bytes->size(), info ? info->modifiedNs : -1, xxh3(*bytes)}});
+        if (owner.key == owners->constLast().key && standing) {
+            if (Result noted = noteEdited(owner, *standing); !noted)
+                return noted;
+        }
     }
     m_variantsGone.push_back({std::move(aircraft), *changed});
+    return Result::success();
+}
+
+/// A file that another add-on recorded is still that add-on's after our edit, unless the user had
+/// changed it before.
+Result CAddonRemover::noteEdited(const DetailRecord& owner, const FileInfo& before)
+{
+    const QString file = owner.location + owner.name;
+    const auto check = modDatabase_Addon::checkOf(m_database, owner.key);
+    if (!check || !originals::isRecorded(m_context.services.files, file, before, *check))
+        return Result::success();
+    const ResultOf<QByteArray> bytes = m_actions->read(file, configFileLimit);
+    const ResultOf<Place> place = m_context.services.gate.place(file);
+    if (!bytes)
+        return bytes.error();
+    if (!place)
+        return place.error();
+    const auto info = m_actions->info(file);
+    m_closing.edited.append(
+        {*place, owner.key, {bytes->size(), info ? info->modifiedNs : -1, xxh3(*bytes)}});
     return Result::success();
 }
 
@@ -236,10 +250,6 @@ Result CAddonRemover::recordVariants()
     for (const auto& [aircraft, changed] : m_variantsGone) {
         if (Result gone = aircraft->Variant_Remove_UpdateDatabase(m_database, changed); !gone)
             return gone;
-    }
-    for (const auto& [detail, print] : std::as_const(m_newChecks)) {
-        if (Result written = modDatabase_Addon::setCheck(m_database, detail, print); !written)
-            return written;
     }
     for (const OriginalRecord& original : std::as_const(m_newOriginals)) {
         if (Result written = modDatabase_Addon::setOriginal(m_database, original); !written)

@@ -320,6 +320,15 @@ Result AliasConfig::writeAlias(const QString& alias)
     return written ? written : failed(NotUpdated, written);
 }
 
+Result AliasConfig::Alias_Check(const QString& alias)
+{
+    QString written;
+    Result checked = checkAlias(alias, written);
+    if (checked)
+        sTargetFile = follow(written).original;
+    return checked;
+}
+
 Result AliasConfig::Alias_Set(const QString& alias)
 {
     m_error.clear();

@@ -78,6 +78,9 @@ public:
     /// configuration file that does not exist is made. The state tells what stood in the way; the
     /// file then stands as it was, and a definition that was replaced is kept beside it.
     [[nodiscard]] Result Alias_Set(const QString& alias);
+    /// Whether Alias_Set() would take \a alias for a file that holds no definition; sTargetFile is
+    /// then what it leads to.
+    [[nodiscard]] Result Alias_Check(const QString& alias);
     /// How the file is named in an alias; empty for one outside the simulator.
     [[nodiscard]] QString Alias_TextFor(const QString& configurationFile) const;
 

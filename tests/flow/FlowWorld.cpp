@@ -105,9 +105,9 @@ ResultOf<qint64> FlowWorld::install(const QString& hostSource, const InstallOpti
     return installer.masterKey();
 }
 
-Result FlowWorld::remove(qint64 key)
+Result FlowWorld::remove(qint64 key, const RemovalOptions& options)
 {
-    CAddonRemover remover(context, *database, key, RemovalMethod::Delete);
+    CAddonRemover remover(context, *database, key, options);
     const bool reached = remover.Remove_Begin();
     results = remover.results();
     anyFailed = remover.anyFailed();

@@ -52,7 +52,7 @@ public:
 
     /// The key of the new add-on, or why there is none. installed and failure are set as well.
     ResultOf<qint64> install(const QString& hostSource, const InstallOptions& options = {});
-    Result remove(qint64 key);
+    Result remove(qint64 key, const RemovalOptions& options = {});
 
     /// The simulator's folders as they are now, without the program folder.
     [[nodiscard]] TreeSnapshot tree() const;

@@ -20,6 +20,7 @@ private:
     QTemporaryDir m_dir{temporaryTemplate()};
     QString m_lower; ///< pack installed before, over which the other one goes
     QString m_upper;
+    TreeSnapshot m_empty; ///< before anything was installed
 
     [[nodiscard]] QString base() const { return m_dir.filePath(u"base"_s); }
 
@@ -32,39 +33,32 @@ private:
         return folder;
     }
 
-private Q_SLOTS:
-
-    void initTestCase()
+    /// Ends \a work at each of its points, on copies of \a from: the next start finds the tree as
+    /// before, or, with \a addonsAfter add-ons recorded, as after. With all add-ons but the first
+    /// \a staying ones taken out it is \a bottom.
+    void endAnywhere(const QString& from,
+                     const std::function<void(FlowWorld&)>& work,
+                     qsizetype addonsAfter,
+                     const TreeSnapshot& bottom,
+                     qsizetype staying)
     {
-        const QList<OverlappingPack> packs = overlappingPacks(7);
-        m_lower = writePack(m_dir.filePath(u"packs"_s), packs[0].name, packs[0].files);
-        m_upper = writePack(m_dir.filePath(u"packs"_s), packs[1].name, packs[1].files);
-        FlowWorld world(base());
-        world.prompts.defaultsBeyondQueue = true;
-        QVERIFY(world.start());
-        QVERIFY(world.install(m_lower));
-    }
-
-    void installation_endsAnywhere_isUndoneOrCompleted()
-    {
-        const auto work = [this](FlowWorld& world) { (void)world.install(m_upper); };
         TreeSnapshot before;
         TreeSnapshot after;
         int points = 0;
         {
-            FlowWorld world(trial(base()));
+            FlowWorld world(trial(from));
             world.prompts.defaultsBeyondQueue = true;
             QVERIFY(world.start());
             before = world.tree();
             points = countPoints(world, work);
             after = world.tree();
         }
-        QVERIFY(points > 20);
+        QVERIFY(points > 10);
         QVERIFY(!differences(before, after, Backups::Ignore).isEmpty());
         int undone = 0;
         int completed = 0;
         for (int n = 1; n <= points; ++n) {
-            const QString folder = trial(base());
+            const QString folder = trial(from);
             QVERIFY2(runAndEnd(folder, n, work), qPrintable(u"point %1 was not reached"_s.arg(n)));
             if (n % 5 == 0) { // the repair may die as well
                 for (int m = 1; m < 200 && startAndEnd(folder, m); m += 3)
@@ -77,24 +71,51 @@ private Q_SLOTS:
             QCOMPARE(strayStaging(now), QStringList());
             const auto addons = modDatabase_Addon::addons(*world.database);
             QVERIFY(addons.ok());
-            const bool recorded = addons->size() == 2;
-            const QStringList wrong = differences(recorded ? after : before, now, Backups::Ignore);
+            const bool done = addons->size() == addonsAfter;
+            const QStringList wrong = differences(done ? after : before, now, Backups::Ignore);
             QVERIFY2(wrong.isEmpty(), qPrintable(u"point %1: "_s.arg(n) + wrong.value(0)));
-            recorded ? ++completed : ++undone;
-            if (!recorded)
-                continue;
-            // Every original is there: taking the add-on out gives the old tree back.
-            QVERIFY(world.remove(addons->last().key));
-            QCOMPARE(differences(before, world.tree(), Backups::Ignore), QStringList());
+            done ? ++completed : ++undone;
+            RemovalOptions plain;
+            plain.soundInstead = u"Kestrel_K2\\sound"_s;
+            for (const AddonRecord& addon : addons->sliced(qMin(staying, addons->size())))
+                QVERIFY(world.remove(addon.key, plain));
+            QCOMPARE(differences(bottom, world.tree(), Backups::Ignore), QStringList());
         }
         QVERIFY(undone > 0);
         QVERIFY(completed > 0);
     }
 
+private Q_SLOTS:
+
+    void initTestCase()
+    {
+        const QList<OverlappingPack> packs = overlappingPacks(7);
+        m_lower = writePack(m_dir.filePath(u"packs"_s), packs[0].name, packs[0].files);
+        m_upper = writePack(m_dir.filePath(u"packs"_s), packs[1].name, packs[1].files);
+        FlowWorld world(base());
+        world.prompts.defaultsBeyondQueue = true;
+        QVERIFY(world.start());
+        m_empty = world.tree();
+        QVERIFY(world.install(m_lower));
+    }
+
+    void installation_endsAnywhere_isUndoneOrCompleted()
+    {
+        TreeSnapshot before;
+        {
+            FlowWorld world(trial(base()));
+            QVERIFY(world.start());
+            before = world.tree();
+        }
+        // Every original is there: taking the add-on out gives the old tree back.
+        endAnywhere(
+            base(), [this](FlowWorld& world) { (void)world.install(m_upper); }, 2, before, 1);
+    }
+
     void removal_endsAnywhere_isUndoneOrCompleted()
     {
         // The lower add-on is removed, so that what it had kept must pass to the upper one.
-        QString both = m_dir.filePath(u"both"_s);
+        const QString both = m_dir.filePath(u"both"_s);
         copyTree(base(), both);
         qint64 lowerKey = 0;
         {
@@ -104,48 +125,59 @@ private Q_SLOTS:
             lowerKey = modDatabase_Addon::addons(*world.database)->first().key;
             QVERIFY(world.install(m_upper));
         }
+        endAnywhere(
+            both, [&](FlowWorld& world) { (void)world.remove(lowerKey); }, 1, m_empty, 0);
+    }
+
+    void configurationEdits_endAnywhere_data()
+    {
+        QTest::addColumn<int>("which");
+        QTest::newRow("a repaint comes") << 0;
+        QTest::newRow("a repaint goes") << 1;
+        QTest::newRow("a sound goes, another takes its place") << 2;
+    }
+
+    void configurationEdits_endAnywhere()
+    {
+        QFETCH(int, which);
+        const QString from = m_dir.filePath(u"edits%1"_s.arg(which));
+        const QString owner = writePack(
+            m_dir.filePath(u"packs"_s),
+            u"owl.zip"_s,
+            {{u"SimObjects/Airplanes/Owl/sound/sound.cfg"_s, "[STARTER.1]\r\nfilename=owl.wav\r\n"},
+             {u"SimObjects/Airplanes/Owl/sound/owl.wav"_s, "RIFF"}});
+        const QString user = writePack(
+            m_dir.filePath(u"packs"_s),
+            u"wren.zip"_s,
+            {{u"SimObjects/Airplanes/Wren/sound/sound.cfg"_s, "[fltsim]\r\nalias=Owl\\sound\r\n"}});
+        const QString repaint =
+            writePack(m_dir.filePath(u"packs"_s),
+                      u"repaint.zip"_s,
+                      {{u"a.txt"_s, "[fltsim.X]\ntitle=Blue\nsim=kestrel_k2\ntexture=blue\n"},
+                       {u"texture.blue/a.bmp"_s, "a"}});
+        qint64 key = 0;
         TreeSnapshot empty;
         {
-            FlowWorld world(trial(both));
+            FlowWorld world(from);
             QVERIFY(world.start());
-            const auto addons = modDatabase_Addon::addons(*world.database);
-            QVERIFY(addons.ok());
-            for (const AddonRecord& addon : *addons)
-                QVERIFY(world.remove(addon.key));
             empty = world.tree();
+            if (which == 1)
+                key = *world.install(repaint);
+            if (which == 2) {
+                key = *world.install(owner);
+                QVERIFY(world.install(user));
+            }
         }
-        const auto work = [&](FlowWorld& world) { (void)world.remove(lowerKey); };
-        TreeSnapshot before;
-        TreeSnapshot after;
-        int points = 0;
-        {
-            FlowWorld world(trial(both));
-            QVERIFY(world.start());
-            before = world.tree();
-            points = countPoints(world, work);
-            after = world.tree();
-        }
-        QVERIFY(points > 10);
-        int undone = 0;
-        int completed = 0;
-        for (int n = 1; n <= points; ++n) {
-            const QString folder = trial(both);
-            QVERIFY2(runAndEnd(folder, n, work), qPrintable(u"point %1 was not reached"_s.arg(n)));
-            FlowWorld world(folder);
-            QVERIFY(world.start());
-            const auto addons = modDatabase_Addon::addons(*world.database);
-            QVERIFY(addons.ok());
-            const bool removed = addons->size() == 1;
-            const QStringList wrong =
-                differences(removed ? after : before, world.tree(), Backups::Ignore);
-            QVERIFY2(wrong.isEmpty(), qPrintable(u"point %1: "_s.arg(n) + wrong.value(0)));
-            removed ? ++completed : ++undone;
-            for (const AddonRecord& addon : *addons)
-                QVERIFY(world.remove(addon.key));
-            QCOMPARE(differences(empty, world.tree(), Backups::Ignore), QStringList());
-        }
-        QVERIFY(undone > 0);
-        QVERIFY(completed > 0);
+        RemovalOptions options;
+        options.soundInstead = u"Kestrel_K2\\sound"_s;
+        endAnywhere(
+            from,
+            [&](FlowWorld& world) {
+                which == 0 ? (void)world.install(repaint) : (void)world.remove(key, options);
+            },
+            which == 1 ? 0 : 1,
+            empty,
+            0);
     }
 };
 

@@ -23,7 +23,16 @@ public:
         m_expectedTexts.push_back({part, std::move(answer)});
     }
 
+    /// A question with a check box, ticked; then the choice that holds \a choice (empty: none).
+    void expectTicked(const QString& part, const QString& choice)
+    {
+        m_expected.push_back({part, Button::Yes});
+        m_choices.push_back(choice);
+    }
+
     Button ask(const Prompt& prompt) override;
+    CheckedAnswer askChecked(const Prompt& prompt) override;
+    std::optional<qsizetype> choose(const ChoicePrompt& prompt) override;
     std::optional<QString> askText(const TextPrompt& prompt) override;
 
     /// Every question asked so far, in order.
@@ -34,6 +43,7 @@ public:
 private:
     QList<std::pair<QString, Button>> m_expected;
     QList<std::pair<QString, std::optional<QString>>> m_expectedTexts;
+    QStringList m_choices;
 };
 
 } // namespace vt::test

@@ -27,6 +27,10 @@ struct NoPrompts final : vt::Prompts
 {
     vt::Button ask(const vt::Prompt& prompt) override { return prompt.defaultButton; }
 
+    vt::CheckedAnswer askChecked(const vt::Prompt& prompt) override { return {ask(prompt), false}; }
+
+    std::optional<qsizetype> choose(const vt::ChoicePrompt&) override { return std::nullopt; }
+
     std::optional<QString> askText(const vt::TextPrompt&) override { return std::nullopt; }
 };
 

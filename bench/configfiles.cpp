@@ -184,6 +184,10 @@ struct Library
     {
         vt::Button ask(const vt::Prompt& prompt) override { return prompt.defaultButton; }
 
+        vt::CheckedAnswer askChecked(const vt::Prompt& p) override { return {ask(p), false}; }
+
+        std::optional<qsizetype> choose(const vt::ChoicePrompt&) override { return std::nullopt; }
+
         std::optional<QString> askText(const vt::TextPrompt&) override { return std::nullopt; }
     };
 

@@ -380,6 +380,24 @@ Result setDescription(Connection& database, qint64 masterKey, const QString& des
     });
 }
 
+Result setHistoryDescription(Connection& database,
+                             qint64 masterKey,
+                             const QDateTime& dateInstalled,
+                             const QString& description)
+{
+    return database.together([&]() -> Result {
+        Recordset texts(database, Table::Addon_History_Description);
+        bool done = texts.seek({masterKey, dateInstalled});
+        if (done) {
+            texts.edit();
+            texts.set(Field::Description, trimmedBlanks(description));
+            done = texts.update().ok;
+        }
+        return done ? Result::success()
+                    : databaseFailure(u"Could not update the addon history header."_s);
+    });
+}
+
 std::optional<qint64> Addon_Database_IsAlreadyIn(Connection& database, const AddonRecord& addon)
 {
     const QString name = trimmedBlanks(addon.name);

@@ -45,6 +45,11 @@ Result setName(Connection& database, qint64 masterKey, const QString& name);
 Result setAuthors(Connection& database, qint64 masterKey, const QString& authors);
 Result setRating(Connection& database, qint64 masterKey, qint64 rating);
 Result setDescription(Connection& database, qint64 masterKey, const QString& description);
+/// Of the history row of this date.
+Result setHistoryDescription(Connection& database,
+                             qint64 masterKey,
+                             const QDateTime& dateInstalled,
+                             const QString& description);
 Result setStatus(Connection& database, qint64 masterKey, InstallationStatus status);
 Result setCategories(Connection& database, qint64 masterKey, Categories categories);
 

@@ -130,6 +130,30 @@ ResultOf<QList<HistoryRecord>> historyRows(Connection& database, const ListFilte
     return rows;
 }
 
+ResultOf<QHash<NoCase, qint64>> standingPlaces(Connection& database)
+{
+    const ResultOf<QList<AddonRecord>> addons = modDatabase_Addon::addons(database);
+    if (!addons)
+        return addons.error();
+    QSet<qint64> standing;
+    for (const AddonRecord& addon : *addons) {
+        if (passesStatus(addon.status, StatusFilter::Installed))
+            standing.insert(addon.key);
+    }
+    QHash<NoCase, qint64> places;
+    Recordset rows(database, Table::Addon_Details);
+    for (bool more = rows.moveFirst(); more; more = rows.moveNext()) {
+        const qint64 key = rows.number(Field::Addon_Master_Key);
+        if (standing.contains(key))
+            places.insert(NoCase{rows.text(Field::Installed_To_Location) +
+                                 rows.text(Field::Installed_To_FileName)},
+                          key);
+    }
+    if (!rows.error())
+        return detailsNotRead();
+    return places;
+}
+
 QString itemStateWord(ItemState state)
 {
     switch (state) {

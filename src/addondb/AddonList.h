@@ -47,6 +47,10 @@ struct AddonRow
 [[nodiscard]] ResultOf<QList<HistoryRecord>> historyRows(Connection& database,
                                                          const ListFilter& filter);
 
+/// The places of all files of add-ons that stand (installed or imported), each with the key of the
+/// add-on that recorded it last.
+[[nodiscard]] ResultOf<QHash<NoCase, qint64>> standingPlaces(Connection& database);
+
 enum class ItemState
 {
     Ok,

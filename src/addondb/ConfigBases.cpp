@@ -82,7 +82,8 @@ ResultOf<Undone> afterRemoval(Connection& database,
                               const GlobalRecord& global,
                               const QString& file,
                               const QByteArray& before,
-                              bool last)
+                              bool last,
+                              bool installed)
 {
     Undone out;
     const ResultOf<Place> place = gate.place(file);
@@ -93,8 +94,8 @@ ResultOf<Undone> afterRemoval(Connection& database,
         return out;
     const QString keptPath =
         base->keptFile.isEmpty() ? QString() : global.originalsFolder + base->keptFile;
-    const bool untouched = !keptPath.isEmpty() && isLastWritten(before, *base);
-    base->edits = qMax<qint64>(base->edits - 1, 1);
+    const bool untouched = installed && !keptPath.isEmpty() && isLastWritten(before, *base);
+    base->edits = qMax<qint64>(base->edits - (installed ? 1 : 0), 1);
     if (last) {
         out.forgotten = true;
         if (untouched && gate.files().entry(keptPath)) {

@@ -35,13 +35,16 @@ struct Undone
 };
 
 /// To be called after a removal took its entries out of \a file (in \a actions); \a before is the
-/// file's content from before that, \a last whether no add-on has entries in it any more.
+/// file's content from before that, \a last whether no add-on has entries in it any more. Without
+/// \a installed the entries had stood there before every installation (an imported add-on's): the
+/// old bytes, which hold them, do not come back.
 [[nodiscard]] ResultOf<Undone> afterRemoval(Connection& database,
                                             Gate& gate,
                                             FileTransaction& actions,
                                             const GlobalRecord& global,
                                             const QString& file,
                                             const QByteArray& before,
-                                            bool last);
+                                            bool last,
+                                            bool installed = true);
 
 } // namespace vt::configbases

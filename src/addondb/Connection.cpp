@@ -595,4 +595,18 @@ Result Connection::together(const std::function<Result()>& work)
     return commit();
 }
 
+Result Connection::attempt(const std::function<Result()>& work)
+{
+    Q_ASSERT(m_inTransaction);
+    if (Result begun = execute("SAVEPOINT attempt"); !begun)
+        return begun;
+    Result done = work();
+    if (!done) {
+        (void)execute("ROLLBACK TO attempt");
+        (void)execute("RELEASE attempt");
+        return done;
+    }
+    return execute("RELEASE attempt");
+}
+
 } // namespace vt

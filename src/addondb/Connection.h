@@ -145,6 +145,9 @@ public:
     /// Runs \a work inside the transaction that is open, or else in one of its own, which is
     /// committed when the work succeeds and rolled back when it fails.
     Result together(const std::function<Result()>& work);
+    /// Inside the transaction that is open: what \a work wrote is taken back when it fails, and the
+    /// transaction goes on.
+    Result attempt(const std::function<Result()>& work);
 
     /// Looks through the whole file: every page with its checksum, every row; \a thorough compares
     /// the indexes with the rows as well. Failure: the first problem found, lastError() with the

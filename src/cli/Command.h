@@ -90,6 +90,7 @@ struct Command
 [[nodiscard]] std::vector<Command> addonCommands(); ///< list, show, owner, validate, history
 [[nodiscard]] std::vector<Command> planCommands();  ///< classify, plan
 [[nodiscard]] std::vector<Command> installCommands();
+[[nodiscard]] std::vector<Command> importCommands();
 [[nodiscard]] std::vector<Command> removeCommands();
 [[nodiscard]] std::vector<Command> repairCommands();
 [[nodiscard]] std::vector<Command> verifyCommands();

@@ -20,6 +20,7 @@ std::vector<Command> allCommands()
         addonCommands,
         planCommands,
         installCommands,
+        importCommands,
         removeCommands,
         repairCommands,
         verifyCommands,

@@ -139,7 +139,7 @@ int runRepair(World& world, const Arguments& arguments)
         world.say(u"The add-on '"_s + repair.addon().name + u"' needs no repair."_s);
     if (fixed || !done) {
         if (const QString missing = repair.missingFilesText(); !missing.isEmpty())
-            world.say(missing);
+            world.say(fixed ? missing : missing.section(u'\n', -1));
     }
     if (done && fixed)
         done = leftOver(repair);

@@ -222,7 +222,8 @@ Result CAddonRemover::updateLibrary(const QList<SceneryAreaRecord>& areas)
                                   m_context.global,
                                   file,
                                   *before,
-                                  last && m_closing.areasPassedOn.isEmpty());
+                                  last && m_closing.areasPassedOn.isEmpty(),
+                                  m_record.status != InstallationStatus::Imported);
     if (!undone)
         return undone.error();
     const ResultOf<Place> place = services.gate.place(file);

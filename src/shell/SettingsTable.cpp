@@ -353,7 +353,7 @@ constexpr SettingRow settingRows[] = {
               u"Group Naming Option",
               u"0",
               upTo(1),
-              "imported add-ons are named after: 0 their titles, 1 their folders"),
+              "imported add-ons are named after: 0 date and time, 1 their own names where possible"),
     flagRow(Section::ImportAddons, u"Import Panels", true, "import installed panels"),
     flagRow(Section::ImportAddons, u"Import Sounds", true, "import installed sounds"),
     flagRow(Section::ImportAddons, u"Import Scenery", true, "import installed scenery"),

@@ -50,7 +50,33 @@ constexpr std::array<QStringView, 33> stockAircraft = {
     u"Robinson_R22",
 };
 
+/// Folders of scenery beside those that are numbered by their place on the earth.
+constexpr std::array<QStringView, 22> stockScenery = {
+    u"AFRI", u"ASIA",   u"AUST", u"BASE", u"Cities", u"EURE",  u"EURW", u"Generic",
+    u"GLOB", u"Global", u"NAMC", u"NAME", u"NAMW",   u"OCEN",  u"OCNE", u"Props",
+    u"RDS",  u"SAME",   u"SAMW", u"UTIL", u"Vector", u"World",
+};
+
+bool isGridNumber(QStringView name)
+{
+    return name.size() == 4 &&
+           std::all_of(name.begin(), name.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
 } // namespace
+
+bool isStockScenery(const GlobalRecord& global, QStringView folder)
+{
+    if (global.sceneryFolder.isEmpty() || !winpath::isBelow(folder, global.sceneryFolder))
+        return false;
+    const QStringList parts =
+        winpath::components(winpath::relativeTo(folder, global.sceneryFolder));
+    return !parts.isEmpty() &&
+           (isGridNumber(parts.constFirst()) ||
+            std::any_of(stockScenery.begin(), stockScenery.end(), [&](QStringView stock) {
+                return equalNoCase(stock, parts.constFirst());
+            }));
+}
 
 bool isStockAircraftFolder(QStringView name)
 {

@@ -15,6 +15,10 @@ namespace stockcontent {
 /// Whether the simulator brings an aircraft in a folder of this name ("B737_800").
 [[nodiscard]] bool isStockAircraftFolder(QStringView name);
 
+/// Whether a folder of scenery lies where the simulator keeps its own: below "Scenery\", in a
+/// folder of a name that it brings ("0601", "Cities", "World").
+[[nodiscard]] bool isStockScenery(const GlobalRecord& global, QStringView folder);
+
 /// Whether the file or folder belongs to an aircraft, panel or sound that came with the simulator:
 /// it lies in a stock folder below those that hold aircraft, and no add-on recorded it. \a database
 /// null: nothing is recorded.

@@ -1,52 +1,38 @@
-// A program folder on the real disk with its database, for the tests of this folder.
+// A program folder with its database, for the tests of this folder.
 #pragma once
 
 #include "addondb/AddonDatabase.h"
 #include "addondb/Connection.h"
-#include "platform/DriveTable.h"
-#include "platform/Files.h"
-#include "platform/Gate.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
+#include "shell/ShellFixture.h"
 
 namespace vt::test {
 
-class DatabaseFixture
+/// Names given to its functions are those of files in the program folder, the database's without
+/// one.
+class DatabaseFixture : public ShellFixture
 {
 public:
-    DatabaseFixture() : files(drives), gate(files)
-    {
-        folder = QStringLiteral("Z:") + disk.path().replace(u'/', u'\\') + u'\\';
-        gate.setRoot(RootId::Program, folder);
-        file = folder + QStringLiteral("Vantrel.mdb");
-    }
+    static inline const QString databaseName = QStringLiteral("Vantrel.mdb");
 
-    [[nodiscard]] QString host(const QString& name = QStringLiteral("Vantrel.mdb")) const
+    [[nodiscard]] QString host(const QString& name = databaseName) const
     {
-        return disk.filePath(name);
+        return Disk::host(QStringLiteral("Vantrel/") + name);
     }
 
     /// A new database, or none when it could not be made, which fails the test.
     [[nodiscard]] std::unique_ptr<Connection> create()
     {
-        OpenedDatabase opened = Connection::create(gate, file);
-        [&] { QVERIFY2(opened.connection, qUtf8Printable(opened.result.text)); }();
-        return std::move(opened.connection);
+        return checked(Connection::create(gate, file));
     }
 
     [[nodiscard]] std::unique_ptr<Connection> open(OpenMode mode = OpenMode::ReadWrite)
     {
         files.newOperation();
-        OpenedDatabase opened = Connection::open(files, file, mode);
-        [&] { QVERIFY2(opened.connection, qUtf8Printable(opened.result.text)); }();
-        return std::move(opened.connection);
+        return checked(Connection::open(files, file, mode));
     }
 
     /// An add-on with files, recorded; fails the test when that fails.
-    AddonRecord
+    static AddonRecord
     addAddon(Connection& database, const QString& name, QList<DetailRecord> details = {})
     {
         AddonRecord addon;
@@ -65,32 +51,40 @@ public:
         return {0, 0, name, location, name, location, name};
     }
 
-    [[nodiscard]] QStringList namesOnDisk() const
+    [[nodiscard]] QStringList namesOnDisk() const { return names(QStringLiteral("Vantrel")); }
+
+    [[nodiscard]] QByteArray bytes(const QString& name = databaseName) const
     {
-        return QDir(disk.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+        return readHostFile(host(name));
     }
 
-    [[nodiscard]] QByteArray bytes(const QString& name = QStringLiteral("Vantrel.mdb")) const
+    void put(const QByteArray& bytes, const QString& name = databaseName)
     {
-        QFile content(host(name));
-        return content.open(QIODevice::ReadOnly) ? content.readAll() : QByteArray();
+        writeHostFile(host(name), bytes);
+        files.newOperation();
     }
 
-    void write(const QByteArray& bytes, const QString& name = QStringLiteral("Vantrel.mdb")) const
-    {
-        QFile content(host(name));
-        [&] {
-            QVERIFY(content.open(QIODevice::WriteOnly));
-            QCOMPARE(content.write(bytes), bytes.size());
-        }();
-    }
+    const QString folder = QStringLiteral("C:\\Vantrel\\");
+    const QString file = folder + databaseName;
 
-    QTemporaryDir disk;
-    DriveTable drives;
-    Files files;
-    Gate gate;
-    QString folder;
-    QString file;
+private:
+    static std::unique_ptr<Connection> checked(OpenedDatabase opened)
+    {
+        [&] { QVERIFY2(opened.connection, qUtf8Printable(opened.result.text)); }();
+        return std::move(opened.connection);
+    }
+};
+
+/// With a new database in it.
+struct OpenFixture : DatabaseFixture
+{
+    std::unique_ptr<Connection> own = create();
+    Connection& database = *own;
+
+    AddonRecord addAddon(const QString& name, const QList<DetailRecord>& details = {})
+    {
+        return DatabaseFixture::addAddon(database, name, details);
+    }
 };
 
 } // namespace vt::test

@@ -3,6 +3,7 @@
 #include "addondb/AddonDatabase.h"
 #include "cli/CliFixture.h"
 #include "platform/Hash.h"
+#include "support/Rows.h"
 #include "support/TestMain.h"
 #include "support/TreeSnapshot.h"
 
@@ -12,6 +13,7 @@ using namespace Qt::StringLiterals;
 using namespace vt;
 using vt::test::CliFixture;
 using vt::test::Ran;
+using vt::test::Rows;
 
 namespace {
 
@@ -90,169 +92,141 @@ class TestCommands : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void list_showsRowsUnderItsFilters();
-    void show_hasFilesAreasAndStates();
-    void validate_tellsAChangedFile();
-    void owner_findsTheFileInAnySpelling();
-    void history_showsWhatWasInstalled();
-    void reading_leavesTheProgramFolderAsItIs();
-    void databaseCheck_tellsDamage();
-    void wrongArguments_areTold_data();
-    void wrongArguments_areTold();
+
+    void list_showsRowsUnderItsFilters()
+    {
+        const FilledWorld world;
+        const QJsonArray rows = arrayOf(world.json({u"list"_s}));
+        QCOMPARE(namesIn(rows), (QStringList{u"Jet"_s, u"Ümlaut Town"_s}));
+        const QJsonObject jet = rows[0].toObject();
+        QCOMPARE(jet[u"key"_s], QJsonValue(world.jet));
+        QCOMPARE(jet[u"status"_s], QJsonValue(u"installed"_s));
+        QCOMPARE(jet[u"dateInstalled"_s], QJsonValue(u"2024-03-04T05:06:07"_s));
+        QCOMPARE(jet[u"categories"_s], QJsonValue(QJsonArray{u"Aircraft"_s}));
+        QCOMPARE(jet[u"sourceSize"_s].toInteger(), 5'000'000'000);
+        QCOMPARE(jet[u"sourceType"_s], QJsonValue(u"zip"_s));
+        QCOMPARE(jet[u"files"_s], QJsonValue(2));
+        for (const char16_t* field : {u"authors", u"rating", u"sourceName"})
+            QVERIFY(jet.contains(QStringView(field)));
+
+        const auto listed = [&](const QStringList& options) {
+            return namesIn(arrayOf(world.json(QStringList{u"list"_s} + options)));
+        };
+        QCOMPARE(listed({u"--search"_s, u"üMLAUT"_s}), QStringList{u"Ümlaut Town"_s});
+        QCOMPARE(listed({u"--category"_s, u"aircraft"_s}), QStringList{u"Jet"_s});
+        QCOMPARE(listed({u"--filter"_s, u"cabinet"_s}), QStringList{});
+        QVERIFY(world.run({u"list"_s})
+                    .out.contains("Ümlaut Town  (installed 2024-03-04 05:06, 1 file)"));
+    }
+
+    void show_hasFilesAreasAndStates()
+    {
+        const FilledWorld world;
+        QVERIFY(QFile::remove(world.dir.filePath(u"sim/a.mdl"_s)));
+        const Ran ran = world.json({u"show"_s, QString::number(world.jet)});
+        QCOMPARE(ran.status, 0);
+        const QJsonArray items = ran.object()[u"items"_s].toArray();
+        QCOMPARE(items.size(), 2);
+        QCOMPARE(items[0][u"name"], QJsonValue(u"a.mdl"_s));
+        QCOMPARE(items[0][u"location"], QJsonValue(world.windows(u"sim/"_s)));
+        QCOMPARE(items[0][u"state"], QJsonValue(u"missing"_s));
+        QCOMPARE(items[0][u"replacedOriginal"], QJsonValue(false));
+        QCOMPARE(items[1][u"state"], QJsonValue(u"ok"_s));
+        QCOMPARE(items[1][u"replacedOriginal"], QJsonValue(true));
+        const QJsonObject town = world.json({u"show"_s, QString::number(world.town)}).object();
+        const QJsonValue area = town[u"sceneryAreas"_s].toArray().first();
+        QCOMPARE(area[u"area"], QJsonValue(120));
+        QCOMPARE(area[u"layer"], QJsonValue(121));
+        QCOMPARE(area[u"path"], QJsonValue(u"Addon Scenery\\Town"_s));
+        QCOMPARE(area[u"enabled"], QJsonValue(true));
+        QVERIFY(town[u"variants"_s].isArray());
+
+        const Ran unknown = world.json({u"show"_s, u"77"_s});
+        QCOMPARE(unknown.status, 1);
+        QVERIFY(unknown.object()[u"error"_s][u"text"].toString().contains(u"77"_s));
+        QCOMPARE(unknown.err.count('\n'), 1);
+    }
+
+    void owner_findsTheFileInAnySpelling()
+    {
+        const FilledWorld world;
+        for (const QString& path : {world.dir.filePath(u"sim/b.bmp"_s),
+                                    world.windows(u"sim/b.bmp"_s).toUpper(),
+                                    u"sim/B.bmp"_s}) {
+            const QJsonArray owners = arrayOf(world.json({u"owner"_s, path}));
+            QCOMPARE(owners.size(), 1);
+            QCOMPARE(owners[0][u"key"], QJsonValue(world.jet));
+            QCOMPARE(owners[0][u"name"], QJsonValue(u"Jet"_s));
+            QCOMPARE(owners[0][u"detailKey"], QJsonValue(2));
+        }
+        QCOMPARE(world.json({u"owner"_s, u"sim/fsx.exe"_s}).out.trimmed(), QByteArray("[]"));
+    }
+
+    void history_showsWhatWasInstalled()
+    {
+        const FilledWorld world;
+        const QJsonArray rows = arrayOf(world.json({u"history"_s}));
+        QCOMPARE(rows.size(), 2);
+        QCOMPARE(rows[0][u"dateInstalled"], QJsonValue(u"2024-03-04T05:06:07"_s));
+        QVERIFY(rows[0].toObject().contains(u"dateUninstalled"_s));
+        QVERIFY(rows[0][u"dateUninstalled"].isNull());
+        QCOMPARE(arrayOf(world.json({u"history"_s, u"--since"_s, u"2024-03-05"_s})).size(), 0);
+        QCOMPARE(arrayOf(world.json({u"history"_s, u"--since"_s, u"2024-03-04"_s})).size(), 2);
+        QCOMPARE(arrayOf(world.json({u"history"_s, u"--status"_s, u"removed"_s})).size(), 0);
+    }
+
+    void reading_leavesTheProgramFolderAsItIs()
+    {
+        const FilledWorld world;
+        const auto before = test::hashTree(world.dir.path());
+        const QString key = QString::number(world.jet);
+        for (const QStringList& arguments : {QStringList{u"list"_s},
+                                             QStringList{u"show"_s, key},
+                                             QStringList{u"validate"_s, key},
+                                             QStringList{u"owner"_s, u"x"_s},
+                                             QStringList{u"history"_s},
+                                             QStringList{u"database"_s, u"check"_s}})
+            QCOMPARE(world.run(arguments).status, 0);
+        QCOMPARE(test::differences(before, test::hashTree(world.dir.path())), QStringList());
+    }
+
+    void databaseCheck_tellsDamage()
+    {
+        const FilledWorld world;
+        const Ran whole = world.json({u"database"_s, u"check"_s});
+        QCOMPARE(whole.status, 0);
+        QCOMPARE(whole.object()[u"ok"_s], QJsonValue(true));
+        const QByteArray bytes = world.read(u"home/Vantrel.mdb"_s);
+        QCOMPARE(whole.object()[u"bytesBefore"_s], QJsonValue(bytes.size()));
+
+        for (const QByteArray& spoiled : {bytes.first(bytes.size() / 2), QByteArray(5000, 'x')}) {
+            world.write(u"home/Vantrel.mdb"_s, spoiled);
+            const Ran damaged = world.json({u"database"_s, u"check"_s});
+            QCOMPARE(damaged.status, 3);
+            QCOMPARE(damaged.object()[u"ok"_s], QJsonValue(false));
+            QVERIFY(damaged.object()[u"error"_s][u"text"].toString().contains(u"damaged"_s));
+            QCOMPARE(world.json({u"list"_s}).status, 3);
+            QCOMPARE(world.read(u"home/Vantrel.mdb"_s), spoiled);
+        }
+    }
+
+    void wrongArguments_areTold()
+    {
+        const Rows<QStringList> rows = {
+            {"key that is no number", {u"show"_s, u"Jet"_s}},
+            {"unknown category", {u"list"_s, u"--category"_s, u"boats"_s}},
+            {"no date", {u"history"_s, u"--since"_s, u"yesterday"_s}},
+            {"unknown status", {u"history"_s, u"--status"_s, u"lost"_s}},
+        };
+        for (const auto& [arguments] : rows) {
+            const CliFixture world;
+            const Ran ran = world.run(arguments);
+            QCOMPARE(ran.status, 2);
+            QCOMPARE(ran.err.count('\n'), 1);
+            QVERIFY(ran.err.contains(arguments.last().toUtf8()));
+        }
+    }
 };
-
-void TestCommands::list_showsRowsUnderItsFilters()
-{
-    const FilledWorld world;
-    const QJsonArray rows = arrayOf(world.json({u"list"_s}));
-    QCOMPARE(namesIn(rows), (QStringList{u"Jet"_s, u"Ümlaut Town"_s}));
-    const QJsonObject jet = rows[0].toObject();
-    QCOMPARE(jet[u"key"_s], QJsonValue(world.jet));
-    QCOMPARE(jet[u"status"_s], QJsonValue(u"installed"_s));
-    QCOMPARE(jet[u"dateInstalled"_s], QJsonValue(u"2024-03-04T05:06:07"_s));
-    QCOMPARE(jet[u"categories"_s], QJsonValue(QJsonArray{u"Aircraft"_s}));
-    QCOMPARE(jet[u"sourceSize"_s].toInteger(), 5'000'000'000);
-    QCOMPARE(jet[u"sourceType"_s], QJsonValue(u"zip"_s));
-    QCOMPARE(jet[u"files"_s], QJsonValue(2));
-    for (const char16_t* field : {u"authors", u"rating", u"sourceName"})
-        QVERIFY(jet.contains(QStringView(field)));
-
-    const auto listed = [&](const QStringList& options) {
-        return namesIn(arrayOf(world.json(QStringList{u"list"_s} + options)));
-    };
-    QCOMPARE(listed({u"--search"_s, u"üMLAUT"_s}), QStringList{u"Ümlaut Town"_s});
-    QCOMPARE(listed({u"--category"_s, u"aircraft"_s}), QStringList{u"Jet"_s});
-    QCOMPARE(listed({u"--filter"_s, u"cabinet"_s}), QStringList{});
-    QVERIFY(
-        world.run({u"list"_s}).out.contains("Ümlaut Town  (installed 2024-03-04 05:06, 1 file)"));
-}
-
-void TestCommands::show_hasFilesAreasAndStates()
-{
-    const FilledWorld world;
-    QVERIFY(QFile::remove(world.dir.filePath(u"sim/a.mdl"_s)));
-    const Ran ran = world.json({u"show"_s, QString::number(world.jet)});
-    QCOMPARE(ran.status, 0);
-    const QJsonArray items = ran.object()[u"items"_s].toArray();
-    QCOMPARE(items.size(), 2);
-    QCOMPARE(items[0][u"name"], QJsonValue(u"a.mdl"_s));
-    QCOMPARE(items[0][u"location"], QJsonValue(world.windows(u"sim/"_s)));
-    QCOMPARE(items[0][u"state"], QJsonValue(u"missing"_s));
-    QCOMPARE(items[0][u"replacedOriginal"], QJsonValue(false));
-    QCOMPARE(items[1][u"state"], QJsonValue(u"ok"_s));
-    QCOMPARE(items[1][u"replacedOriginal"], QJsonValue(true));
-    const QJsonObject town = world.json({u"show"_s, QString::number(world.town)}).object();
-    const QJsonValue area = town[u"sceneryAreas"_s].toArray().first();
-    QCOMPARE(area[u"area"], QJsonValue(120));
-    QCOMPARE(area[u"layer"], QJsonValue(121));
-    QCOMPARE(area[u"path"], QJsonValue(u"Addon Scenery\\Town"_s));
-    QCOMPARE(area[u"enabled"], QJsonValue(true));
-    QVERIFY(town[u"variants"_s].isArray());
-
-    const Ran unknown = world.json({u"show"_s, u"77"_s});
-    QCOMPARE(unknown.status, 1);
-    QVERIFY(unknown.object()[u"error"_s][u"text"].toString().contains(u"77"_s));
-    QCOMPARE(unknown.err.count('\n'), 1);
-}
-
-void TestCommands::validate_tellsAChangedFile()
-{
-    const FilledWorld world;
-    const QString key = QString::number(world.jet);
-    const Ran whole = world.json({u"validate"_s, key});
-    QCOMPARE(whole.status, 0);
-    QCOMPARE(whole.object()[u"key"_s], QJsonValue(world.jet));
-    world.write(u"sim/b.bmp"_s, "other");
-    const Ran spoiled = world.json({u"validate"_s, key});
-    QCOMPARE(spoiled.status, 1);
-    QCOMPARE(spoiled.object()[u"items"_s][1][u"state"], QJsonValue(u"changed"_s));
-    QVERIFY(spoiled.err.contains("Jet"));
-    const Ran told = world.run({u"validate"_s, key});
-    QVERIFY(told.out.contains("changed"));
-    QVERIFY(!told.out.contains("a.mdl"));
-}
-
-void TestCommands::owner_findsTheFileInAnySpelling()
-{
-    const FilledWorld world;
-    for (const QString& path : {world.dir.filePath(u"sim/b.bmp"_s),
-                                world.windows(u"sim/b.bmp"_s).toUpper(),
-                                u"sim/B.bmp"_s}) {
-        const QJsonArray owners = arrayOf(world.json({u"owner"_s, path}));
-        QCOMPARE(owners.size(), 1);
-        QCOMPARE(owners[0][u"key"], QJsonValue(world.jet));
-        QCOMPARE(owners[0][u"name"], QJsonValue(u"Jet"_s));
-        QCOMPARE(owners[0][u"detailKey"], QJsonValue(2));
-    }
-    QCOMPARE(world.json({u"owner"_s, u"sim/fsx.exe"_s}).out.trimmed(), QByteArray("[]"));
-}
-
-void TestCommands::history_showsWhatWasInstalled()
-{
-    const FilledWorld world;
-    const QJsonArray rows = arrayOf(world.json({u"history"_s}));
-    QCOMPARE(rows.size(), 2);
-    QCOMPARE(rows[0][u"dateInstalled"], QJsonValue(u"2024-03-04T05:06:07"_s));
-    QVERIFY(rows[0].toObject().contains(u"dateUninstalled"_s));
-    QVERIFY(rows[0][u"dateUninstalled"].isNull());
-    QCOMPARE(arrayOf(world.json({u"history"_s, u"--since"_s, u"2024-03-05"_s})).size(), 0);
-    QCOMPARE(arrayOf(world.json({u"history"_s, u"--since"_s, u"2024-03-04"_s})).size(), 2);
-    QCOMPARE(arrayOf(world.json({u"history"_s, u"--status"_s, u"removed"_s})).size(), 0);
-}
-
-void TestCommands::reading_leavesTheProgramFolderAsItIs()
-{
-    const FilledWorld world;
-    const auto before = test::hashTree(world.dir.path());
-    const QString key = QString::number(world.jet);
-    for (const QStringList& arguments : {QStringList{u"list"_s},
-                                         QStringList{u"show"_s, key},
-                                         QStringList{u"validate"_s, key},
-                                         QStringList{u"owner"_s, u"x"_s},
-                                         QStringList{u"history"_s},
-                                         QStringList{u"database"_s, u"check"_s}})
-        QCOMPARE(world.run(arguments).status, 0);
-    QCOMPARE(test::differences(before, test::hashTree(world.dir.path())), QStringList());
-}
-
-void TestCommands::databaseCheck_tellsDamage()
-{
-    const FilledWorld world;
-    const Ran whole = world.json({u"database"_s, u"check"_s});
-    QCOMPARE(whole.status, 0);
-    QCOMPARE(whole.object()[u"ok"_s], QJsonValue(true));
-    const QByteArray bytes = world.read(u"home/Vantrel.mdb"_s);
-    QCOMPARE(whole.object()[u"bytesBefore"_s], QJsonValue(bytes.size()));
-
-    for (const QByteArray& spoiled : {bytes.first(bytes.size() / 2), QByteArray(5000, 'x')}) {
-        world.write(u"home/Vantrel.mdb"_s, spoiled);
-        const Ran damaged = world.json({u"database"_s, u"check"_s});
-        QCOMPARE(damaged.status, 3);
-        QCOMPARE(damaged.object()[u"ok"_s], QJsonValue(false));
-        QVERIFY(damaged.object()[u"error"_s][u"text"].toString().contains(u"damaged"_s));
-        QCOMPARE(world.json({u"list"_s}).status, 3);
-        QCOMPARE(world.read(u"home/Vantrel.mdb"_s), spoiled);
-    }
-}
-
-void TestCommands::wrongArguments_areTold_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::newRow("key that is no number") << QStringList{u"show"_s, u"Jet"_s};
-    QTest::newRow("unknown category") << QStringList{u"list"_s, u"--category"_s, u"boats"_s};
-    QTest::newRow("no date") << QStringList{u"history"_s, u"--since"_s, u"yesterday"_s};
-    QTest::newRow("unknown status") << QStringList{u"history"_s, u"--status"_s, u"lost"_s};
-}
-
-void TestCommands::wrongArguments_areTold()
-{
-    QFETCH(const QStringList, arguments);
-    const CliFixture world;
-    const Ran ran = world.run(arguments);
-    QCOMPARE(ran.status, 2);
-    QCOMPARE(ran.err.count('\n'), 1);
-    QVERIFY(ran.err.contains(arguments.last().toUtf8()));
-}
 
 VT_TEST_CLASS(TestCommands)
 #include "test_commands.moc"

@@ -3,7 +3,6 @@
 
 #include "catalogue/Catalogue.h"
 #include "engine/ConfigDisk.h"
-#include "platform/Status.h"
 
 #include <memory>
 
@@ -65,9 +64,6 @@ struct CatalogueWorld : ConfigDisk
     }
 
     GlobalRecord global;
-    SilentStatus status;
-    Clock clock;
-    Services services{files, gate, actions, prompts, status, clock, ansi};
 };
 
 inline QByteArray variationText(int number, const QByteArray& title, const QByteArray& more = {})

@@ -1,4 +1,5 @@
 #include "engine/ConfigDisk.h"
+#include "simconfig/engine/ConfigNormalizer.h"
 #include "simconfig/engine/SaveProtocol.h"
 #include "simconfig/engine/modRoutines_INI.h"
 #include "support/Rows.h"
@@ -122,18 +123,6 @@ private Q_SLOTS:
         QCOMPARE(names, (QStringList{u"kept"_s, u"fltsim.0"_s, u"General"_s}));
     }
 
-    void profile_write()
-    {
-        test::ConfigDisk disk;
-        const auto set = [&](const QString& value) {
-            return INI_Profile_SetValue(
-                disk.actions, disk.ansi, u"fltsim"_s, u"alias"_s, value, cfgPath);
-        };
-        QVERIFY(set(u"a\\b"_s));
-        QVERIFY(!set(u"\u4e2d"_s));
-        QCOMPARE(disk.read(u"FSX/air/aircraft.cfg"_s), "[fltsim]\r\nalias=a\\b\r\n"_ba);
-    }
-
     void save_backsUpOnceAndLeavesNoTemporary()
     {
         Config config("first\r\n");
@@ -219,6 +208,42 @@ private Q_SLOTS:
         QVERIFY(!config.exists(u"FSX/air/Aircraft.vtb"_s));
         QCOMPARE(config.protocol.restore(config.access).text,
                  u"Error restoring backup configuration file."_s);
+    }
+
+    void normalizing_makesAnsiWithCrLf()
+    {
+        const QByteArray wanted = "[a]\r\nb=\xe9\r\n";
+        const QByteArray wide = test::utf16(wanted);
+        QByteArray swapped = test::utf16("[a]\nb=\xe9\n");
+        for (qsizetype i = 0; i < swapped.size(); i += 2)
+            std::swap(swapped[i], swapped[i + 1]);
+        const Rows<QByteArray, QByteArray, bool> rows = {
+            {"as it should be", wanted, wanted, false},
+            {"no last line end", "[a]\r\nb=1", "[a]\r\nb=1", false},
+            {"empty", {}, {}, false},
+            {"bare LF", "[a]\nb=\xe9\n", wanted, true},
+            {"bare CR", "[a]\rb=\xe9\r", wanted, true},
+            {"mixed", "[a]\nb=\xe9\r\n", wanted, true},
+            {"CR before CR LF", "a\r\r\nb", "a\r\n\r\nb", true},
+            {"UTF-8 with mark", "\xef\xbb\xbf[a]\nb=\xc3\xa9\n", wanted, true},
+            {"only a mark", "\xef\xbb\xbf", {}, true},
+            {"UTF-16 little", wide, wanted, true},
+            {"UTF-16 big", swapped, wanted, true},
+            {"UTF-16 without mark", wide.sliced(2), wanted, true},
+        };
+        const AnsiCodec ansi;
+        for (const auto& [in, out, changed] : rows) {
+            const auto result = normalizeConfig(in, ansi);
+            QVERIFY2(result.ok(), qPrintable(result.text));
+            QCOMPARE(result->bytes, out);
+            QCOMPARE(result->changed, changed);
+            QCOMPARE(result->done.isEmpty(), !result->changed);
+            const auto again = normalizeConfig(result->bytes, ansi);
+            QVERIFY(again.ok() && !again->changed);
+        }
+        const auto kanji = normalizeConfig("\xef\xbb\xbf=\xe6\x97\xa5\n", ansi);
+        QVERIFY(!kanji.ok() && kanji.text.contains(u'日'));
+        QVERIFY(!normalizeConfig(QByteArray("a\0b\0\0\0c", 7), ansi).ok());
     }
 };
 

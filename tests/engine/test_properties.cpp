@@ -1,6 +1,5 @@
 #include "engine/ConfigDisk.h"
 #include "simconfig/engine/modRoutines_INI.h"
-#include "support/Rows.h"
 #include "support/TestMain.h"
 
 #include <QRandomGenerator>
@@ -11,7 +10,6 @@
 using namespace Qt::StringLiterals;
 using namespace vt;
 using namespace vt::modRoutines_INI;
-using vt::test::Rows;
 
 namespace {
 
@@ -217,55 +215,6 @@ private Q_SLOTS:
             QCOMPARE(different, qsizetype(wasRenamed));
         }
         QVERIFY(done[0] > 300 && done[1] > 300 && done[2] > 300);
-    }
-
-    void badInput()
-    {
-        const Rows<int> rows = {
-            {"binary garbage", 0},
-            {"a line of 10 MB", 1},
-            {"a million sections", 2},
-            {"NULs", 3},
-            {"unclosed brackets", 4},
-            {"10 MB of apostrophes", 5},
-        };
-        for (const auto& [shape] : rows) {
-            QByteArray bytes;
-            switch (shape) {
-            case 0:
-                bytes.resize(4'000'000);
-                QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(bytes.data()), 1'000'000);
-                break;
-            case 1:
-                bytes = "[a]\r\nt=" + QByteArray(10'000'000, 'x') + "\r\n";
-                break;
-            case 2:
-                for (int i = 0; i < 1'000'000; ++i)
-                    bytes += "[s" + QByteArray::number(i) + "]\r\n";
-                break;
-            case 3:
-                bytes = QByteArray(1'000'000, '\0');
-                break;
-            case 4:
-                bytes = QByteArray(2'000'000, '[').replace(QByteArray("[["), QByteArray("[\r\n"));
-                break;
-            default:
-                bytes = "[a]\r\nt=" + QByteArray(10'000'000, '\'') + "\r\n";
-                break;
-            }
-            test::ConfigDisk disk;
-            LineArray lines = disk.linesOf(bytes);
-            QCOMPARE(lines.joined(), bytes);
-            const LineArray before = lines;
-            const qsizetype sections = INI_Sections_GetNames(lines).size();
-            QCOMPARE(sections >= 1'000'000, shape == 2);
-            QVERIFY(INI_Entry_Set(lines, u"s999999"_s, u"t"_s, u"1"_s).ok);
-            QCOMPARE(INI_Entry_Get(lines, u"s999999"_s, u"t"_s), std::optional(u"1"_s));
-            QVERIFY(INI_Entry_Delete(lines, u"s999999"_s, u"t"_s));
-            if (shape == 2)
-                QCOMPARE(lines.lines, before.lines);
-            QCOMPARE(INI_Entry_Get(lines, u"a"_s, u"t"_s).has_value(), shape == 1 || shape == 5);
-        }
     }
 };
 

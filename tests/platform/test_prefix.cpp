@@ -184,39 +184,34 @@ private Q_SLOTS:
 
     void shellFoldersFromDisk()
     {
-        const Rows<QStringList, QString, QString> rows = {
-            {"no users", {u"windows"_s}, u""_s, u""_s},
-            {"steam's user",
-             {u"users/steamuser"_s, u"users/other"_s, u"users/Public"_s},
-             u"C:\\users\\steamuser\\Documents\\"_s,
-             u"C:\\users\\steamuser\\AppData\\Roaming\\"_s},
-            {"only user",
-             {u"Users/Pilot"_s, u"Users/Public"_s, u"Users/Default"_s, u"Users/All Users"_s},
-             u"C:\\Users\\Pilot\\Documents\\"_s,
-             u"C:\\Users\\Pilot\\AppData\\Roaming\\"_s},
-            {"the flying one of two",
-             {u"Users/Ann"_s, u"Users/Bob/AppData/Roaming/Microsoft/FSX"_s},
-             u"C:\\Users\\Bob\\Documents\\"_s,
-             u"C:\\Users\\Bob\\AppData\\Roaming\\"_s},
-            {"two alike", {u"Users/Ann"_s, u"Users/Bob"_s}, u""_s, u""_s},
-            {"old names",
-             {u"users/p/My Documents"_s, u"users/p/Application Data"_s},
-             u"C:\\users\\p\\My Documents\\"_s,
-             u"C:\\users\\p\\Application Data\\"_s},
-            {"older Windows",
-             {u"Documents and Settings/p/My Documents"_s,
-              u"Documents and Settings/All Users"_s,
-              u"Documents and Settings/LocalService"_s},
-             u"C:\\Documents and Settings\\p\\My Documents\\"_s,
-             u"C:\\Documents and Settings\\p\\AppData\\Roaming\\"_s},
+        const QString old = u"Documents and Settings/"_s;
+        const QString oldFolders =
+            old + u"p/My Documents|"_s + old + u"All Users|"_s + old + u"LocalService"_s;
+        const QString docs = u"Documents\\"_s;
+        const QString oldDocs = u"My Documents\\"_s;
+        const QString data = u"AppData\\Roaming\\"_s;
+        const QString oldData = u"Application Data\\"_s;
+        const QString flying = u"Users/Ann|Users/Bob/AppData/Roaming/Microsoft/FSX"_s;
+        const QString one = u"Users/Pilot|Users/Public|Users/Default|Users/All Users"_s;
+        const QString oldNames = u"users/p/My Documents|users/p/Application Data"_s;
+        // user: below drive C:, with what lies in it; empty: nobody is found
+        const Rows<QString, QString, QString, QString> rows = {
+            {"no users", u"windows"_s, {}, {}, {}},
+            {"steam", u"users/steamuser|users/x|users/Public"_s, u"users\\steamuser"_s, docs, data},
+            {"only user", one, u"Users\\Pilot"_s, docs, data},
+            {"the flying one of two", flying, u"Users\\Bob"_s, docs, data},
+            {"two alike", u"Users/Ann|Users/Bob"_s, {}, {}, {}},
+            {"old names", oldNames, u"users\\p"_s, oldDocs, oldData},
+            {"older Windows", oldFolders, u"Documents and Settings\\p"_s, oldDocs, data},
         };
-        for (const auto& [made, documents, userData] : rows) {
+        for (const auto& [made, user, documents, userData] : rows) {
             Disk disk;
-            for (const QString& folder : made)
+            for (const QString& folder : made.split(u'|'))
                 disk.makeFolder(folder);
             const ShellFolders folders = shellFolders(RegistryStore(), disk.files);
-            QCOMPARE(folders.documents, documents);
-            QCOMPARE(folders.userData, userData);
+            const QString home = user.isEmpty() ? user : u"C:\\"_s + user + u'\\';
+            QCOMPARE(folders.documents, home + documents);
+            QCOMPARE(folders.userData, home + userData);
         }
         const DriveTable none;
         QVERIFY(shellFolders(RegistryStore(), Files(none)).systemDrive.isEmpty());

@@ -103,21 +103,14 @@ private Q_SLOTS:
 
     void windowsProgramsAreRecognised()
     {
+        const QByteArray elf = QByteArray("\x7f") + "ELF\2";
         const Rows<QString, QByteArray, bool> rows = {
             {"by content", u"tool"_s, "MZ\x90", true},
             {"by name", u"Tool.EXE"_s, "other", true},
             {"batch", u"run.bat"_s, "@echo off", true},
             {"script under a Windows name", u"tool.exe"_s, "#!/bin/sh", false},
-            {"host program under a Windows name",
-             u"tool.exe"_s,
-             "\x7f"
-             "ELF\2",
-             false},
-            {"host program",
-             u"tool"_s,
-             "\x7f"
-             "ELF\2",
-             false},
+            {"host program under a Windows name", u"tool.exe"_s, elf, false},
+            {"host program", u"tool"_s, elf, false},
             {"missing", u"gone.txt"_s, {}, false},
         };
         for (const auto& [name, bytes, windows] : rows) {
@@ -170,10 +163,7 @@ private Q_SLOTS:
             {"a folder", u"C:\\FSX"_s, u""_s, u"does not exist"_s},
             {"no drive", u"Q:\\gone.exe"_s, u""_s, u"does not exist"_s},
             {"not executable", u"C:\\FSX\\notes.txt"_s, u""_s, u"neither a Windows program"_s},
-            {"working folder",
-             u"C:\\FSX\\notes.txt"_s,
-             u"C:\\gone\\"_s,
-             u"working folder 'C:\\gone\\'"_s},
+            {"folder", u"C:\\FSX\\notes.txt"_s, u"C:\\gone\\"_s, u"working folder 'C:\\gone\\'"_s},
         };
         for (const auto& [program, folder, told] : rows) {
             Disk disk;

@@ -12,25 +12,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QByteArray sample = "; head\r\n"
-                          "loose=1\r\n"
-                          "[fltsim.0]\r\n"
-                          "title = Cessna \"C172\" \r\n"
-                          "Sim=\"quoted blanks \"\r\n"
-                          "single='x'\r\n"
-                          "title=second\r\n"
-                          "novalue\r\n"
-                          "=nokey\r\n"
-                          "empty=\r\n"
-                          ";title2=remark\r\n"
-                          "path=C:\\a=b ; tail\r\n"
-                          "\r\n"
-                          "  [ General ] // after\r\n"
-                          "Z\xfcrich=\x80\r\n"
-                          "[FLTSIM.0]\r\n"
-                          "late=here\r\n"
-                          "[not closed\r\n"
-                          "[]\r\n";
+const QByteArray sample =
+    crlf("; head|loose=1|"
+         "[fltsim.0]|title = Cessna \"C172\" |Sim=\"quoted blanks \"|single='x'|title=second|"
+         "novalue|=nokey|empty=|;title2=remark|path=C:\\a=b ; tail||"
+         "  [ General ] // after|Z\xfcrich=\x80|"
+         "[FLTSIM.0]|late=here|"
+         "[not closed|[]|");
 
 } // namespace
 
@@ -150,67 +138,39 @@ private Q_SLOTS:
 
     void writing()
     {
+        const QString a = u"a"_s;
+        const QString k = u"k"_s;
         const QString none;
         // value: null: the key goes; key null: the section goes
         const Rows<QByteArray, QString, QString, QString, QByteArray> rows = {
-            {"replaced, spelling kept",
-             "[A]\r\nKey = old ; x\r\nb=1",
-             u"a"_s,
-             u"key"_s,
-             u"new"_s,
-             "[A]\r\nKey =new\r\nb=1"},
-            {"only the first",
-             "[a]\r\nk=1\r\nk=2\r\n",
-             u"a"_s,
-             u"k"_s,
-             u"3"_s,
-             "[a]\r\nk=3\r\nk=2\r\n"},
-            {"added before blank lines",
-             "[a]\r\nx=1\r\n\r\n[b]\r\n",
-             u"a"_s,
-             u"k"_s,
-             u"2"_s,
-             "[a]\r\nx=1\r\nk=2\r\n\r\n[b]\r\n"},
-            {"added to an empty section",
-             "[a]\r\n[b]\r\n",
-             u"a"_s,
-             u"k"_s,
-             u"2"_s,
-             "[a]\r\nk=2\r\n[b]\r\n"},
-            {"added at an open end", "[a]\r\nx=1", u"a"_s, u"k"_s, u"2"_s, "[a]\r\nx=1\r\nk=2\r\n"},
-            {"new section at an open end",
-             "[a]\r\nx=1",
-             u"b"_s,
-             u"k"_s,
-             u"2"_s,
-             "[a]\r\nx=1\r\n[b]\r\nk=2\r\n"},
-            {"new section in an empty file", {}, u"b"_s, u"k"_s, u""_s, "[b]\r\nk=\r\n"},
-            {"bare line feeds stay", "[a]\nx=1\n", u"a"_s, u"k"_s, u"2"_s, "[a]\nx=1\nk=2\n"},
-            {"key removed", "[a]\r\nk=1\r\nk=2", u"A"_s, u"K"_s, none, "[a]\r\nk=2"},
-            {"missing key removed", "[a]\r\nk=1", u"a"_s, u"x"_s, none, "[a]\r\nk=1"},
-            {"section removed",
-             ";\r\n[a]\r\nk=1\r\n\r\n[b]\r\n[a]\r\n",
-             u"a"_s,
-             none,
-             none,
-             ";\r\n[b]\r\n[a]\r\n"},
+            {"replaced", "[A]|Key = old ; x|b=1", a, u"key"_s, u"new"_s, "[A]|Key =new|b=1"},
+            {"only the first", "[a]|k=1|k=2|", a, k, u"3"_s, "[a]|k=3|k=2|"},
+            {"added before blank lines", "[a]|x=1||[b]|", a, k, u"2"_s, "[a]|x=1|k=2||[b]|"},
+            {"added to an empty section", "[a]|[b]|", a, k, u"2"_s, "[a]|k=2|[b]|"},
+            {"added at an open end", "[a]|x=1", a, k, u"2"_s, "[a]|x=1|k=2|"},
+            {"new section at an open end", "[a]|x=1", u"b"_s, k, u"2"_s, "[a]|x=1|[b]|k=2|"},
+            {"new section in an empty file", "", u"b"_s, k, u""_s, "[b]|k=|"},
+            {"bare line feeds stay", "[a]\nx=1\n", a, k, u"2"_s, "[a]\nx=1\nk=2\n"},
+            {"key removed", "[a]|k=1|k=2", u"A"_s, u"K"_s, none, "[a]|k=2"},
+            {"missing key removed", "[a]|k=1", a, u"x"_s, none, "[a]|k=1"},
+            {"section removed", ";|[a]|k=1||[b]|[a]|", a, none, none, ";|[b]|[a]|"},
             {"other page's bytes",
-             "[a]\r\n\x81\x8d=\xff\r\nk=1\r\n",
-             u"a"_s,
-             u"k"_s,
+             "[a]|\x81\x8d=\xff|k=1|",
+             a,
+             k,
              u"é"_s,
-             "[a]\r\n\x81\x8d=\xff\r\nk=\xe9\r\n"},
+             "[a]|\x81\x8d=\xff|k=\xe9|"},
         };
         for (const auto& [before, section, key, value, after] : rows) {
             Disk disk;
-            disk.write(u"FSX/a.cfg"_s, before);
+            disk.write(u"FSX/a.cfg"_s, crlf(before));
             const QString path = u"C:\\FSX\\A.CFG"_s;
             const Result written = key.isNull() ? removeSection(disk.actions, m_ansi, section, path)
                                    : value.isNull()
                                        ? removeKey(disk.actions, m_ansi, section, key, path)
                                        : setValue(disk.actions, m_ansi, section, key, value, path);
             QVERIFY2(written.ok, qPrintable(written.text));
-            QCOMPARE(disk.read(u"FSX/a.cfg"_s), after);
+            QCOMPARE(disk.read(u"FSX/a.cfg"_s), crlf(after));
             if (!value.isNull())
                 QCOMPARE(getValue(disk.files, m_ansi, section, key, u"?", 100, path).text, value);
         }

@@ -29,48 +29,39 @@ private Q_SLOTS:
 
     void wineValues()
     {
-        const auto machine = Hive::LocalMachine;
+        const QString sim = simulatorKey;
+        const QString narrow =
+            QString(sim).replace(u"Software"_s, u"software\\wow6432node"_s) + u'\\';
+        const QString link = u"System\\CurrentControlSet\\Control\\Nls\\CodePage"_s;
+        const QString linked = u"System\\ControlSet001\\Control\\Nls\\CodePage"_s;
+        const QString list = u"one"_s + QChar(0) + u"two"_s;
         // text: null: not there
-        const Rows<Hive, QString, QString, QString> rows = {
-            {"32-bit view first",
-             machine,
-             simulatorKey,
-             u"setuppath"_s,
-             u"C:\\Program Files (x86)\\FSX\\"_s},
-            {"plain view second", machine, simulatorKey, u"Only64"_s, u"seen"_s},
-            {"view named outright",
-             machine,
-             u"software\\wow6432node\\Microsoft\\Microsoft Games\\Flight Simulator\\10.0\\"_s,
-             u"Count"_s,
-             u"42"_s},
-            {"escapes", machine, simulatorKey, u"Escapes"_s, u"a\"b\\c\nd\u65e5\u00e9!AB2z"_s},
-            {"expandable text", machine, simulatorKey, u"AppPath"_s, u"%PROGRAMFILES%\\FSX"_s},
-            {"list", machine, simulatorKey, u"List"_s, u"one"_s + QChar(0) + u"two"_s},
-            {"text as bytes on two lines", machine, simulatorKey, u"Wide"_s, u"C:\\é"_s},
-            {"bytes are no text", machine, simulatorKey, u"Bytes"_s, {}},
-            {"behind damaged lines", machine, simulatorKey, u"After"_s, u"still read"_s},
-            {"missing value", machine, simulatorKey, u"None"_s, {}},
-            {"missing key", machine, u"Software\\None"_s, u""_s, {}},
-            {"through a link",
-             machine,
-             u"System\\CurrentControlSet\\Control\\Nls\\CodePage"_s,
-             u"ACP"_s,
-             u"1251"_s},
-            {"odd value name",
-             machine,
-             u"System\\ControlSet001\\Control\\Nls\\CodePage"_s,
-             u"A[B]\"C"_s,
-             u"odd name"_s},
-            {"odd key", machine, u"Software\\odd [key]"_s, u""_s, u"bracket"_s},
-            {"user", Hive::CurrentUser, ownKey, u"Open With"_s, u"3"_s},
-            {"user's class first", Hive::ClassesRoot, u".zip"_s, u""_s, u"MyZip"_s},
-            {"32-bit class", Hive::ClassesRoot, u"CLSID\\{0001}"_s, u""_s, u"narrow"_s},
+        const Rows<QString, QString, QString> machine = {
+            {"32-bit view first", sim, u"setuppath"_s, u"C:\\Program Files (x86)\\FSX\\"_s},
+            {"plain view second", sim, u"Only64"_s, u"seen"_s},
+            {"view named outright", narrow, u"Count"_s, u"42"_s},
+            {"escapes", sim, u"Escapes"_s, u"a\"b\\c\nd\u65e5\u00e9!AB2z"_s},
+            {"expandable text", sim, u"AppPath"_s, u"%PROGRAMFILES%\\FSX"_s},
+            {"list", sim, u"List"_s, list},
+            {"text as bytes on two lines", sim, u"Wide"_s, u"C:\\é"_s},
+            {"bytes are no text", sim, u"Bytes"_s, {}},
+            {"behind damaged lines", sim, u"After"_s, u"still read"_s},
+            {"missing value", sim, u"None"_s, {}},
+            {"missing key", u"Software\\None"_s, u""_s, {}},
+            {"through a link", link, u"ACP"_s, u"1251"_s},
+            {"odd value name", linked, u"A[B]\"C"_s, u"odd name"_s},
+            {"odd key", u"Software\\odd [key]"_s, u""_s, u"bracket"_s},
         };
-        for (const auto& [hive, key, name, text] : rows) {
-            const std::optional<QString> value = makeWine().value(hive, key, name);
+        const WineRegistry wine = makeWine();
+        for (const auto& [key, name, text] : machine) {
+            const std::optional<QString> value = wine.value(Hive::LocalMachine, key, name);
             QCOMPARE(value.has_value(), !text.isNull());
             QCOMPARE(value.value_or(QString()), text);
         }
+        QCOMPARE(wine.value(Hive::CurrentUser, ownKey, u"Open With"_s), u"3"_s);
+        // The user's class goes first, then that of the 32-bit view.
+        QCOMPARE(wine.value(Hive::ClassesRoot, u".zip"_s, u""_s), u"MyZip"_s);
+        QCOMPARE(wine.value(Hive::ClassesRoot, u"CLSID\\{0001}"_s, u""_s), u"narrow"_s);
     }
 
     void wineKeysAndNames()

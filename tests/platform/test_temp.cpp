@@ -53,15 +53,20 @@ private Q_SLOTS:
         QCOMPARE(QDir(disk.host(u"Vantrel/Temp"_s)).entryList({u"IMB*"_s}).size(), 50);
     }
 
-    void uniqueFile()
+    void uniqueFile_andFolderThatGoes()
     {
         TempDisk disk;
-        const ResultOf<QString> made =
-            disk.temp.makeUniqueFile(u"C:\\Vantrel\\Temp\\INA\\"_s, u"DB"_s);
+        const QString base = u"C:\\Vantrel\\Temp\\INA\\"_s;
+        const ResultOf<QString> made = disk.temp.makeUniqueFile(base, u"DB"_s);
         QVERIFY2(made.ok(), qPrintable(made.text));
-        QVERIFY(made->startsWith(u"C:\\Vantrel\\Temp\\INA\\DB"_s) && made->endsWith(u".tmp"_s));
-        QVERIFY(disk.files.isFile(*made));
+        QVERIFY(made->startsWith(base + u"DB"_s) && made->endsWith(u".tmp"_s));
         QCOMPARE(disk.files.info(*made)->size, 0);
+        const QString folder = *disk.temp.makeUnique(base, u"OPN"_s);
+        writeHostFile(disk.drives.toHost(folder) + u"/x/y"_s, "1");
+        disk.files.newOperation();
+        QVERIFY(disk.temp.remove(folder));
+        QVERIFY(!disk.files.exists(folder) && disk.files.isFolder(base));
+        QVERIFY(disk.temp.remove(folder));
     }
 
     void takenNamesAreWaitedFor()
@@ -133,17 +138,6 @@ private Q_SLOTS:
         QVERIFY(!disk.temp.empty(u"C:\\Vantrel\\Temp\\IFO\\"_s)); // itself a link to the outside
         QCOMPARE(disk.read(u"outside/kept"_s), QByteArray("1"));
         QVERIFY(disk.temp.empty(u"C:\\Vantrel\\Temp\\none\\"_s));
-    }
-
-    void removing()
-    {
-        TempDisk disk;
-        const QString folder = *disk.temp.makeUnique(u"C:\\Vantrel\\Temp\\INA\\"_s, u"OPN"_s);
-        disk.write(disk.drives.toHost(folder).sliced(disk.dir.path().size() + 1) + u"/x/y"_s, "1");
-        QVERIFY(disk.temp.remove(folder));
-        QVERIFY(!disk.files.exists(folder));
-        QVERIFY(disk.files.isFolder(u"C:\\Vantrel\\Temp\\INA\\"));
-        QVERIFY(disk.temp.remove(folder));
     }
 
     void lockExcludesOthers()

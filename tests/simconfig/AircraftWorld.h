@@ -2,28 +2,20 @@
 #pragma once
 
 #include "demo/DemoSimulator.h"
-#include "platform/AnsiCodec.h"
-#include "platform/DirectActions.h"
-#include "platform/DriveTable.h"
-#include "platform/Files.h"
-#include "platform/Gate.h"
+#include "engine/ConfigDisk.h"
 #include "shell/GlobalRecord.h"
 #include "simconfig/AircraftChecks.h"
 #include "simconfig/CAircraft.h"
-#include "support/ScriptedPrompts.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 namespace vt::test {
 
-struct AircraftWorld
+/// Paths given to its functions are relative to the simulator's folder and have "/".
+struct AircraftWorld : ConfigDisk
 {
-    AircraftWorld()
+    AircraftWorld() : ConfigDisk(DirectActions::Sync::None)
     {
         const ResultOf<DemoSimulator> written =
-            writeDemoSimulator(dir.filePath(QStringLiteral("prefix")));
+            writeDemoSimulator(Disk::host(QStringLiteral("prefix")));
         [&] { QVERIFY2(written.ok(), qPrintable(written.text)); }();
         demo = *written;
         drives.set(u'C', demo.prefixHost + QStringLiteral("/drive_c"));
@@ -34,44 +26,37 @@ struct AircraftWorld
         gate.setRoot(RootId::Simulator, demo.simulatorFolder);
     }
 
-    /// "SimObjects/..." as a host path.
-    [[nodiscard]] QString host(const QString& relative) const
+    [[nodiscard]] QString host(const QString& path) const
     {
-        return demo.simulatorHost + u'/' + relative;
+        return demo.simulatorHost + u'/' + path;
     }
 
-    [[nodiscard]] QString windows(const QString& relative) const
+    [[nodiscard]] QString windows(const QString& path) const
     {
-        return demo.simulatorFolder + QString(relative).replace(u'/', u'\\');
+        return demo.simulatorFolder + QString(path).replace(u'/', u'\\');
     }
 
-    [[nodiscard]] QByteArray read(const QString& relative) const
-    {
-        QFile file(host(relative));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-    }
+    [[nodiscard]] QByteArray read(const QString& path) const { return readHostFile(host(path)); }
 
-    void write(const QString& relative, const QByteArray& bytes)
+    [[nodiscard]] bool exists(const QString& path) const { return QFile::exists(host(path)); }
+
+    void write(const QString& path, const QByteArray& bytes)
     {
-        QDir().mkpath(QFileInfo(host(relative)).path());
-        QFile file(host(relative));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        file.close();
+        writeHostFile(host(path), bytes);
         files.newOperation();
     }
 
-    void replace(const QString& relative, const QByteArray& before, const QByteArray& after)
+    void replace(const QString& path, const QByteArray& before, const QByteArray& after)
     {
-        QByteArray bytes = read(relative);
+        QByteArray bytes = read(path);
         QVERIFY2(bytes.contains(before), before.constData());
-        write(relative, bytes.replace(before, after));
+        write(path, bytes.replace(before, after));
     }
 
-    void remove(const QString& relative)
+    void remove(const QString& path)
     {
-        QVERIFY(QFileInfo(host(relative)).isDir() ? QDir(host(relative)).removeRecursively()
-                                                  : QFile::remove(host(relative)));
+        QVERIFY(QFileInfo(host(path)).isDir() ? QDir(host(path)).removeRecursively()
+                                              : QFile::remove(host(path)));
         files.newOperation();
     }
 
@@ -83,18 +68,12 @@ struct AircraftWorld
         return loaded;
     }
 
-    QTemporaryDir dir{QFile::exists(QStringLiteral("/dev/shm"))
-                          ? QStringLiteral("/dev/shm/vantrel-test-XXXXXX")
-                          : QDir::tempPath() + QStringLiteral("/vantrel-test-XXXXXX")};
     DemoSimulator demo;
-    DriveTable drives;
-    Files files{drives};
-    Gate gate{files};
-    DirectActions actions{gate, DirectActions::Sync::None};
-    AnsiCodec ansi;
-    ScriptedPrompts prompts;
-    ConfigAccess access{actions, prompts, ansi};
     GlobalRecord global;
 };
+
+/// An aircraft of the demonstration, with three variations.
+inline const QString kestrel = QStringLiteral("SimObjects/Airplanes/Kestrel_K2");
+inline const QString kestrelCfg = kestrel + QStringLiteral("/aircraft.cfg");
 
 } // namespace vt::test

@@ -6,7 +6,9 @@
 #include "simconfig/CAircraft.h"
 #include "simconfig/CFSCFGManager.h"
 #include "simconfig/CModel.h"
+#include "simconfig/CPanel.h"
 #include "simconfig/CSceneryCfgMgr.h"
+#include "simconfig/CSound.h"
 #include "support/TestMain.h"
 
 #include <QRandomGenerator>
@@ -39,12 +41,11 @@ QByteArray sections(const QByteArray& stem, int count)
 
 struct BadWorld : test::ShellFixture
 {
-    explicit BadWorld(const QByteArray& content) : bytes(content)
+    explicit BadWorld(const QByteArray& bytes)
     {
         global.setSimulatorFolder(u"C:\\FSX\\"_s);
         global.simulatorExecutable = u"none.exe"_s;
         global.setConfigFolders(u"C:\\FSX\\All\\"_s, u"C:\\FSX\\"_s, u"C:\\Docs\\"_s, u"FSX"_s);
-        gate.setRoot(RootId::Simulator, global.simulatorFolder);
         write(file, bytes);
     }
 
@@ -52,7 +53,6 @@ struct BadWorld : test::ShellFixture
 
     const QString file = u"FSX/Microsoft/FSX/Odd.cfg"_s;
     const QString path = u"C:\\FSX\\Microsoft\\FSX\\Odd.cfg"_s;
-    const QByteArray bytes;
     ConfigAccess access{services};
 };
 
@@ -71,9 +71,9 @@ private Q_SLOTS:
 
     void aircraft();
 
-    void model_data() { shapes(); }
+    void parts_data() { shapes(); }
 
-    void model();
+    void parts();
 
     void scenery_data() { shapes(); }
 
@@ -139,14 +139,25 @@ void TestBadInput::aircraft()
     QCOMPARE(world.stored(), bytes);
 }
 
-void TestBadInput::model()
+void TestBadInput::parts()
 {
     QFETCH(QByteArray, bytes);
+    QFETCH(bool, text);
     BadWorld world(bytes);
     CModel model(world.access);
     (void)model.Load(world.path);
     QVERIFY(model.ModelFiles_Get().isEmpty());
-    QCOMPARE(world.stored(), bytes);
+    CPanel panel(world.access, world.files, world.global);
+    CSound sound(world.access, world.files, world.global);
+    for (AliasConfig* part :
+         {static_cast<AliasConfig*>(&panel), static_cast<AliasConfig*>(&sound)}) {
+        QVERIFY(!part->Load(world.path));
+        const QString problems = part->Verify().problems.join(u'\n');
+        QVERIFY2(problems.isEmpty() || problems.contains(u"is not valid."_s), qPrintable(problems));
+        (void)part->Repair();
+        QVERIFY(world.stored() == bytes || !text); // the form alone is mended
+        world.write(world.file, bytes);
+    }
 }
 
 void TestBadInput::scenery()

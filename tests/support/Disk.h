@@ -33,6 +33,21 @@ inline QByteArray readHostFile(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<cannot be read>");
 }
 
+/// Lines with "|" instead of CR LF.
+inline QByteArray crlf(QByteArray text)
+{
+    return text.replace('|', "\r\n");
+}
+
+/// Of characters below U+0100, little end first.
+inline QByteArray utf16(const QByteArray& latin1)
+{
+    QByteArray bytes = "\xff\xfe";
+    for (const char c : latin1)
+        bytes.append(c).append('\0');
+    return bytes;
+}
+
 /// Keeps every text; is cancelled once so many were told.
 class TestStatus final : public StatusSink
 {
@@ -61,7 +76,7 @@ public:
 /// functions are relative to the drive and have "/".
 struct Disk
 {
-    Disk()
+    explicit Disk(DirectActions::Sync sync = DirectActions::Sync::Each) : actions(gate, sync)
     {
         QDir(dir.path()).mkdir(QStringLiteral("Vantrel"));
         QDir(dir.path()).mkdir(QStringLiteral("FSX"));
@@ -109,7 +124,7 @@ struct Disk
     DriveTable drives;
     Files files{drives};
     Gate gate{files};
-    DirectActions actions{gate};
+    DirectActions actions;
     ScriptedPrompts prompts;
     TestStatus status;
     TestClock clock;

@@ -1,12 +1,13 @@
 #include "support/TreeSnapshot.h"
 
+#include "platform/Hash.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
 #include <filesystem>
-#include <xxhash.h>
 
 using namespace Qt::StringLiterals;
 
@@ -19,10 +20,7 @@ QByteArray contentHash(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return "unreadable: " + file.errorString().toUtf8();
-    const QByteArray bytes = file.readAll();
-    const XXH128_hash_t hash = XXH3_128bits(bytes.constData(), static_cast<size_t>(bytes.size()));
-    return QByteArray::number(static_cast<qulonglong>(hash.high64), 16) + '-' +
-           QByteArray::number(static_cast<qulonglong>(hash.low64), 16);
+    return xxh3(file.readAll()).toHex();
 }
 
 TreeEntry entryOf(const QFileInfo& info)

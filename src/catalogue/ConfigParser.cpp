@@ -470,6 +470,9 @@ TextId ConfigParser::aliasOf(QByteArrayView line)
 
 TextId ConfigParser::valueText(QByteArrayView value)
 {
+    value = withoutBlanks(value);
+    if (value.size() > 1 && value.front() == '\'' && value.back() == '\'') // as profiles are read
+        value = value.sliced(1, value.size() - 2);
     value = configfacts::plainValue(value);
     return m_values.idOf(value.size() <= valueLimit ? value : value.first(valueLimit));
 }

@@ -118,6 +118,89 @@ std::shared_ptr<ByteSource> makeMemorySource(QByteArray bytes, QString name)
     return std::make_shared<MemorySource>(std::move(bytes), std::move(name));
 }
 
+Spool::Spool(QString name, qint64 memoryLimit)
+    : ByteSource(std::move(name)), m_memoryLimit(memoryLimit)
+{}
+
+Spool::~Spool() = default;
+
+Result Spool::read(qint64 offset, char* to, qint64 bytes) const
+{
+    if (offset < 0 || bytes < 0 || offset > m_size - bytes)
+        return endsEarly();
+    if (!m_file) {
+        std::memcpy(to, m_bytes.constData() + offset, size_t(bytes));
+        return Result::success();
+    }
+    while (bytes > 0) {
+        const ssize_t n = pread(m_file->handle(), to, size_t(bytes), offset);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return n < 0 ? unreadable(name(), errno) : endsEarly();
+        to += n;
+        offset += n;
+        bytes -= n;
+    }
+    return Result::success();
+}
+
+bool Spool::toFile()
+{
+    m_file = std::make_unique<QTemporaryFile>();
+    if (!m_file->open()) {
+        m_problem = Result::failure(u"A temporary file could not be made: "_s +
+                                    m_file->errorString() + u'.');
+        return false;
+    }
+    const QByteArray bytes = std::exchange(m_bytes, {});
+    m_size = 0;
+    return append(bytes);
+}
+
+bool Spool::append(QByteArrayView piece)
+{
+    if (!m_problem)
+        return false;
+    if (!m_file && m_size + piece.size() <= m_memoryLimit) {
+        m_bytes.append(piece);
+        m_size += piece.size();
+        return true;
+    }
+    if (!m_file && !toFile())
+        return false;
+    while (!piece.isEmpty()) {
+        const ssize_t n = pwrite(m_file->handle(), piece.data(), size_t(piece.size()), m_size);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0) {
+            m_problem = Result::failure(u"The archive '"_s + name() +
+                                            u"' could not be unpacked for reading: "_s +
+                                            QString::fromLocal8Bit(std::strerror(errno)) + u'.',
+                                        errno == ENOSPC ? ErrorKind::DiskFull : ErrorKind::Failed);
+            return false;
+        }
+        m_size += n;
+        piece = piece.sliced(n);
+    }
+    return true;
+}
+
+void Spool::truncate(qint64 size)
+{
+    m_size = qMin(m_size, size);
+    if (!m_file)
+        m_bytes.truncate(m_size);
+}
+
+QByteArray Spool::hostPath()
+{
+    if (!m_file && !toFile())
+        return {};
+    const QByteArray path = "/proc/self/fd/" + QByteArray::number(m_file->handle());
+    return access(path.constData(), R_OK) == 0 ? path : m_file->fileName().toLocal8Bit();
+}
+
 SourceBuilder::SourceBuilder(QString name, qint64 memoryLimit)
     : m_name(std::move(name)), m_memoryLimit(memoryLimit)
 {}

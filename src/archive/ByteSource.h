@@ -44,6 +44,38 @@ private:
 
 [[nodiscard]] std::shared_ptr<ByteSource> makeMemorySource(QByteArray bytes, QString name);
 
+/// Bytes that are set aside while they are made, and read again meanwhile: in memory up to a limit,
+/// beyond it in a temporary file without a name.
+class Spool final : public ByteSource
+{
+public:
+    Spool(QString name, qint64 memoryLimit);
+    ~Spool() override;
+
+    [[nodiscard]] qint64 size() const override { return m_size; }
+
+    [[nodiscard]] Result read(qint64 offset, char* to, qint64 bytes) const override;
+    /// False when the temporary file could not be written; problem() then says why.
+    bool append(QByteArrayView piece);
+    /// Forgets what lies from \a size on.
+    void truncate(qint64 size);
+
+    [[nodiscard]] const Result& problem() const { return m_problem; }
+
+    /// A path under which the host's other libraries may open the bytes while this lives; empty
+    /// when there is none.
+    [[nodiscard]] QByteArray hostPath();
+
+private:
+    bool toFile();
+
+    qint64 m_memoryLimit;
+    qint64 m_size = 0;
+    QByteArray m_bytes;
+    std::unique_ptr<QTemporaryFile> m_file;
+    Result m_problem;
+};
+
 /// Takes bytes one piece after another and makes a source of them: in memory up to a limit, beyond
 /// it in a temporary file without a name, which no crash can leave behind.
 class SourceBuilder

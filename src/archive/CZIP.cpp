@@ -1,5 +1,6 @@
 #include "archive/CZIP.h"
 
+#include "archive/CUnRAR.h"
 #include "archive/ZipReader.h"
 
 #include <QDateTime>
@@ -58,6 +59,16 @@ void CZIP::Error_Show()
 {
     m_services.prompts.ask(announcement(
         u"Zip Error"_s, m_result.text, m_result.ok ? Icon::Information : Icon::Critical));
+}
+
+QStringList CZIP::volumes() const
+{
+    QStringList paths;
+    if (m_unrar && m_unrar->unrar().directory()->volumes().size() > 1) {
+        for (const auto& volume : m_unrar->unrar().directory()->volumes())
+            paths += volume->name();
+    }
+    return paths;
 }
 
 bool CZIP::cancelled() const

@@ -35,8 +35,10 @@
 namespace vt {
 
 class ByteSource;
+class CUnRAR;
 class ZipDirectory;
 class ZipWriter;
+struct UnpackTally;
 struct ZipEntry;
 struct ZipScratch;
 
@@ -106,6 +108,9 @@ public:
                                             QStringList& files);
     /// As ZIP_Items_ExtractToTemporaryFolder(), the entries that are selected.
     bool ZIP_Items_Selected_ExtractToTemporaryFolder(const QString& base, QStringList& files);
+    /// Full paths of the files that a listed archive consists of; empty for one that is a single
+    /// file.
+    [[nodiscard]] QStringList volumes() const;
     /// The lines of the archive summary: of each listed archive, then of the whole.
     [[nodiscard]] QStringList ZIP_Summary() const;
     /// Shows the last result text.
@@ -134,6 +139,7 @@ public:
 
 private:
     struct Budget;
+    struct Faults;
     struct Tally;
     struct Slot;
     class Sorter;
@@ -147,11 +153,15 @@ private:
     // CZIP_Listing.cpp
     Result list();
     Result listArchive(const std::shared_ptr<ByteSource>& source, CZIPFile& file, Budget& budget);
+    Result listRar(CZIPFile& file, Budget& budget);
+    Result charge(const CZIPFile& file, const UnpackTally& unpacked, Budget& budget);
     Result listInner(int parent, int depth, Budget& budget);
     Result openInner(int parent, int key, CZIPFile& inner, Budget& budget, bool& damaged);
     ResultOf<std::shared_ptr<ByteSource>>
     unpackInner(const EntryRef& ref, CZIPFile& inner, Budget& budget, bool& damaged);
     Result test();
+    Result testEntries(const CZIPFile& file, Faults& faults);
+    Result testRar(const Result& listed);
 
     // CZIP_Extract.cpp
     Result extract();
@@ -177,7 +187,8 @@ private:
     Services& m_services;
     DirectActions m_unsynced;
     std::shared_ptr<ZipScratch> m_scratch;
-    QHash<qint64, qint64> m_hours; ///< local hours to milliseconds since 1970 UTC
+    std::unique_ptr<CUnRAR> m_unrar; ///< of a listed RAR archive
+    QHash<qint64, qint64> m_hours;   ///< local hours to milliseconds since 1970 UTC
     Result m_result;
     QStringList m_remarks;
     std::vector<ZipAddition> m_added; ///< by the last Add(), files as contents

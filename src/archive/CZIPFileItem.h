@@ -35,7 +35,8 @@ struct CZIPFileItem
     bool boolAttribute_System = false;
     bool boolAttribute_VolumeLabel = false;
     EntryKind kind = EntryKind::File;
-    quint32 crc32 = 0; ///< of the content, as the archive's directory tells it
+    quint32 crc32 = 0;      ///< of the content, as the archive's directory tells it
+    bool crc32Known = true; ///< some RAR archives hold other check sums instead
 
     /// Folder and name, "SimObjects\Airplanes\a.cfg".
     [[nodiscard]] QString fullName() const { return sPath + sFilename; }

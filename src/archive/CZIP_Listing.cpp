@@ -1,9 +1,11 @@
 // Listing and testing: opening the source and the archives inside it, depth first.
 #include "archive/ByteSource.h"
+#include "archive/CUnRAR.h"
 #include "archive/CZIP.h"
 #include "archive/ZipNames.h"
 #include "archive/ZipReader.h"
 #include "platform/TempFolder.h"
+#include "platform/Text.h"
 #include "platform/WinPath.h"
 
 #include <zip.h>
@@ -19,6 +21,15 @@ struct CZIP::Budget
     qint64 entries = 0;
     UnpackTally unpacked;
     qint64 memoryBytes = 64LL << 20; ///< for inner archives held in memory
+};
+
+/// What a test found.
+struct CZIP::Faults
+{
+    qint64 number = 0;
+    QString first;
+
+    [[nodiscard]] QString text() const;
 };
 
 namespace {
@@ -53,21 +64,15 @@ CZIPFileItem itemOf(const ZipEntry& entry, int key)
     return item;
 }
 
-/// The one place that tells formats apart. RAR archives are recognised by their signature, whatever
-/// their name.
-Result checkFormat(const ByteSource& source)
+/// RAR archives are recognised by their signature, whatever their name; by the name when what it
+/// names is no ZIP archive either.
+bool isRarSource(const ByteSource& source)
 {
-    char head[6];
-    if (source.size() < qint64(sizeof head))
-        return Result::success();
-    if (Result r = source.read(0, head, sizeof head); !r)
-        return r;
-    if (QByteArrayView(head, sizeof head) == QByteArrayView("Rar!\x1a\x07", 6))
-        return Result::failure(
-            u"'"_s + source.name() +
-                u"' is a RAR archive, which cannot be read yet: unpack it and take the folder, or pack it as ZIP."_s,
-            ErrorKind::Surroundings);
-    return Result::success();
+    if (rarsignature::find(source).format != rarsignature::Format::None)
+        return true;
+    char head[2] = {};
+    (void)source.read(0, head, qMin<qint64>(source.size(), 2));
+    return endsWithNoCase(source.name(), u".rar") && QByteArrayView(head, 2) != "PK";
 }
 
 } // namespace
@@ -75,6 +80,7 @@ Result checkFormat(const ByteSource& source)
 Result CZIP::list()
 {
     colZIPContents.clear();
+    m_unrar.reset();
     m_remarks.clear();
     m_count = 0;
     m_code = ZIP_ER_OK;
@@ -89,10 +95,6 @@ Result CZIP::list()
         m_code = ZIP_ER_OPEN;
         return failed(source.error());
     }
-    if (Result r = checkFormat(**source); !r) {
-        m_code = ZIP_ER_NOZIP;
-        return r;
-    }
     Budget budget;
     budget.sourceBytes = (*source)->size();
     CZIPFile outer;
@@ -100,8 +102,14 @@ Result CZIP::list()
     outer.sFolder = winpath::parent(sZIPFile);
     if (const auto info = m_services.files.info(sZIPFile))
         outer.dteDateTime = info->modified();
-    if (Result r = listArchive(*source, outer, budget); !r)
-        return failed(r);
+    const bool rar = isRarSource(**source);
+    Result listed = rar ? listRar(outer, budget) : listArchive(*source, outer, budget);
+    if (!listed) {
+        // What a RAR archive told before its fault stays.
+        if (rar && !outer.varZIPItems.isEmpty())
+            colZIPContents.push_back(std::move(outer));
+        return failed(listed);
+    }
     const bool inner = outer.boolHasImbeddedZIPs && boolImbeddedZIPs_Process;
     colZIPContents.push_back(std::move(outer));
     if (!inner)
@@ -130,9 +138,46 @@ Result CZIP::listArchive(const std::shared_ptr<ByteSource>& source, CZIPFile& fi
     file.lngTotal_SizeUncompressed = (*directory)->unpacked().bytes;
     file.lngTotal_Items = qint64(entries.size());
     file.reader = std::make_shared<ZipReader>(*directory, m_scratch);
+    return charge(file, (*directory)->unpacked(), budget);
+}
 
+/// As far as the headers tell, even when they end in a failure.
+Result CZIP::listRar(CZIPFile& file, Budget& budget)
+{
+    m_unrar = std::make_unique<CUnRAR>(m_services);
+    m_unrar->sRARFile = sZIPFile;
+    const bool whole = m_unrar->List();
+    const CTKUnrar& unrar = m_unrar->unrar();
+    const RarDirectory& directory = *unrar.directory();
+    UnpackTally tally;
+    for (const RarEntry& entry : directory.entries()) {
+        const CZIPFileItem& item =
+            file.varZIPItems.emplace_back(itemOfRar(entry, int(file.varZIPItems.size()) + 1));
+        file.lngTotal_SizeCompressed += entry.packed;
+        file.boolHasImbeddedZIPs = file.boolHasImbeddedZIPs || isImbeddedZip(item);
+        // In a solid archive likeness to earlier entries makes them small.
+        if (entry.kind == EntryKind::File)
+            tally.add(
+                item.lngSize_Uncompressed, entry.packed, !directory.solid() && entry.copyOf < 0);
+    }
+    file.lngTotal_SizeUncompressed = tally.bytes;
+    file.lngTotal_Items = file.varZIPItems.size();
+    file.bytes = budget.sourceBytes = directory.bytes();
+    file.reader = unrar.reader();
+    m_code = int(unrar.code());
+    if (!directory.volumes().empty()) {
+        file.sFilename = winpath::name(directory.name());
+        file.sFolder = winpath::parent(directory.name());
+    }
+    Result charged = charge(file, tally, budget);
+    return whole ? charged : unrar.result();
+}
+
+/// Counts the listed archive against what one listing may take.
+Result CZIP::charge(const CZIPFile& file, const UnpackTally& unpacked, Budget& budget)
+{
     budget.entries += file.lngTotal_Items;
-    budget.unpacked.add((*directory)->unpacked());
+    budget.unpacked.add(unpacked);
     m_count = int(budget.entries);
     if (budget.entries > ziplimits::entries)
         return Result::failure(
@@ -197,9 +242,7 @@ Result CZIP::openInner(int parent, int key, CZIPFile& inner, Budget& budget, boo
         unpackInner(inner.inParent, inner, budget, damaged);
     if (!source)
         return source.error();
-    Result listed = checkFormat(**source);
-    if (listed)
-        listed = listArchive(*source, inner, budget);
+    Result listed = listArchive(*source, inner, budget);
     damaged = !listed && listed.kind == ErrorKind::Surroundings;
     return listed;
 }
@@ -240,7 +283,10 @@ Result CZIP::test()
 {
     if (sZIPFile.isEmpty())
         return Result::failure(u"Nothing specified for testing."_s);
-    if (Result listed = list(); !listed) {
+    const Result listed = list();
+    if (m_unrar)
+        return testRar(listed);
+    if (!listed) {
         const QString code = u"  Zip error code: "_s + QString::number(m_code);
         if (m_code == ZIP_ER_OPEN || m_code == ZIP_ER_READ || m_code == ZIP_ER_OK)
             return Result::failure(u"Zip file could not be tested."_s + u' ' + listed.text + code,
@@ -248,35 +294,84 @@ Result CZIP::test()
         return Result::failure(u"Zip file is NOT OK. "_s + listed.text + code, listed.kind);
     }
     m_count = 0;
-    QString first;
-    qint64 bad = m_remarks.size();
-    if (bad > 0)
-        first = m_remarks.first() + u"  Zip warning code: "_s + QString::number(ZIP_ER_INCONS);
+    Faults faults;
+    faults.number = m_remarks.size();
+    if (faults.number > 0)
+        faults.first =
+            m_remarks.first() + u"  Zip warning code: "_s + QString::number(ZIP_ER_INCONS);
     for (const CZIPFile& file : colZIPContents) {
-        for (const CZIPFileItem& item : file.varZIPItems) {
-            if (item.kind == EntryKind::Folder || item.kind == EntryKind::Link ||
-                item.kind == EntryKind::Device)
-                continue;
-            if (cancelled())
-                return Result::failure(u"Zip file could not be tested."_s, ErrorKind::Declined);
-            status(u"Testing '"_s + item.sFilename + u"'..."_s);
-            ++m_count;
-            const Result read = file.reader->read(item.lngKey, [](QByteArrayView) { return true; });
-            if (read)
-                continue;
-            const int code = file.reader->lastCode();
-            const bool warning = code == ZIP_ER_ENCRNOTSUPP || code == ZIP_ER_COMPNOTSUPP;
-            if (bad++ == 0)
-                first = read.text +
-                        (warning ? u"  Zip warning code: "_s : u"  Zip error code: "_s) +
-                        QString::number(code);
-        }
+        if (Result r = testEntries(file, faults); !r)
+            return r;
     }
-    if (bad == 0)
+    if (faults.number == 0)
         return Result::success(u"Zip file is OK."_s);
-    if (bad > 1)
-        first += u" ("_s + QString::number(bad - 1) + u" more of its entries cannot be read.)"_s;
-    return Result::failure(u"Zip file is NOT OK. "_s + first);
+    return Result::failure(u"Zip file is NOT OK. "_s + faults.text());
+}
+
+QString CZIP::Faults::text() const
+{
+    return number > 1 ? first + u" ("_s + QString::number(number - 1) +
+                            u" more of its entries cannot be read.)"_s
+                      : first;
+}
+
+/// Fails when it could not go on; an entry that is not sound is one of the faults.
+Result CZIP::testEntries(const CZIPFile& file, Faults& faults)
+{
+    for (const CZIPFileItem& item : file.varZIPItems) {
+        if (item.kind != EntryKind::File)
+            continue;
+        if (cancelled())
+            return Result::failure(u"Zip file could not be tested."_s, ErrorKind::Declined);
+        status(u"Testing '"_s + item.sFilename + u"'..."_s);
+        ++m_count;
+        const Result read = file.reader->read(item.lngKey, [](QByteArrayView) { return true; });
+        if (read)
+            continue;
+        const int code = file.reader->lastCode();
+        if (code == ZIP_ER_READ)
+            return Result::failure(u"An error occurred while testing zip file contents."_s + u' ' +
+                                       read.text,
+                                   ErrorKind::Surroundings);
+        const bool warning = code == ZIP_ER_ENCRNOTSUPP || code == ZIP_ER_COMPNOTSUPP;
+        if (faults.number++ == 0)
+            faults.first = read.text +
+                           (warning ? u"  Zip warning code: "_s : u"  Zip error code: "_s) +
+                           QString::number(code);
+    }
+    return Result::success();
+}
+
+/// The archive itself by its own means, ZIP archives in it as ever.
+Result CZIP::testRar(const Result& listed)
+{
+    CTKUnrar& unrar = m_unrar->unrar();
+    unrar.status = varStatusBar;
+    const bool sound = m_unrar->Test();
+    m_count = unrar.files();
+    Faults faults;
+    if (unrar.result().kind == ErrorKind::Declined)
+        return unrar.result();
+    if (!sound) {
+        faults.number = qMax(unrar.failures(), 1);
+        // The table's text stands in the sentence already when the archive could not be opened.
+        const QString& why = unrar.result().text;
+        faults.first =
+            why.contains(unrar.strLastErrorMsg) ? why : unrar.strLastErrorMsg + u": "_s + why;
+    } else if (!listed || !m_remarks.isEmpty()) {
+        faults.number = 1;
+        faults.first = listed ? m_remarks.first() : listed.text;
+    }
+    for (const CZIPFile& file : colZIPContents) {
+        if (file.inParent.isNull())
+            continue;
+        if (Result r = testEntries(file, faults); !r)
+            return r;
+    }
+    if (faults.number == 0)
+        return Result::success(u"RAR file is OK."_s);
+    return Result::failure(u"RAR file is NOT OK."_s + u' ' + faults.text(),
+                           listed ? ErrorKind::Failed : listed.kind);
 }
 
 } // namespace vt

@@ -61,8 +61,13 @@ EntryKind kindOf(QByteArrayView name, quint16 madeBy, quint32 attributes)
 
 void UnpackTally::add(const ZipEntry& entry)
 {
-    const bool dense = entry.size / ziplimits::ratio > entry.packed;
-    add(UnpackTally{entry.size, dense ? entry.size : 0});
+    add(entry.size, entry.packed);
+}
+
+void UnpackTally::add(qint64 size, qint64 packed, bool alone)
+{
+    const bool dense = alone && size / ziplimits::ratio > packed;
+    add(UnpackTally{size, dense ? size : 0});
 }
 
 void UnpackTally::add(const UnpackTally& other)

@@ -53,6 +53,8 @@ struct UnpackTally
     qint64 denseBytes = 0; ///< of entries whose own ratio is over the limit, whatever pads them
 
     void add(const ZipEntry& entry);
+    /// \a alone: the ratio of the entry itself counts too.
+    void add(qint64 size, qint64 packed, bool alone = true);
     void add(const UnpackTally& other);
     /// Why a source of that size that unpacks to all this is refused ("would unpack to more than
     /// ..."); empty when it is not.

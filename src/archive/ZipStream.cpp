@@ -1,6 +1,6 @@
 #include "archive/ZipStream.h"
 
-#include <QtEndian>
+#include "archive/PutBytes.h"
 
 #include <cstring>
 #include <memory>
@@ -14,13 +14,6 @@ namespace {
 
 constexpr qint64 streamPiece = 256LL * 1024;
 
-template <typename T> void put(QByteArray& to, T value)
-{
-    char bytes[sizeof(T)];
-    qToLittleEndian(value, bytes);
-    to.append(bytes, sizeof(T));
-}
-
 /// An archive of one entry, always in ZIP64 form: header + the packed bytes where they lie +
 /// directory.
 class MadeUpArchive
@@ -33,26 +26,26 @@ public:
         putCommon(m_tail, entry, true);
         const quint64 directoryBytes = quint64(m_tail.size());
         const quint64 directoryOffset = quint64(m_head.size() + m_packed);
-        put<quint32>(m_tail, 0x06064B50);
-        put<quint64>(m_tail, 44);
-        put<quint16>(m_tail, 63);
-        put<quint16>(m_tail, 63);
-        put<quint64>(m_tail, 0); // both disks
-        put<quint64>(m_tail, 1);
-        put<quint64>(m_tail, 1);
-        put<quint64>(m_tail, directoryBytes);
-        put<quint64>(m_tail, directoryOffset);
-        put<quint32>(m_tail, 0x07064B50);
-        put<quint32>(m_tail, 0);
-        put<quint64>(m_tail, directoryOffset + directoryBytes);
-        put<quint32>(m_tail, 1);
-        put<quint32>(m_tail, 0x06054B50);
-        put<quint32>(m_tail, 0); // both disks
-        put<quint16>(m_tail, 0xFFFF);
-        put<quint16>(m_tail, 0xFFFF);
-        put<quint32>(m_tail, 0xFFFFFFFF);
-        put<quint32>(m_tail, 0xFFFFFFFF);
-        put<quint16>(m_tail, 0);
+        putLow<quint32>(m_tail, 0x06064B50);
+        putLow<quint64>(m_tail, 44);
+        putLow<quint16>(m_tail, 63);
+        putLow<quint16>(m_tail, 63);
+        putLow<quint64>(m_tail, 0); // both disks
+        putLow<quint64>(m_tail, 1);
+        putLow<quint64>(m_tail, 1);
+        putLow<quint64>(m_tail, directoryBytes);
+        putLow<quint64>(m_tail, directoryOffset);
+        putLow<quint32>(m_tail, 0x07064B50);
+        putLow<quint32>(m_tail, 0);
+        putLow<quint64>(m_tail, directoryOffset + directoryBytes);
+        putLow<quint32>(m_tail, 1);
+        putLow<quint32>(m_tail, 0x06054B50);
+        putLow<quint32>(m_tail, 0); // both disks
+        putLow<quint16>(m_tail, 0xFFFF);
+        putLow<quint16>(m_tail, 0xFFFF);
+        putLow<quint32>(m_tail, 0xFFFFFFFF);
+        putLow<quint32>(m_tail, 0xFFFFFFFF);
+        putLow<quint16>(m_tail, 0);
         zip_error_init(&m_error);
     }
 
@@ -71,29 +64,29 @@ private:
 
     static void putCommon(QByteArray& to, const ZipEntry& entry, bool central)
     {
-        put<quint32>(to, central ? 0x02014B50 : 0x04034B50);
+        putLow<quint32>(to, central ? 0x02014B50 : 0x04034B50);
         if (central)
-            put<quint16>(to, 63);
-        put<quint16>(to, 63);
-        put<quint16>(to, quint16(entry.flags & 0x0006)); // how the method was used
-        put<quint16>(to, entry.method);
-        put<quint32>(to, 0x0021'0000);
-        put<quint32>(to, entry.crc);
-        put<quint32>(to, 0xFFFFFFFF);
-        put<quint32>(to, 0xFFFFFFFF);
-        put<quint16>(to, 1);
-        put<quint16>(to, 20);
+            putLow<quint16>(to, 63);
+        putLow<quint16>(to, 63);
+        putLow<quint16>(to, quint16(entry.flags & 0x0006)); // how the method was used
+        putLow<quint16>(to, entry.method);
+        putLow<quint32>(to, 0x0021'0000);
+        putLow<quint32>(to, entry.crc);
+        putLow<quint32>(to, 0xFFFFFFFF);
+        putLow<quint32>(to, 0xFFFFFFFF);
+        putLow<quint16>(to, 1);
+        putLow<quint16>(to, 20);
         if (central) {
-            put<quint16>(to, 0);
-            put<quint32>(to, 0);
-            put<quint32>(to, 0);
-            put<quint32>(to, 0);
+            putLow<quint16>(to, 0);
+            putLow<quint32>(to, 0);
+            putLow<quint32>(to, 0);
+            putLow<quint32>(to, 0);
         }
         to.append('e');
-        put<quint16>(to, 1);
-        put<quint16>(to, 16);
-        put<quint64>(to, quint64(entry.size));
-        put<quint64>(to, quint64(entry.packed));
+        putLow<quint16>(to, 1);
+        putLow<quint16>(to, 16);
+        putLow<quint64>(to, quint64(entry.size));
+        putLow<quint64>(to, quint64(entry.packed));
     }
 
     zip_int64_t answer(void* data, zip_uint64_t length, zip_source_cmd_t command)

@@ -1,5 +1,7 @@
 #include "archive/ZipWriter.h"
 
+#include "archive/PutBytes.h"
+
 #include <QDateTime>
 #include <QtEndian>
 
@@ -40,13 +42,6 @@ constexpr quint16 flagUtf8 = 0x0800;
 constexpr quint16 versionPlain = 20;
 constexpr quint16 versionWide = 45;
 constexpr quint16 extraWide = 1;
-
-template <typename T> void put(QByteArray& to, T value)
-{
-    char bytes[sizeof(T)];
-    qToLittleEndian(value, bytes);
-    to.append(bytes, sizeof(T));
-}
 
 quint32 saturate(qint64 value)
 {
@@ -100,13 +95,13 @@ QByteArray wideField(qint64 size, qint64 packed, qint64 offset)
     QByteArray values;
     for (const qint64 value : {size, packed, offset}) {
         if (value >= saturated)
-            put<quint64>(values, quint64(value));
+            putLow<quint64>(values, quint64(value));
     }
     if (values.isEmpty())
         return {};
     QByteArray field;
-    put<quint16>(field, extraWide);
-    put<quint16>(field, quint16(values.size()));
+    putLow<quint16>(field, extraWide);
+    putLow<quint16>(field, quint16(values.size()));
     return field + values;
 }
 
@@ -286,22 +281,22 @@ QByteArray localHeader(const auto& header)
 {
     QByteArray bytes;
     const bool later = (header.flags & flagDescriptor) != 0;
-    put<quint32>(bytes, localSignature);
-    put<quint16>(bytes, header.wide ? versionWide : versionPlain);
-    put<quint16>(bytes, header.flags);
-    put<quint16>(bytes, header.method);
-    put<quint32>(bytes, header.stamp);
-    put<quint32>(bytes, later ? 0 : header.crc);
-    put<quint32>(bytes, header.wide ? quint32(saturated) : later ? 0 : quint32(header.packed));
-    put<quint32>(bytes, header.wide ? quint32(saturated) : later ? 0 : quint32(header.size));
-    put<quint16>(bytes, quint16(header.name.size()));
-    put<quint16>(bytes, header.wide ? 20 : 0);
+    putLow<quint32>(bytes, localSignature);
+    putLow<quint16>(bytes, header.wide ? versionWide : versionPlain);
+    putLow<quint16>(bytes, header.flags);
+    putLow<quint16>(bytes, header.method);
+    putLow<quint32>(bytes, header.stamp);
+    putLow<quint32>(bytes, later ? 0 : header.crc);
+    putLow<quint32>(bytes, header.wide ? quint32(saturated) : later ? 0 : quint32(header.packed));
+    putLow<quint32>(bytes, header.wide ? quint32(saturated) : later ? 0 : quint32(header.size));
+    putLow<quint16>(bytes, quint16(header.name.size()));
+    putLow<quint16>(bytes, header.wide ? 20 : 0);
     bytes += header.name;
     if (header.wide) {
-        put<quint16>(bytes, extraWide);
-        put<quint16>(bytes, 16);
-        put<quint64>(bytes, later ? 0 : quint64(header.size));
-        put<quint64>(bytes, later ? 0 : quint64(header.packed));
+        putLow<quint16>(bytes, extraWide);
+        putLow<quint16>(bytes, 16);
+        putLow<quint64>(bytes, later ? 0 : quint64(header.size));
+        putLow<quint64>(bytes, later ? 0 : quint64(header.packed));
     }
     return bytes;
 }
@@ -428,13 +423,13 @@ Result ZipWriter::addStreamed(Header& header, const Content& content)
     if (Result r = whole(given, content.size, header.size); !r)
         return r;
     QByteArray behind;
-    vt::put<quint32>(behind, descriptorSignature);
-    vt::put<quint32>(behind, header.crc);
+    putLow<quint32>(behind, descriptorSignature);
+    putLow<quint32>(behind, header.crc);
     for (const qint64 size : {header.packed, header.size}) {
         if (header.wide)
-            vt::put<quint64>(behind, quint64(size));
+            putLow<quint64>(behind, quint64(size));
         else
-            vt::put<quint32>(behind, quint32(size));
+            putLow<quint32>(behind, quint32(size));
     }
     put(behind);
     record(header);
@@ -464,22 +459,22 @@ void ZipWriter::record(const Header& header)
     const QByteArray extra = wideField(header.size, header.packed, header.offset);
     const bool wide = header.wide || !extra.isEmpty();
     QByteArray& bytes = m_directory;
-    vt::put<quint32>(bytes, centralSignature);
-    vt::put<quint16>(bytes, wide ? versionWide : versionPlain); // made by, under DOS's rules
-    vt::put<quint16>(bytes, wide ? versionWide : versionPlain);
-    vt::put<quint16>(bytes, header.flags);
-    vt::put<quint16>(bytes, header.method);
-    vt::put<quint32>(bytes, header.stamp);
-    vt::put<quint32>(bytes, header.crc);
-    vt::put<quint32>(bytes, saturate(header.packed));
-    vt::put<quint32>(bytes, saturate(header.size));
-    vt::put<quint16>(bytes, quint16(header.name.size()));
-    vt::put<quint16>(bytes, quint16(extra.size()));
-    vt::put<quint16>(bytes, 0); // comment
-    vt::put<quint16>(bytes, 0); // disk
-    vt::put<quint16>(bytes, 0); // internal attributes
-    vt::put<quint32>(bytes, header.attributes);
-    vt::put<quint32>(bytes, saturate(header.offset));
+    putLow<quint32>(bytes, centralSignature);
+    putLow<quint16>(bytes, wide ? versionWide : versionPlain); // made by, under DOS's rules
+    putLow<quint16>(bytes, wide ? versionWide : versionPlain);
+    putLow<quint16>(bytes, header.flags);
+    putLow<quint16>(bytes, header.method);
+    putLow<quint32>(bytes, header.stamp);
+    putLow<quint32>(bytes, header.crc);
+    putLow<quint32>(bytes, saturate(header.packed));
+    putLow<quint32>(bytes, saturate(header.size));
+    putLow<quint16>(bytes, quint16(header.name.size()));
+    putLow<quint16>(bytes, quint16(extra.size()));
+    putLow<quint16>(bytes, 0); // comment
+    putLow<quint16>(bytes, 0); // disk
+    putLow<quint16>(bytes, 0); // internal attributes
+    putLow<quint32>(bytes, header.attributes);
+    putLow<quint32>(bytes, saturate(header.offset));
     bytes += header.name;
     bytes += extra;
 }
@@ -492,27 +487,27 @@ Result ZipWriter::finish(QByteArrayView comment)
     QByteArray end;
     if (m_entries >= 0xFFFF || directoryAt >= saturated || directoryBytes >= saturated) {
         const qint64 endAt = m_offset;
-        vt::put<quint32>(end, 0x06064B50);
-        vt::put<quint64>(end, 44);
-        vt::put<quint16>(end, versionWide);
-        vt::put<quint16>(end, versionWide);
-        vt::put<quint64>(end, 0); // both disks
-        vt::put<quint64>(end, quint64(m_entries));
-        vt::put<quint64>(end, quint64(m_entries));
-        vt::put<quint64>(end, quint64(directoryBytes));
-        vt::put<quint64>(end, quint64(directoryAt));
-        vt::put<quint32>(end, 0x07064B50);
-        vt::put<quint32>(end, 0);
-        vt::put<quint64>(end, quint64(endAt));
-        vt::put<quint32>(end, 1);
+        putLow<quint32>(end, 0x06064B50);
+        putLow<quint64>(end, 44);
+        putLow<quint16>(end, versionWide);
+        putLow<quint16>(end, versionWide);
+        putLow<quint64>(end, 0); // both disks
+        putLow<quint64>(end, quint64(m_entries));
+        putLow<quint64>(end, quint64(m_entries));
+        putLow<quint64>(end, quint64(directoryBytes));
+        putLow<quint64>(end, quint64(directoryAt));
+        putLow<quint32>(end, 0x07064B50);
+        putLow<quint32>(end, 0);
+        putLow<quint64>(end, quint64(endAt));
+        putLow<quint32>(end, 1);
     }
-    vt::put<quint32>(end, 0x06054B50);
-    vt::put<quint32>(end, 0); // both disks
-    vt::put<quint16>(end, quint16(qMin<qint64>(m_entries, 0xFFFF)));
-    vt::put<quint16>(end, quint16(qMin<qint64>(m_entries, 0xFFFF)));
-    vt::put<quint32>(end, saturate(directoryBytes));
-    vt::put<quint32>(end, saturate(directoryAt));
-    vt::put<quint16>(end, quint16(comment.size()));
+    putLow<quint32>(end, 0x06054B50);
+    putLow<quint32>(end, 0); // both disks
+    putLow<quint16>(end, quint16(qMin<qint64>(m_entries, 0xFFFF)));
+    putLow<quint16>(end, quint16(qMin<qint64>(m_entries, 0xFFFF)));
+    putLow<quint32>(end, saturate(directoryBytes));
+    putLow<quint32>(end, saturate(directoryAt));
+    putLow<quint16>(end, quint16(comment.size()));
     end += comment;
     put(end);
     flush();

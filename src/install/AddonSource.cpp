@@ -127,6 +127,12 @@ Result AddonSource::openPlainFile(const QString& file)
     return Result::success();
 }
 
+QStringList AddonSource::sourceFiles() const
+{
+    const QStringList volumes = m_archive ? m_archive->volumes() : QStringList();
+    return volumes.isEmpty() ? QStringList{m_path} : volumes;
+}
+
 QString AddonSource::plainName() const
 {
     const bool folder = m_path.endsWith(u'\\');
@@ -218,7 +224,10 @@ bool AddonSource::sameBytes(const CAddon_Item& a, const CAddon_Item& b) const
     if (m_archive) {
         const CZIPFileItem* first = m_archive->entry(a.entry);
         const CZIPFileItem* second = m_archive->entry(b.entry);
-        return first && second && first->crc32 == second->crc32;
+        if (!first || !second || first->crc32 != second->crc32)
+            return false;
+        if (first->crc32Known && second->crc32Known)
+            return true;
     }
     const auto first = read(a, a.size);
     const auto second = read(b, b.size);

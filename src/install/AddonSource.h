@@ -59,6 +59,9 @@ public:
     /// What was passed over: inner archives that cannot be read, unreadable folders, links.
     [[nodiscard]] const QStringList& remarks() const { return m_remarks; }
 
+    /// The files of an archive on the disk, all volumes of it; path() alone for everything else.
+    [[nodiscard]] QStringList sourceFiles() const;
+
     /// Null for folders.
     [[nodiscard]] CZIP* archive() const { return m_archive.get(); }
 

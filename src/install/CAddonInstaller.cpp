@@ -29,6 +29,40 @@ Prompt confirmDeleteOfSource(const QString& source, bool folder)
     return yesNo(u"Confirm Delete Source Files"_s, text, Button::No);
 }
 
+Result moveFile(Services& services, const QString& from, const QString& to)
+{
+    const Result kept = services.actions.keep(from, to);
+    return kept ? services.actions.remove(from) : kept;
+}
+
+/// Under a name of its own when there is one of that name already.
+Result moveArchive(Services& services, const QString& archive, const QString& folder)
+{
+    QString target = folder + winpath::name(archive);
+    for (int n = 2; services.files.exists(target); ++n)
+        target = folder + winpath::baseName(archive) + u' ' + QString::number(n) +
+                 winpath::name(archive).sliced(winpath::baseName(archive).size());
+    return moveFile(services, archive, target);
+}
+
+/// Volumes find each other by their names, so when one is taken they all go to a new folder there.
+Result moveVolumes(Services& services, const QStringList& volumes, const QString& folder)
+{
+    const auto taken = [&](const QString& into) {
+        return std::any_of(volumes.begin(), volumes.end(), [&](const QString& volume) {
+            return services.files.exists(into + winpath::name(volume));
+        });
+    };
+    QString into = folder;
+    for (int n = 2; taken(into); ++n)
+        into = folder + winpath::baseName(volumes.first()) + u' ' + QString::number(n) + u'\\';
+    for (const QString& volume : volumes) {
+        if (Result moved = moveFile(services, volume, into + winpath::name(volume)); !moved)
+            return moved;
+    }
+    return Result::success();
+}
+
 } // namespace
 
 QString installationResultsCaption(const QString& addon)
@@ -170,13 +204,9 @@ Result CAddonInstaller::SourceZipFile_Archive()
         return made;
     }
     const QString folder = winpath::asFolder(options.archiveSourceFolder);
-    QString target = folder + winpath::name(archive);
-    for (int n = 2; services.files.exists(target); ++n)
-        target = folder + winpath::baseName(archive) + u' ' + QString::number(n) +
-                 winpath::name(archive).sliced(winpath::baseName(archive).size());
-    Result moved = services.actions.keep(archive, target);
-    if (moved)
-        moved = services.actions.remove(archive);
+    const QStringList volumes = m_details.source().sourceFiles();
+    const Result moved = volumes.size() > 1 ? moveVolumes(services, volumes, folder)
+                                            : moveArchive(services, archive, folder);
     if (!moved) {
         m_results.add(resultgroup::failedSpecialActions,
                       u"Could not move addon zip source file."_s);
@@ -217,7 +247,10 @@ Result CAddonInstaller::SourceFiles_Delete()
         return Result::success();
     Result deleted = Result::success();
     if (!folder) {
-        deleted = services.actions.remove(source);
+        for (const QString& file : m_details.source().sourceFiles()) {
+            if (Result gone = services.actions.remove(file); !gone)
+                deleted = gone;
+        }
     } else {
         QSet<QString> folders;
         for (const QString& file : services.files.filesBelow(source)) {

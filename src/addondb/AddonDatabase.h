@@ -75,7 +75,8 @@ Result updateDetail(Connection& database, const DetailRecord& detail);
 Result deleteDetail(Connection& database, qint64 detailKey);
 /// All rows of the add-on and their checks, at once.
 Result deleteDetailsOf(Connection& database, qint64 masterKey);
-/// The rows that recorded the file at this place, oldest first.
+/// The rows that recorded the file at this place, oldest first; not those of add-ons that are in
+/// the File Cabinet.
 [[nodiscard]] ResultOf<QList<DetailRecord>>
 ownersOf(Connection& database, const QString& location, const QString& name);
 /// The rows of other add-ons at any of the places that this one recorded, oldest first; one look

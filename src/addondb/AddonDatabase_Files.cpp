@@ -195,7 +195,15 @@ ResultOf<QList<DetailRecord>> detailsOf(Connection& database, qint64 masterKey)
 ResultOf<QList<DetailRecord>>
 ownersOf(Connection& database, const QString& location, const QString& name)
 {
-    return detailsBy(database, Index::Addon_Details_Installed_To, {location, name});
+    ResultOf<QList<DetailRecord>> rows =
+        detailsBy(database, Index::Addon_Details_Installed_To, {location, name});
+    if (!rows)
+        return rows;
+    rows->removeIf([&](const DetailRecord& row) {
+        const ResultOf<AddonRecord> owner = addon(database, row.masterKey);
+        return owner && owner->status == InstallationStatus::FileCabinet;
+    });
+    return rows;
 }
 
 ResultOf<QList<DetailRecord>> sharersOf(Connection& database, qint64 masterKey)

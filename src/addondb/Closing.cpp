@@ -94,7 +94,7 @@ bool unpack(const QByteArray& bytes, RemovalClosing& closing)
         closing.foldersGone >> closing.configBases >> closing.configBasesGone >> closing.failed >>
         closing.areasPassedOn >> closing.library >> closing.sceneryAreasKept;
     if (format > 1)
-        in >> closing.edited;
+        in >> closing.edited >> closing.archive >> closing.toCabinet >> closing.sceneryAreasGone;
     return format >= 1 && format <= closingFormat && in.status() == QDataStream::Ok;
 }
 
@@ -184,12 +184,26 @@ Result deleteWholeAddon(Connection& database, const RemovalClosing& closing)
     return deleteMaster(database, key);
 }
 
+/// The files' rows stay, to tell where they belong; what else was recorded of the add-on has been
+/// taken back.
+Result storeAddon(Connection& database, const RemovalClosing& closing)
+{
+    using namespace modDatabase_Addon;
+    for (auto* remove : {&deleteOriginalsOf, &deleteSceneryAreasOf}) {
+        if (Result gone = remove(database, closing.masterKey); !gone)
+            return gone;
+    }
+    return setStatus(database, closing.masterKey, InstallationStatus::FileCabinet);
+}
+
 Result closeRemoval(Connection& database,
                     const Gate& gate,
                     const RemovalClosing& closing,
                     const QList<Place>& failedSteps)
 {
     using namespace modDatabase_Addon;
+    if (closing.archive.root != RootId::None && failedSteps.contains(closing.archive))
+        return Result::success(); // nothing else was carried out
     const QList<Place> failed = closing.failed + failedSteps;
     const bool libraryFailed =
         closing.library.root != RootId::None && failedSteps.contains(closing.library);
@@ -202,7 +216,9 @@ Result closeRemoval(Connection& database,
             return gone;
     }
     if (closing.whole && failed.isEmpty() && closing.sceneryAreasKept.isEmpty()) {
-        if (Result gone = deleteWholeAddon(database, closing); !gone)
+        Result gone =
+            closing.toCabinet ? storeAddon(database, closing) : deleteWholeAddon(database, closing);
+        if (!gone)
             return gone;
     } else {
         const ResultOf<QList<DetailRecord>> stay =
@@ -230,7 +246,8 @@ Result closeRemoval(Connection& database,
             return areas.error();
         const QSet<qint64> named(closing.detailKeys.cbegin(), closing.detailKeys.cend());
         for (const SceneryAreaRecord& area : *areas) {
-            const bool goes = closing.whole || named.contains(area.detailKey);
+            const bool goes = closing.whole || named.contains(area.detailKey) ||
+                              closing.sceneryAreasGone.contains(area.detailKey);
             const bool passedOn = std::any_of(closing.areasPassedOn.cbegin(),
                                               closing.areasPassedOn.cend(),
                                               [&area](const SceneryAreaRecord& passed) {
@@ -261,7 +278,7 @@ Result closeRemoval(Connection& database,
             return gone;
     }
     for (const FileCheck& edited : closing.edited) {
-        if (failedSteps.contains(edited.file))
+        if (failedSteps.contains(edited.file) || !detail(database, edited.detailKey))
             continue;
         if (Result noted = setCheck(database, edited.detailKey, edited.check); !noted)
             return noted;
@@ -303,7 +320,8 @@ QByteArray packClosing(const RemovalClosing& closing)
     out << closingFormat << closing.masterKey << closing.dateInstalled << closing.dateUninstalled
         << closing.whole << closing.detailKeys << closing.passedOn << closing.originalsGone
         << closing.foldersGone << closing.configBases << closing.configBasesGone << closing.failed
-        << closing.areasPassedOn << closing.library << closing.sceneryAreasKept << closing.edited;
+        << closing.areasPassedOn << closing.library << closing.sceneryAreasKept << closing.edited
+        << closing.archive << closing.toCabinet << closing.sceneryAreasGone;
     return bytes;
 }
 

@@ -53,7 +53,10 @@ struct RemovalClosing
     QList<SceneryAreaRecord> areasPassedOn; ///< to add-ons with scenery in the same folder
     Place library;                          ///< the scenery library, when it is changed
     QList<qint64> sceneryAreasKept;         ///< detail keys of areas whose removal failed
-    QList<FileCheck> edited;                ///< other add-ons' files that were edited
+    QList<FileCheck> edited;                ///< recorded files that have other bytes now
+    Place archive = {};                     ///< of the File Cabinet; written before all else
+    bool toCabinet = false;                 ///< the whole add-on goes there and stays recorded
+    QList<qint64> sceneryAreasGone = {};    ///< detail keys of areas that go with a part
 };
 
 [[nodiscard]] QByteArray packClosing(const InstallationClosing& closing);

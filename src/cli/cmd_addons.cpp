@@ -1,6 +1,7 @@
 // list, show, owner, validate, history: what is recorded, beside what lies on the disk. Reads only.
 #include "addondb/AddonDatabase.h"
 #include "addondb/AddonList.h"
+#include "addondb/FileCabinet.h"
 #include "cli/AddonKey.h"
 #include "cli/Command.h"
 #include "platform/Text.h"
@@ -134,6 +135,16 @@ struct Shown
     AddonItems items;
     QList<SceneryAreaRecord> areas;
     bool whole = true;
+    /// Where the files of an add-on in the File Cabinet are looked for; null without its archive.
+    std::shared_ptr<CabinetArchive> stored;
+
+    [[nodiscard]] ItemState state(World& world, const DetailRecord& detail) const
+    {
+        if (row.addon.status != InstallationStatus::FileCabinet)
+            return items.state(*world.database(), world.services().gate, detail);
+        return stored && stored->holds(detail.location + detail.name) ? ItemState::Ok
+                                                                      : ItemState::Missing;
+    }
 };
 
 ResultOf<Shown> loadShown(World& world, const Arguments& arguments)
@@ -157,7 +168,15 @@ ResultOf<Shown> loadShown(World& world, const Arguments& arguments)
     if (!areas)
         return areas.error();
     (void)world.located(); // the gate then knows the simulator's folders
-    return Shown{*row, std::move(*items), *areas, true};
+    Shown shown{*row, std::move(*items), *areas, true, nullptr};
+    const FileCabinet cabinet(world.services(), world.context().global);
+    const auto archive = cabinet.find(*key);
+    if (archive && row->addon.status == InstallationStatus::FileCabinet) {
+        shown.stored = std::make_shared<CabinetArchive>(world.services());
+        if (Result opened = shown.stored->open(*archive); !opened)
+            return opened;
+    }
+    return shown;
 }
 
 /// Every file with its state; for people only those that are not whole unless \a all.
@@ -166,7 +185,7 @@ void writeItems(World& world, Shown& shown, bool all)
     JsonStream& out = world.out();
     out.beginArray(u"items");
     for (const DetailRecord& detail : shown.items.details()) {
-        const ItemState state = shown.items.state(*world.database(), world.services().gate, detail);
+        const ItemState state = shown.state(world, detail);
         shown.whole = shown.whole && state == ItemState::Ok;
         out.beginObject();
         out.field(u"detailKey", detail.key);

@@ -1,8 +1,10 @@
-// remove: takes recorded add-ons out of the simulator again, one after the other.
+// remove: takes recorded add-ons out of the simulator again, one after the other, or moves them to
+// the File Cabinet or a folder. copy: leaves them as they are.
 #include "addondb/AddonDatabase.h"
 #include "cli/AddonKey.h"
 #include "cli/Command.h"
 #include "cli/TypedFile.h"
+#include "platform/WinPath.h"
 #include "remove/CAddonRemover.h"
 #include "simconfig/CPanel.h"
 #include "simconfig/CSound.h"
@@ -15,13 +17,14 @@ namespace vt::cli {
 
 namespace {
 
-/// Why a removal that ran to its end is not whole.
-Result notWhole(const CAddonRemover& remover)
+/// Why a removal or copy that ran to its end is not whole.
+Result notWhole(const CAddonRemover& remover, bool copied)
 {
     const Results& results = remover.results();
     const QString cause = results.texts(resultgroup::failedSpecialActions)
                               .value(0, results.texts(resultgroup::notProcessed).value(0));
-    return Result::failure(u"'"_s + remover.record().name + u"' was not removed whole. "_s + cause);
+    return Result::failure(u"'"_s + remover.record().name + u"' was not "_s +
+                           (copied ? u"copied"_s : u"removed"_s) + u" whole. "_s + cause);
 }
 
 /// Of an option that names a sound or panel; empty when it is not given.
@@ -42,9 +45,50 @@ ResultOf<QString> insteadOf(World& world,
     return alias;
 }
 
+RemovalMethod methodOf(const QString& word)
+{
+    return word == u"cabinet"    ? RemovalMethod::FileCabinet
+           : word == u"recreate" ? RemovalMethod::Recreate
+           : word == u"records"  ? RemovalMethod::RemoveRecords
+                                 : RemovalMethod::Delete;
+}
+
+/// A recorded file as typed: a path, also one from the simulator's folder.
+QString typedInstalled(World& world, const QString& typed)
+{
+    const QString path = world.userPath(typed);
+    if (winpath::isAbsolute(typed) || typed.startsWith(u'/') || world.services().files.exists(path))
+        return path;
+    return winpath::join(world.context().global.simulatorFolder, winpath::normalised(typed));
+}
+
+/// Where the files go; the folder is one that this call may write below.
+Result takeFolder(World& world, const Arguments& arguments, RemovalOptions& options)
+{
+    const bool needed =
+        options.method == RemovalMethod::Recreate || options.method == RemovalMethod::Copy;
+    options.zip = arguments.has(u"--zip"_s);
+    if (needed && !arguments.has(u"--to"_s))
+        return Result::failure(u"Name the folder that the files go to: --to DIR."_s,
+                               ErrorKind::Usage);
+    if (!needed && (arguments.has(u"--to"_s) || options.zip))
+        return Result::failure(u"--to and --zip belong to --method recreate."_s, ErrorKind::Usage);
+    if (needed)
+        options.toFolder = world.userRoot(arguments.value(u"--to"_s));
+    return Result::success();
+}
+
 ResultOf<RemovalOptions> optionsOf(World& world, const Arguments& arguments)
 {
     RemovalOptions options;
+    options.method = methodOf(arguments.value(u"--method"_s));
+    if (Result taken = takeFolder(world, arguments, options); !taken)
+        return taken;
+    for (const QString& typed : arguments.values(u"--file"_s))
+        options.files.append(typedInstalled(world, typed));
+    if (!options.files.isEmpty() && arguments.all(u"KEY"_s).size() > 1)
+        return Result::failure(u"--file names files of one add-on; name its key alone."_s,
+                               ErrorKind::Usage);
     const ConfigAccess access(world.services());
     const Files& files = world.services().files;
     const GlobalRecord& global = world.context().global;
@@ -84,11 +128,14 @@ int removeOne(World& world, const ResultOf<qint64>& key, const RemovalOptions& o
         if (!remover.Remove_Begin())
             failure = remover.failure();
         else if (remover.anyFailed())
-            failure = notWhole(remover);
+            failure = notWhole(remover, options.method == RemovalMethod::Copy);
         out.field(u"name", remover.record().name);
         out.field(u"ok", failure.ok);
         out.key(u"results");
         remover.results().write(out);
+        out.field(u"target", remover.target());
+        if (remover.failure().ok)
+            world.say(removalActionText(options.method, remover.target()));
         world.say(removalResultsCaption(remover.record().name));
         world.say(remover.results());
     } else {
@@ -126,14 +173,46 @@ int runRemove(World& world, const Arguments& arguments)
     return status;
 }
 
+int runCopy(World& world, const Arguments& arguments)
+{
+    const ResultOf<qint64> key = addonKey(arguments.one(u"KEY"_s));
+    if (!key && key.kind == ErrorKind::Usage)
+        return world.fail(key.error());
+    if (Result ready = world.needSimulator(); !ready)
+        return world.fail(ready);
+    if (Result ready = world.needWriting(); !ready)
+        return world.fail(ready);
+    RemovalOptions options;
+    options.method = RemovalMethod::Copy;
+    if (Result taken = takeFolder(world, arguments, options); !taken)
+        return world.fail(taken);
+    world.out().beginArray();
+    const int status = removeOne(world, key, options);
+    world.out().endArray();
+    return status;
+}
+
 } // namespace
 
 std::vector<Command> removeCommands()
 {
-    return {{"remove",
+    return {{"copy",
+             "copy an add-on's files to a folder, leaving it installed",
+             {{"KEY", "key of an add-on, as 'list' shows it"}},
+             {{"--to", "DIR", "folder that gets a folder of the add-on"},
+              {"--zip", nullptr, "a zip file in that folder instead"}},
+             runCopy},
+            {"remove",
              "remove add-ons, putting back what they had replaced",
              {{"KEY", "key of an add-on, as 'list' shows it", true, true}},
-             {{"--method", "METHOD", "what happens to the files", false, {"delete"}},
+             {{"--method",
+               "METHOD",
+               "what happens to the files",
+               false,
+               {"delete", "cabinet", "recreate", "records"}},
+              {"--to", "DIR", "folder that gets a folder of the add-on (recreate)"},
+              {"--zip", nullptr, "a zip file in that folder instead (recreate)"},
+              {"--file", "PATH", "only this file of the add-on; repeatable", true},
               {"--sound-instead", "PATH", "sound for aircraft that use one of the add-on's"},
               {"--panel-instead", "PATH", "panel for aircraft that use one of the add-on's"}},
              runRemove}};

@@ -76,20 +76,28 @@ bool CAddonRemover::Remove_Begin()
              {u"Private Function OriginalAddonWarning"_s, &R::OriginalAddonWarning},
              {u"Private Function AddonDetails_Open"_s, &R::AddonDetails_Open}}) {
         m_failure = step(name, run);
-        if (!m_failure)
+        if (!m_failure || m_options.method == RemovalMethod::Copy)
             break;
     }
-    if (m_failure) {
-        // A step that fails tells it in the results, and the next one still runs; but a stop by the
-        // user, or a disk that fails, ends everything while nothing has changed.
+    // A step that fails tells it in the results, and the next one still runs; but a stop by the
+    // user, a disk that fails, or a move that cannot be made safe ends everything while nothing has
+    // changed.
+    if (m_failure && takesAway())
         (void)step(u"Private Sub AircraftVariants_Remove"_s, &R::AircraftVariants_Remove);
+    if (m_failure) {
         const Result files = step(u"Private Sub RemoveFiles"_s, &R::RemoveFiles);
         if (m_cancelled || files.kind == ErrorKind::DiskFull || files.kind == ErrorKind::DiskFailed)
             m_failure = files;
     }
-    if (m_failure) {
-        (void)step(u"Private Sub References_Update"_s, &R::References_Update);
-        (void)step(u"Private Sub SceneryLibrary_Update"_s, &R::SceneryLibrary_Update);
+    if (m_failure)
+        m_failure = step(u"Private Sub Remove_ProcessCabinetZip"_s, &R::Remove_ProcessCabinetZip);
+    if (m_failure && m_options.method == RemovalMethod::Copy) {
+        tellFiles({});
+    } else if (m_failure) {
+        if (takesAway()) {
+            (void)step(u"Private Sub References_Update"_s, &R::References_Update);
+            (void)step(u"Private Sub SceneryLibrary_Update"_s, &R::SceneryLibrary_Update);
+        }
         (void)step(u"Private Sub AddonMasterTable_Update"_s, &R::AddonMasterTable_Update);
         (void)step(u"Private Sub CustomFolders_Delete"_s, &R::CustomFolders_Delete);
         (void)step(u"Private Sub AddonDescriptionRecord_Delete"_s,
@@ -99,26 +107,37 @@ bool CAddonRemover::Remove_Begin()
                    &R::AddonCabinetAndCustomFolders_Delete);
         m_failure = step(u"Private Sub Changes_Apply"_s, &R::Changes_Apply);
     }
+    if (!m_failure)
+        discardRecreated();
     Remove_End();
     return m_failure.ok;
+}
+
+/// Whether files of the simulator are concerned, and with them its configuration.
+bool CAddonRemover::takesAway() const
+{
+    return !m_inCabinet && m_options.method != RemovalMethod::RemoveRecords &&
+           m_options.method != RemovalMethod::Copy;
 }
 
 Result CAddonRemover::Preliminaries()
 {
     status(u"Preparing to remove..."_s);
-    if (m_options.method != RemovalMethod::Delete)
-        return Result::failure(
-            u"This removal method is not available yet; delete the add-on's files instead."_s);
     const ResultOf<AddonRecord> record = modDatabase_Addon::addon(m_database, m_masterKey);
     if (!record)
         return Result::failure(u"No add-on with the key "_s + QString::number(m_masterKey) +
                                u" is recorded; 'list' shows those that are."_s);
     m_record = *record;
+    m_inCabinet = m_record.status == InstallationStatus::FileCabinet;
     m_context.services.files.newOperation();
     (void)m_log.open(m_context.services.gate, m_context.global.programFolder + u"REMOVE.LOG"_s);
     m_log.line(QString(u"Removing addon '"_s + m_record.name + u"' begin."_s));
     if (Result loaded = loadRecords(); !loaded)
         return loaded;
+    if (Result found = findTarget(); !found)
+        return found;
+    if (!takesAway())
+        return Result::success();
     findUsers();
     if (Result checked = Remove_Sound_CheckSoundDependencies(); !checked)
         return checked;
@@ -142,9 +161,18 @@ Result CAddonRemover::loadRecords()
     m_checks = *checks;
     for (const OriginalRecord& original : *kept)
         m_originals.insert(original.detailKey, original);
-    m_files.reserve(size_t(details->size()));
-    for (const DetailRecord& detail : *details)
-        m_files.push_back({detail, RemovalOutcome::Removed});
+    m_details = *details;
+    QSet<NoCase> wanted;
+    for (const QString& path : std::as_const(m_options.files))
+        wanted.insert(NoCase{path});
+    for (const DetailRecord& detail : *details) {
+        if (m_options.files.isEmpty() || wanted.remove(NoCase{detail.location + detail.name}))
+            m_files.push_back({detail, RemovalOutcome::Removed});
+    }
+    if (!wanted.isEmpty())
+        return Result::failure(u"'"_s + wanted.cbegin()->text + u"' is no file of '"_s +
+                               m_record.name + u"'; 'show' lists those that are."_s);
+    m_whole = qsizetype(m_files.size()) == m_details.size();
     return Result::success();
 }
 
@@ -180,8 +208,15 @@ Result CAddonRemover::SceneryLibrary_Update()
 {
     ResultOf<QList<SceneryAreaRecord>> areas =
         modDatabase_Addon::sceneryAreasOf(m_database, m_masterKey);
-    if (!areas || areas->isEmpty())
-        return areas ? Result::success() : areas.error();
+    if (!areas)
+        return areas.error();
+    areas->removeIf([this](const SceneryAreaRecord& area) {
+        return !m_whole && std::none_of(m_files.cbegin(), m_files.cend(), [&](const File& file) {
+            return winpath::isBelow(file.detail.location, area.path);
+        });
+    });
+    if (areas->isEmpty())
+        return Result::success();
     status(u"Updating scenery library..."_s);
     Result updated = updateLibrary(*areas);
     if (!updated) {
@@ -208,9 +243,10 @@ Result CAddonRemover::updateLibrary(const QList<SceneryAreaRecord>& areas)
         return before.error();
     const ResultOf<QList<SceneryAreaRecord>> everyArea =
         modDatabase_Addon::sceneryAreas(m_database);
-    const bool last = everyArea && everyArea->size() == areas.size();
     m_areasGoing.removeIf(
         [&](const SceneryAreaRecord& area) { return !removeArea(library, area); });
+    // An area that stays must not go with the old bytes.
+    const bool last = everyArea && everyArea->size() == areas.size() && !m_areaStays;
     if (m_areasGoing.isEmpty())
         return Result::success(); // what was told stands: nothing is to be written
     if (Result saved = library.SceneryCfg_Save(); !saved)
@@ -222,7 +258,7 @@ Result CAddonRemover::updateLibrary(const QList<SceneryAreaRecord>& areas)
                                   m_context.global,
                                   file,
                                   *before,
-                                  last && m_closing.areasPassedOn.isEmpty(),
+                                  last,
                                   m_record.status != InstallationStatus::Imported);
     if (!undone)
         return undone.error();
@@ -245,7 +281,11 @@ Result CAddonRemover::updateLibrary(const QList<SceneryAreaRecord>& areas)
 bool CAddonRemover::removeArea(CSceneryCfgMgr& library, const SceneryAreaRecord& area)
 {
     QString stays;
-    if (otherSceneryFilesIn(area))
+    const bool others = otherSceneryFilesIn(area);
+    m_areaStays = m_areaStays || others;
+    if (!others && !m_whole)
+        m_closing.sceneryAreasGone.push_back(area.detailKey);
+    if (others)
         stays =
             u"' was not removed from the scenery library because there are additional scenery files in that folder."_s;
     else if (!library.SceneryCfg_RemoveArea(library.areaForFolder(area.path, area.area)))
@@ -283,8 +323,11 @@ bool CAddonRemover::otherSceneryFilesIn(const SceneryAreaRecord& area)
         if (!owners)
             continue;
         for (const DetailRecord& owner : *owners) {
-            if (owner.masterKey == m_masterKey)
+            if (owner.masterKey == m_masterKey && goesRow(owner.key))
                 continue;
+            // One of the add-on's own that stays: the area stays with it.
+            if (owner.masterKey == m_masterKey && !goesRow(area.detailKey))
+                return true;
             SceneryAreaRecord passed = area;
             passed.masterKey = owner.masterKey;
             passed.detailKey = owner.key;
@@ -293,6 +336,13 @@ bool CAddonRemover::otherSceneryFilesIn(const SceneryAreaRecord& area)
         }
     }
     return any;
+}
+
+bool CAddonRemover::goesRow(qint64 detailKey) const
+{
+    return std::any_of(m_files.cbegin(), m_files.cend(), [detailKey](const File& file) {
+        return file.detail.key == detailKey;
+    });
 }
 
 Result CAddonRemover::AddonMasterTable_Update()
@@ -313,13 +363,17 @@ Result CAddonRemover::AddonDescriptionRecord_Delete()
 Result CAddonRemover::AddonMasterRecord_Delete()
 {
     status(u"Deleting addon master record..."_s);
-    m_closing.whole = true;
+    m_closing.whole = m_whole;
+    if (!m_whole) {
+        for (const File& file : m_files)
+            m_closing.detailKeys.push_back(file.detail.key);
+    }
     return Result::success();
 }
 
 Result CAddonRemover::Changes_Apply()
 {
-    status(u"Removing detail records..."_s);
+    status(m_closing.toCabinet ? u"Updating detail record..."_s : u"Removing detail records..."_s);
     const ResultOf<QList<StepFailure>> applied =
         m_actions->apply(packClosing(m_closing), [this] { return recordVariants(); });
     if (!applied)

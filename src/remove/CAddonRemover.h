@@ -1,12 +1,14 @@
-// Undoes one add-on's installation: its files go (or stay by the sharing rules), what they had
-// replaced comes back, its scenery areas and records go. Everything is decided first, then
-// committed with the journal, then carried out; an interrupted removal is completed at the next
-// start.
+// Undoes one add-on's installation, or that of some of its files: they go, move to the File Cabinet
+// or to a folder of the user's (or stay by the sharing rules), what they had replaced comes back,
+// scenery areas and records go. Everything is decided first, and what is moved is written and
+// compared; then all is committed with the journal and carried out. An interrupted removal is
+// completed at the next start. The same steps copy an add-on.
 #pragma once
 
 #include "addondb/AddonRecords.h"
 #include "addondb/Closing.h"
 #include "addondb/Connection.h"
+#include "addondb/FileCabinet.h"
 #include "addondb/Originals.h"
 #include "catalogue/Catalogue.h"
 #include "platform/AppendFile.h"
@@ -32,14 +34,16 @@ class UsedFiles;
 /// What became of one file.
 enum class RemovalOutcome : quint8
 {
-    Removed,
-    KeptForOthers,
+    Removed,       ///< or moved, or copied, as the method has it
+    KeptForOthers, ///< and copied, where the method moves
     Missing,
     Failed,
 };
 
-/// " was removed.", " was NOT removed because ...", as put behind the file's path.
-[[nodiscard]] QString removalPhrase(RemovalOutcome outcome);
+/// " was removed.", " was NOT removed because ...", as put behind the file's path. \a target: the
+/// folder or zip file that the file goes to.
+[[nodiscard]] QString
+removalPhrase(RemovalMethod method, RemovalOutcome outcome, const QString& target);
 
 /// "Removal Results - '<add-on>'".
 [[nodiscard]] QString removalResultsCaption(const QString& addon);
@@ -59,8 +63,8 @@ public:
     CAddonRemover(const CAddonRemover&) = delete;
     CAddonRemover& operator=(const CAddonRemover&) = delete;
 
-    /// Whether the removal ran to its end. False: nothing was changed, failure() says why (kind
-    /// Declined after a No).
+    /// Whether the removal (or copy) ran to its end. False: nothing was changed, failure() says why
+    /// (kind Declined after a No).
     bool Remove_Begin();
 
     [[nodiscard]] const Results& results() const { return m_results; }
@@ -71,6 +75,10 @@ public:
     [[nodiscard]] bool anyFailed() const { return m_anyFailed; }
 
     [[nodiscard]] const AddonRecord& record() const { return m_record; }
+
+    /// The File Cabinet's archive, the folder or the zip file that the files go to; empty for the
+    /// methods that move nothing.
+    [[nodiscard]] const QString& target() const { return m_target; }
 
 private:
     struct File
@@ -102,6 +110,7 @@ private:
     Result AddonDetails_Open();
     Result AircraftVariants_Remove();
     Result RemoveFiles();
+    Result Remove_ProcessCabinetZip();
     Result References_Update();
     Result SceneryLibrary_Update();
     Result AddonMasterTable_Update();
@@ -125,9 +134,28 @@ private:
     Result repoint(Catalogue::Kind kind, const QString& file, const QString& alias);
     void tellReferences(const QList<StepFailure>& failures);
 
+    [[nodiscard]] bool takesAway() const;
+    [[nodiscard]] bool goesRow(qint64 detailKey) const;
     Result loadRecords();
     Result noteEdited(const DetailRecord& owner, const FileInfo& before);
+    // CAddonRemover_Cabinet.cpp
+    Result findTarget();
+    [[nodiscard]] bool moves() const;
+    [[nodiscard]] QString ownVersion(const File& file, const std::optional<FileInfo>& now);
+    Result collect(File& file, const QString& from);
+    Result collectStored(const QString& path);
+    Result collectLeftovers();
+    Result recreate(const CabinetFile& file);
+    [[nodiscard]] QString recreatedName(const QString& path);
+    Result writeRecreateZip();
+    Result fillCabinet();
+    Result emptyCabinet();
+    void discardRecreated();
+    Result processStored(File& file);
+    void tellFile(const File& file);
+
     void confirmLinks();
+    [[nodiscard]] bool goesWithPart(const QString& file, const QString& texture) const;
     Result removeVariantsFrom(const QString& file);
     Result takeOut(const QString& file, const QStringList& sections);
     Result editKept(const DetailRecord& owner, const QStringList& sections);
@@ -138,12 +166,17 @@ private:
     [[nodiscard]] bool mayBeUsed(const QString& path) const;
     [[nodiscard]] bool isUsedByOthers(const QString& path) const;
     Result RemoveFile(File& file);
+    void prepareRelease();
+    Result releaseFile(File& file, const std::optional<FileInfo>& now);
     void tellRelease(const File& file, const originals::Release& release);
     bool otherSceneryFilesIn(const SceneryAreaRecord& area);
     Result updateLibrary(const QList<SceneryAreaRecord>& areas);
     bool removeArea(class CSceneryCfgMgr& library, const SceneryAreaRecord& area);
     void tellLibraryFailure(const QString& why);
     void cleanKeptFolders();
+    [[nodiscard]] QStringList storageFolders() const;
+    Result emptyStorage(const QString& folder);
+    void leaveRecordsOnly();
     [[nodiscard]] QStringList emptiedFolders();
     [[nodiscard]] bool willBeEmpty(const QString& folder, const QSet<NoCase>& going);
     void tellFiles(const QList<StepFailure>& failures);
@@ -164,7 +197,17 @@ private:
     Result m_failure;
     AddonRecord m_record;
     RemovalClosing m_closing;
-    std::vector<File> m_files;
+    QList<DetailRecord> m_details; ///< all of the add-on's
+    std::vector<File> m_files;     ///< those that are to go
+    bool m_whole = true;           ///< all of them are
+    bool m_inCabinet = false;
+    QString m_target;
+    QString m_archive; ///< of the add-on in the File Cabinet; empty: there is none
+    std::unique_ptr<CabinetArchive> m_stored;
+    std::vector<CabinetFile> m_collected; ///< what is moved or copied
+    QSet<NoCase> m_recreatedNames;
+    QStringList m_recreated; ///< files that were written to the user's folder
+    bool m_areaStays = false;
     QHash<qint64, Fingerprint> m_checks;
     QHash<qint64, OriginalRecord> m_originals;
     QList<VariantTold> m_variantResults; ///< told once everything is in its place

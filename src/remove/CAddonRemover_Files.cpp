@@ -1,4 +1,4 @@
-// What a removal does with files and folders.
+// What a removal does with single files.
 #include "addondb/AddonDatabase.h"
 #include "addondb/FileType.h"
 #include "catalogue/UsedFiles.h"
@@ -16,56 +16,45 @@ namespace {
 
 constexpr qsizetype progressEvery = 64;
 
-bool isBackup(const QString& name)
-{
-    return endsWithNoCase(name, u".vtb") || endsWithNoCase(name, u".vt2");
-}
-
-/// Deepest first: a longer path cannot lie above a shorter one.
-QStringList deepestFirst(const QSet<NoCase>& folders)
-{
-    QStringList out;
-    for (const NoCase& folder : folders)
-        out.push_back(folder.text);
-    std::sort(out.begin(), out.end(), [](const QString& a, const QString& b) {
-        return a.size() != b.size() ? a.size() > b.size() : a < b;
-    });
-    return out;
-}
-
 } // namespace
 
-QString removalPhrase(RemovalOutcome outcome)
+QString removalPhrase(RemovalMethod method, RemovalOutcome outcome, const QString& target)
 {
+    const bool cabinet = method == RemovalMethod::FileCabinet;
+    const bool copies = method == RemovalMethod::Copy;
+    const bool moves = method == RemovalMethod::Recreate;
     switch (outcome) {
     case RemovalOutcome::Removed:
-        return u" was removed."_s;
+        if (method == RemovalMethod::RemoveRecords)
+            return u" was left installed."_s;
+        return cabinet  ? u" will be moved to the File Cabinet."_s
+               : moves  ? u" will be moved to "_s + target + u'.'
+               : copies ? u" will be copied to "_s + target + u'.'
+                        : u" was removed."_s;
     case RemovalOutcome::KeptForOthers:
-        return u" was NOT removed because another addon depends on it."_s;
+        return cabinet
+                   ? u" will be copied to the File Cabinet. Because another addon depends on this file, it was left installed."_s
+               : moves ? u" will be copied to "_s + target + u'.'
+                       : u" was NOT removed because another addon depends on it."_s;
     case RemovalOutcome::Missing:
-        return u" was NOT removed because it no longer exists."_s;
+        return cabinet  ? u" was NOT moved to the File Cabinet because it no longer exists."_s
+               : moves  ? u" was NOT moved to "_s + target + u" because it no longer exists."_s
+               : copies ? u" was NOT copied to "_s + target + u" because it no longer exists."_s
+                        : u" was NOT removed because it no longer exists."_s;
     case RemovalOutcome::Failed:
         break;
     }
-    return u" was NOT removed due to an error."_s;
+    return cabinet  ? u" may NOT be moved to the File Cabinet due to an error."_s
+           : moves  ? u" may NOT be moved to "_s + target + u" due to an error."_s
+           : copies ? u" may NOT be copied to "_s + target + u" due to an error."_s
+                    : u" was NOT removed due to an error."_s;
 }
 
 Result CAddonRemover::RemoveFiles()
 {
     status(u"Processing addon files..."_s);
-    const QString setAsideFolder =
-        originals::setAsideFolder(m_context.services.files, m_context.global, m_record);
-    m_release = std::make_unique<originals::ReleaseContext>(
-        originals::ReleaseContext{m_context.services.gate,
-                                  *m_actions,
-                                  m_database,
-                                  m_context.global,
-                                  setAsideFolder,
-                                  [this, setAsideFolder] {
-                                      if (std::exchange(m_announcedSetAside, true))
-                                          return Result::success();
-                                      return m_actions->announceKept(setAsideFolder);
-                                  }});
+    if (m_actions)
+        prepareRelease();
     StatusSink& sink = m_context.services.status;
     for (size_t i = 0; i < m_files.size(); ++i) {
         if (sink.cancelled()) {
@@ -81,6 +70,7 @@ Result CAddonRemover::RemoveFiles()
             if (removed.kind == ErrorKind::DiskFull || removed.kind == ErrorKind::DiskFailed)
                 return Result::failure(removed.text + u" Nothing was removed."_s, removed.kind);
             file.outcome = RemovalOutcome::Failed;
+            m_anyFailed = true;
             const QString path = file.detail.location + file.detail.name;
             m_context.errors.report(u"Private Sub RemoveFile"_s, path + u": "_s + removed.text);
             m_results.addCause(path, removed.text);
@@ -88,7 +78,37 @@ Result CAddonRemover::RemoveFiles()
                 m_closing.failed.push_back(*place);
         }
     }
+    return collectLeftovers();
+}
+
+/// Files that were moved to the File Cabinet one by one go where the others go.
+Result CAddonRemover::collectLeftovers()
+{
+    if (!m_stored || !m_whole || !moves())
+        return Result::success();
+    QSet<NoCase> recorded;
+    for (const DetailRecord& detail : std::as_const(m_details))
+        recorded.insert(NoCase{detail.location + detail.name});
+    for (const QString& path : m_stored->paths()) {
+        if (recorded.contains(NoCase{path}) && m_inCabinet)
+            continue;
+        if (Result collected = collectStored(path); !collected)
+            return Result::failure(collected.text + u" Nothing was changed."_s,
+                                   ErrorKind::DiskFailed);
+    }
     return Result::success();
+}
+
+void CAddonRemover::prepareRelease()
+{
+    const QString folder =
+        originals::setAsideFolder(m_context.services.files, m_context.global, m_record);
+    m_release = std::make_unique<originals::ReleaseContext>(originals::ReleaseContext{
+        m_context.services.gate, *m_actions, m_database, m_context.global, folder, [this, folder] {
+            if (std::exchange(m_announcedSetAside, true))
+                return Result::success();
+            return m_actions->announceKept(folder);
+        }});
 }
 
 void CAddonRemover::confirmLinks()
@@ -156,27 +176,57 @@ bool CAddonRemover::isUsedByOthers(const QString& path) const
 
 Result CAddonRemover::RemoveFile(File& file)
 {
-    const DetailRecord& detail = file.detail;
-    const QString path = detail.location + detail.name;
-    status(u"Processing '"_s + detail.name + u"'..."_s);
+    const QString path = file.detail.location + file.detail.name;
+    status(u"Processing '"_s + file.detail.name + u"'..."_s);
     m_log.line(QString(u"Removing file "_s + path + u" using method "_s +
                        QString::number(int(m_options.method))));
+    if (m_inCabinet)
+        return processStored(file);
+    if (m_options.method == RemovalMethod::RemoveRecords)
+        return Result::success();
     if (!m_closedLinks.isEmpty()) {
-        const auto closed = m_context.services.gate.outerLink(detail.location);
+        const auto closed = m_context.services.gate.outerLink(file.detail.location);
         if (closed)
             return Result::failure(outerlinks::closedText(*closed));
     }
+    // Below a program folder that has moved since, for one.
+    if (const ResultOf<Place> place = m_context.services.gate.place(path); !place)
+        return place.error();
     const auto now = m_context.services.files.entry(path);
     if (now && now->folder && !now->link)
         return Result::failure(u"a folder of that name lies there now."_s);
+    bool missing = false;
+    if (moves()) {
+        const QString own = ownVersion(file, now);
+        missing = own.isEmpty();
+        if (!missing) {
+            if (Result collected = collect(file, own); !collected)
+                return collected;
+        }
+    }
+    if (takesAway()) {
+        if (Result released = releaseFile(file, now); !released)
+            return released;
+    }
+    if (missing)
+        file.outcome = RemovalOutcome::Missing;
+    return Result::success();
+}
+
+/// Takes the file out of the simulator, by the rules of sharing.
+Result CAddonRemover::releaseFile(File& file, const std::optional<FileInfo>& now)
+{
+    const DetailRecord& detail = file.detail;
+    const QString path = detail.location + detail.name;
     const auto kept = m_originals.constFind(detail.key);
     if (file.editedInPlace) {
         const QString keptPath = m_context.global.originalsFolder + kept->keptFile;
         m_keptFolders.insert(NoCase{winpath::parent(keptPath)});
         return m_actions->remove(keptPath);
     }
+    const QString depends = u"   "_s + path + u" has another addon(s) that depend on it"_s;
     if (now && kept == m_originals.cend() && isUsedByOthers(path)) {
-        m_log.line(QString(u"   "_s + path + u" has another addon(s) that depend on it"_s));
+        m_log.line(depends);
         file.outcome = RemovalOutcome::KeptForOthers;
         return Result::success();
     }
@@ -185,10 +235,12 @@ Result CAddonRemover::RemoveFile(File& file)
         *m_release, detail, m_checks.value(detail.key), original, m_sharers.at(path), now);
     if (!release)
         return release.error();
-    if (release->shared)
+    if (release->shared) {
+        m_log.line(depends);
         file.outcome = RemovalOutcome::KeptForOthers;
-    else if (!now)
+    } else if (!now) {
         file.outcome = RemovalOutcome::Missing;
+    }
     tellRelease(file, *release);
     if (release->passedOn.detailKey != 0)
         m_closing.passedOn.push_back(release->passedOn);
@@ -220,103 +272,22 @@ void CAddonRemover::tellRelease(const File& file, const originals::Release& rele
                 release.setAside + u"'."_s);
 }
 
-Result CAddonRemover::CustomFolders_Delete()
+void CAddonRemover::tellFile(const File& file)
 {
-    status(u"Deleting custom folders..."_s);
-    for (const QString& folder : emptiedFolders()) {
-        const ResultOf<Place> place = m_context.services.gate.place(folder);
-        if (!place)
-            continue;
-        if (Result removed = m_actions->removeEmptyFolder(folder); !removed)
-            return removed;
-        m_closing.foldersGone.push_back(*place);
-    }
-    return Result::success();
-}
-
-Result CAddonRemover::AddonCabinetAndCustomFolders_Delete()
-{
-    // The add-on's own folders are among those that CustomFolders_Delete found; what is left are
-    // the folders of the files that it had kept.
-    status(u"Deleting addon custom and cabinet folders..."_s);
-    cleanKeptFolders();
-    return Result::success();
-}
-
-QStringList CAddonRemover::emptiedFolders()
-{
-    const ResultOf<QList<Place>> own = modDatabase_Addon::ownFolders(m_database);
-    if (!own || own->isEmpty())
-        return {};
-    QSet<NoCase> ownPaths;
-    QSet<NoCase> candidates;
-    const auto isStorage = [this](const QString& name) {
-        QString own = winpath::safeName(m_record.name);
-        if (own.isEmpty())
-            own = u"Addon"_s;
-        if (equalNoCase(name, own))
-            return true;
-        bool numbered = false; // "<name> 2", where the name was taken
-        if (startsWithNoCase(name, QString(own + u' ')))
-            (void)QStringView(name).sliced(own.size() + 1).toInt(&numbered);
-        return numbered;
-    };
-    for (const Place& place : *own) {
-        const QString path = m_context.services.gate.path(place) + u'\\';
-        ownPaths.insert(NoCase{path});
-        // The add-on's own folders below "Addons\" and "Cabinet\" may never have held a file.
-        const QString above = winpath::parent(path);
-        if ((winpath::same(above, m_context.global.addonsFolder) ||
-             winpath::same(above, m_context.global.cabinetFolder)) &&
-            isStorage(winpath::name(path)))
-            candidates.insert(NoCase{path});
-    }
-    QSet<NoCase> seen;
-    for (const File& file : m_files) {
-        for (QString up = file.detail.location; !up.isEmpty() && !seen.contains(NoCase{up});
-             up = winpath::parent(up)) {
-            seen.insert(NoCase{up});
-            if (ownPaths.contains(NoCase{up}))
-                candidates.insert(NoCase{up});
-        }
-    }
-    QStringList going;
-    QSet<NoCase> goingSet;
-    for (const QString& folder : deepestFirst(candidates)) {
-        if (willBeEmpty(folder, goingSet)) {
-            goingSet.insert(NoCase{folder});
-            going.push_back(folder);
-        }
-    }
-    return going;
-}
-
-bool CAddonRemover::willBeEmpty(const QString& folder, const QSet<NoCase>& going)
-{
-    QStringList backups;
-    for (const QString& name : m_context.services.files.names(folder)) {
-        const QString path = folder + name;
-        if (isBackup(name) && m_context.services.files.isFile(path))
-            backups.push_back(path);
-        else if (m_actions->info(path) && !going.contains(NoCase{path + u'\\'}))
-            return false;
-    }
-    for (const QString& backup : std::as_const(backups))
-        (void)m_actions->remove(backup); // one that stays keeps its folder
-    return true;
-}
-
-void CAddonRemover::cleanKeptFolders()
-{
-    const QString top = m_context.global.originalsFolder;
-    QSet<NoCase> all;
-    for (const NoCase& folder : std::as_const(m_keptFolders)) {
-        for (QString up = folder.text; up.size() > top.size() && winpath::isBelow(up, top);
-             up = winpath::parent(up))
-            all.insert(NoCase{up});
-    }
-    for (const QString& folder : deepestFirst(all))
-        (void)m_actions->removeEmptyFolder(folder); // one that is still used is not empty
+    const QString path = file.detail.location + file.detail.name;
+    const bool kept = file.outcome == RemovalOutcome::KeptForOthers;
+    m_anyFailed = m_anyFailed || file.outcome == RemovalOutcome::Failed;
+    const RemovalMethod method = m_options.method;
+    const bool done = file.outcome == RemovalOutcome::Removed || (kept && moves());
+    m_results.add(done ? resultgroup::processed : resultgroup::notProcessed,
+                  path,
+                  removalPhrase(method, file.outcome, m_target));
+    if (kept && method == RemovalMethod::Recreate)
+        m_results.add(
+            resultgroup::notProcessed,
+            path,
+            u" was left in "_s + file.detail.location +
+                u". Because another addon depends on this file, it was left installed."_s);
 }
 
 void CAddonRemover::tellFiles(const QList<StepFailure>& failures)
@@ -334,11 +305,13 @@ void CAddonRemover::tellFiles(const QList<StepFailure>& failures)
             file.outcome = RemovalOutcome::Failed;
             m_results.addCause(path, *why);
         }
-        m_anyFailed = m_anyFailed || file.outcome == RemovalOutcome::Failed;
-        m_results.add(file.outcome == RemovalOutcome::Removed ? resultgroup::processed
-                                                              : resultgroup::notProcessed,
-                      path,
-                      removalPhrase(file.outcome));
+        tellFile(file);
+    }
+    if (m_closing.archive.root != RootId::None) {
+        const bool written = !failed.find(m_target);
+        m_results.add(written ? resultgroup::specialActions : resultgroup::failedSpecialActions,
+                      written ? u"Files were moved to the File Cabinet."_s
+                              : u"An error occurred moving files to the File Cabinet zip file."_s);
     }
     if (const QString* why = failed.find(m_context.global.sceneryCfgFile))
         tellLibraryFailure(*why);

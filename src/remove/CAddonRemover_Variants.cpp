@@ -8,6 +8,7 @@
 #include "remove/CAddonRemover.h"
 #include "simconfig/AddonVariations.h"
 #include "simconfig/AircraftSections.h"
+#include "simconfig/ConfigFacts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -49,12 +50,8 @@ Result CAddonRemover::AircraftVariants_Remove()
     confirmLinks();
     Services& services = m_context.services;
     const ConfigAccess access(*m_actions, services.prompts, services.ansi);
-    QList<DetailRecord> details;
-    details.reserve(qsizetype(m_files.size()));
-    for (const File& file : m_files)
-        details.append(file.detail);
     Result last = Result::success();
-    for (const QString& file : addonvariations::files(access, details)) {
+    for (const QString& file : addonvariations::files(access, m_details)) {
         if (!services.files.isFile(file)) {
             forgetConfigBase(file); // the aircraft is gone, and with it what had been added
             continue;
@@ -70,12 +67,32 @@ Result CAddonRemover::AircraftVariants_Remove()
     return last;
 }
 
+/// Of a part of the add-on: whether it takes along all textures of a variation.
+bool CAddonRemover::goesWithPart(const QString& file, const QString& texture) const
+{
+    const QString folder = CAircraft::folderFor(winpath::parent(file), u"Texture"_s, texture);
+    bool any = false;
+    for (const DetailRecord& detail : m_details) {
+        if (!winpath::isBelow(detail.location + detail.name, folder))
+            continue;
+        if (!m_going.files.contains(NoCase{detail.location + detail.name}))
+            return false;
+        any = true;
+    }
+    return any;
+}
+
 Result CAddonRemover::removeVariantsFrom(const QString& file)
 {
     Services& services = m_context.services;
     const profile::ProfileFile now =
         profile::ProfileFile::load(services.files, file, services.ansi);
-    const QStringList sections = sectionsOf(now, m_masterKey);
+    QStringList sections = sectionsOf(now, m_masterKey);
+    if (!m_whole)
+        sections.removeIf([&](const QString& section) {
+            const QString texture = now.value(section, u"texture", u"").text;
+            return !goesWithPart(file, configfacts::plainValue(QStringView(texture)).toString());
+        });
     QStringList titles;
     for (const QString& section : sections)
         titles.append(now.value(section, u"title", u"").text);
@@ -152,15 +169,21 @@ Result CAddonRemover::takeOut(const QString& file, const QStringList& sections)
     const ResultOf<Place> place = services.gate.place(file);
     const auto base = place ? modDatabase_Addon::configBase(m_database, *place) : std::nullopt;
     if (base) {
-        const ResultOf<configbases::Undone> undone = configbases::afterRemoval(m_database,
-                                                                               services.gate,
-                                                                               *m_actions,
-                                                                               m_context.global,
-                                                                               file,
-                                                                               *before,
-                                                                               base->edits <= 1);
+        // A part may leave other sections of the add-on behind.
+        const bool some =
+            sections !=
+            sectionsOf(profile::ProfileFile::ofBytes(*before, services.ansi), m_masterKey);
+        ResultOf<configbases::Undone> undone = configbases::afterRemoval(m_database,
+                                                                         services.gate,
+                                                                         *m_actions,
+                                                                         m_context.global,
+                                                                         file,
+                                                                         *before,
+                                                                         base->edits <= 1 && !some);
         if (!undone)
             return undone.error();
+        if (some && undone->record)
+            undone->record->edits = base->edits;
         if (undone->record)
             m_closing.configBases.push_back(*undone->record);
         if (undone->forgotten)
@@ -257,6 +280,8 @@ Result CAddonRemover::recordVariants()
     }
     // Rows of whole aircraft that go.
     for (const File& file : m_files) {
+        if (!takesAway())
+            break;
         if (file.outcome != RemovalOutcome::Removed ||
             !equalNoCase(file.detail.name, u"aircraft.cfg"))
             continue;

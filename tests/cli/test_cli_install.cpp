@@ -135,6 +135,48 @@ private Q_SLOTS:
         QCOMPARE(world.json({u"history"_s}).array().size(), 1);
     }
 
+    void cabinetAndBack_isToldInJson()
+    {
+        InstallWorld world;
+        const QString key =
+            QString::number(world.json({u"install"_s, u"pack.zip"_s}).object()[u"key"].toInt());
+        const auto states = [&] {
+            QSet<QString> all;
+            for (const QJsonValue& item : world.json({u"show"_s, key}).object()[u"items"].toArray())
+                all.insert(item[u"state"].toString());
+            return all;
+        };
+        const QStringList remove = {u"remove"_s, key, u"--method"_s};
+        QCOMPARE(world.run({u"copy"_s, key}).status, 2); // where to?
+        const QJsonValue copied = world.json({u"copy"_s, key, u"--to"_s, u"copies"_s}).array()[0];
+        QVERIFY(copied[u"ok"].toBool());
+        QCOMPARE(copied[u"results"][u"Processed"].toArray().size(), 11);
+        QVERIFY(!world.changes().isEmpty());
+
+        const QJsonValue moved = world.json(remove + QStringList{u"cabinet"_s}).array()[0];
+        QVERIFY(moved[u"results"][u"Special Actions"].toArray().contains(
+            u"Files were moved to the File Cabinet."_s));
+        QCOMPARE(world.changes(), QStringList());
+        const QJsonArray listed = world.json({u"list"_s, u"--filter"_s, u"cabinet"_s}).array();
+        QCOMPARE(listed.size(), 1);
+        QCOMPARE(listed[0][u"status"].toString(), u"cabinet"_s);
+        QCOMPARE(states(), QSet<QString>{u"ok"_s});
+        QCOMPARE(world.run({u"validate"_s, key}).status, 0);
+
+        QCOMPARE(world.run(remove + QStringList{u"recreate"_s, u"--zip"_s}).status, 2);
+        const QJsonValue out =
+            world.json(remove + QStringList{u"recreate"_s, u"--zip"_s, u"--to"_s, u"copies"_s})
+                .array()[0];
+        QVERIFY(out[u"ok"].toBool());
+        QVERIFY(out[u"target"].toString().endsWith(u" - "_s + key + u".zip"_s));
+        QCOMPARE(world.json({u"list"_s}).array().size(), 0);
+        QCOMPARE(world.json({u"history"_s}).array().size(), 1);
+        // What came out can be installed again.
+        const QString zip = QDir(world.dir.filePath(u"copies"_s)).entryList({u"*.zip"_s}).value(0);
+        const QJsonObject again = world.json({u"install"_s, u"copies/"_s + zip}).object();
+        QCOMPARE(again[u"results"][u"Installed"].toArray().size(), 11);
+    }
+
     void sceneryBehindALink_isUsedOnceConfirmed()
     {
         InstallWorld world;

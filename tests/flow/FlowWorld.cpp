@@ -114,6 +114,15 @@ Result FlowWorld::remove(qint64 key, const RemovalOptions& options)
     return reached ? Result::success() : remover.failure();
 }
 
+QString FlowWorld::choose(const QString& hostFolder)
+{
+    QDir().mkpath(hostFolder);
+    files.newOperation();
+    const QString folder = winpath::asFolder(drives.toWindows(hostFolder));
+    gate.setRoot(RootId::Chosen, folder);
+    return folder;
+}
+
 TreeSnapshot FlowWorld::tree() const
 {
     return hashTree(demo.prefixHost);

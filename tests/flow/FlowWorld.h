@@ -54,6 +54,9 @@ public:
     ResultOf<qint64> install(const QString& hostSource, const InstallOptions& options = {});
     Result remove(qint64 key, const RemovalOptions& options = {});
 
+    /// The folder as one that the user chose for the next operation.
+    QString choose(const QString& hostFolder);
+
     /// The simulator's folders as they are now, without the program folder.
     [[nodiscard]] TreeSnapshot tree() const;
     [[nodiscard]] QString simulatorPath(const QString& relative) const;

@@ -12,6 +12,8 @@ using namespace Qt::StringLiterals;
 using namespace vt;
 using namespace vt::test;
 
+Q_DECLARE_METATYPE(vt::RemovalMethod)
+
 class TestCrash : public QObject
 {
     Q_OBJECT
@@ -34,7 +36,7 @@ private:
     }
 
     /// Ends \a work at each of its points, on copies of \a from: the next start finds the tree as
-    /// before, or, with \a addonsAfter add-ons recorded, as after. With all add-ons but the first
+    /// before, or, with \a addonsAfter add-ons installed, as after. With all add-ons but the first
     /// \a staying ones taken out it is \a bottom.
     void endAnywhere(const QString& from,
                      const std::function<void(FlowWorld&)>& work,
@@ -71,7 +73,11 @@ private:
             QCOMPARE(strayStaging(now), QStringList());
             const auto addons = modDatabase_Addon::addons(*world.database);
             QVERIFY(addons.ok());
-            const bool done = addons->size() == addonsAfter;
+            const auto installed =
+                std::count_if(addons->cbegin(), addons->cend(), [](const AddonRecord& addon) {
+                    return addon.status == InstallationStatus::Installed;
+                });
+            const bool done = installed == addonsAfter;
             const QStringList wrong = differences(done ? after : before, now, Backups::Ignore);
             QVERIFY2(wrong.isEmpty(), qPrintable(u"point %1: "_s.arg(n) + wrong.value(0)));
             done ? ++completed : ++undone;
@@ -112,10 +118,19 @@ private Q_SLOTS:
             base(), [this](FlowWorld& world) { (void)world.install(m_upper); }, 2, before, 1);
     }
 
+    void removal_endsAnywhere_isUndoneOrCompleted_data()
+    {
+        QTest::addColumn<RemovalMethod>("method");
+        QTest::newRow("deleted") << RemovalMethod::Delete;
+        QTest::newRow("moved to the File Cabinet") << RemovalMethod::FileCabinet;
+        QTest::newRow("moved to a zip file") << RemovalMethod::Recreate;
+    }
+
     void removal_endsAnywhere_isUndoneOrCompleted()
     {
+        QFETCH(RemovalMethod, method);
         // The lower add-on is removed, so that what it had kept must pass to the upper one.
-        const QString both = m_dir.filePath(u"both"_s);
+        const QString both = m_dir.filePath(u"both%1"_s.arg(int(method)));
         copyTree(base(), both);
         qint64 lowerKey = 0;
         {
@@ -125,8 +140,22 @@ private Q_SLOTS:
             lowerKey = modDatabase_Addon::addons(*world.database)->first().key;
             QVERIFY(world.install(m_upper));
         }
+        RemovalOptions options;
+        options.method = method;
+        options.zip = true;
+        const QString chosen = m_dir.filePath(u"chosen"_s);
         endAnywhere(
-            both, [&](FlowWorld& world) { (void)world.remove(lowerKey); }, 1, m_empty, 0);
+            both,
+            [&](FlowWorld& world) {
+                if (method == RemovalMethod::Recreate)
+                    options.toFolder = world.choose(chosen);
+                (void)world.remove(lowerKey, options);
+            },
+            1,
+            m_empty,
+            0);
+        if (method == RemovalMethod::Recreate) // written whole before anything went
+            QVERIFY(!QDir(chosen).entryList({u"*.zip"_s}).isEmpty());
     }
 
     void configurationEdits_endAnywhere_data()

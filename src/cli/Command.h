@@ -96,5 +96,6 @@ struct Command
 [[nodiscard]] std::vector<Command> verifyCommands();
 [[nodiscard]] std::vector<Command> panelCommands(); ///< panel set, sound set
 [[nodiscard]] std::vector<Command> missionCommands();
+[[nodiscard]] std::vector<Command> trafficCommands();
 
 } // namespace vt::cli

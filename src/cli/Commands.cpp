@@ -26,6 +26,7 @@ std::vector<Command> allCommands()
         verifyCommands,
         panelCommands,
         missionCommands,
+        trafficCommands,
     };
     std::vector<Command> all;
     for (const Group group : groups) {

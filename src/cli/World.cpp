@@ -24,6 +24,7 @@
 #include "shell/Settings.h"
 #include "shell/startup/Preparation.h"
 #include "shell/startup/ProgramFolder.h"
+#include "traffic/CTrafficTools.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -250,6 +251,7 @@ void World::Parts::buildContext()
     context = std::unique_ptr<Context>(new Context{*services, global, *settings, *errors});
     settings->Registry_LoadSettings();
     outerlinks::attach(*gate, *settings);
+    (void)CTrafficTools(*context).Tool_Find(); // its folder may hold interrupted work
 }
 
 /// A search without questions is repeated with them once they are allowed.

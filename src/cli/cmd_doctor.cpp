@@ -6,6 +6,9 @@
 #include "platform/Gate.h"
 #include "platform/WinPath.h"
 #include "shell/Settings.h"
+#include "traffic/CAFCAD.h"
+#include "traffic/CTrafficTools.h"
+#include "traffic/OutsideTool.h"
 
 #include <QStandardPaths>
 
@@ -71,21 +74,28 @@ void tellInterrupted(World& world)
     out.endArray();
 }
 
-void tellTool(World& world, QStringView key, const QString& title, const QString& folder)
+void tellTool(World& world, QStringView key, const QString& title, const OutsideTool& tool)
 {
-    const bool found = !folder.isEmpty() && world.services().files.isFolder(folder);
+    Context& context = world.context();
+    const QString wanted = winpath::asFolder(context.settings.text(tool.setting));
+    const QString found = outsidetool::find(context, tool);
+    const QString folder = found.isEmpty() ? wanted : found;
+    const Result whole = found.isEmpty() ? Result::failure(u"missing"_s)
+                                         : outsidetool::check(world.services().files, tool, found);
     JsonStream& out = world.out();
     out.beginObject(key);
     out.field(u"folder", folder);
-    out.field(u"found", found);
+    out.field(u"found", whole.ok);
+    if (!folder.isEmpty() && !whole)
+        out.field(u"problem", whole.text);
     out.endObject();
-    world.say(title +
-              (folder.isEmpty() ? u"not set"_s : folder + (found ? u""_s : u" (missing)"_s)));
+    world.say(title + (folder.isEmpty()
+                           ? u"not set"_s
+                           : folder + (whole ? QString() : u" ("_s + whole.text + u')')));
 }
 
 void tellTools(World& world)
 {
-    Settings& settings = world.context().settings;
     JsonStream& out = world.out();
     const QString launcher = QStandardPaths::findExecutable(u"wine"_s);
     out.beginObject(u"tools");
@@ -94,14 +104,8 @@ void tellTools(World& world)
     out.field(u"found", !launcher.isEmpty());
     out.endObject();
     world.say(u"Launcher:       "_s + (launcher.isEmpty() ? u"'wine' was not found"_s : launcher));
-    tellTool(world,
-             u"trafficTools",
-             u"Traffic Tools:  "_s,
-             winpath::asFolder(settings.text(SettingKey::TrafficToolsFolder)));
-    tellTool(world,
-             u"airportEditor",
-             u"Airport editor: "_s,
-             winpath::asFolder(settings.text(SettingKey::AFCADFolder)));
+    tellTool(world, u"trafficTools", u"Traffic Tools:  "_s, CTrafficTools::tool(world.context()));
+    tellTool(world, u"airportEditor", u"Airport editor: "_s, CAFCAD::tool(world.context()));
     out.endObject();
 }
 

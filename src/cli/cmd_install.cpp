@@ -52,6 +52,7 @@ int runInstall(World& world, const Arguments& arguments)
     if (Result prepared = details.prepare(source, *options); !prepared)
         return world.fail(prepared);
     CAddonInstaller installer(world.context(), *world.database(), details);
+    installer.setProcesses(&world.processes());
     const bool reached = installer.Install_Begin();
     tellInstallation(world, installer, reached);
     if (!reached)

@@ -137,7 +137,10 @@ struct CAddonInstallationDetails::Analysis
     [[nodiscard]] bool staysIn(Kind kind, const CAddon_Item& item) const;
     void put(CAddon_Item& item, const QString& folder, MappedGroup family, int group);
     void putInStorage(CAddon_Item& item);
+    void putInStorage(CAddon_Item& item, MappedGroup family);
     void leaveOut(CAddon_Item& item);
+    [[nodiscard]] MappedGroup storedFamily(const CAddon_Item& item) const;
+    [[nodiscard]] bool goesToAirportEditor(const CAddon_Item& item);
     [[nodiscard]] bool isLeftOver(const CAddon_Item& item) const;
     void nameStorageFolders();
     [[nodiscard]] QString relativePath(int folder, int top) const;
@@ -159,6 +162,7 @@ struct CAddonInstallationDetails::Analysis
     int loose[mappedGroupCount];
     bool skipBrowserFiles = true;
     bool skipSceneryDat = true;
+    std::optional<bool> airportEditor; ///< whether it takes airport files; found out when asked
 };
 
 } // namespace vt

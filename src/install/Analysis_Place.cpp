@@ -55,13 +55,18 @@ void CAddonInstallationDetails::Analysis::put(CAddon_Item& item,
 
 void CAddonInstallationDetails::Analysis::putInStorage(CAddon_Item& item)
 {
-    put(item, QString(), MappedGroup::DocumentAndOther, -1);
+    putInStorage(item, storedFamily(item));
+}
+
+void CAddonInstallationDetails::Analysis::putInStorage(CAddon_Item& item, MappedGroup family)
+{
+    put(item, QString(), family, -1);
     stored.push_back(qint32(&item - addon.colAddonItems().data()));
 }
 
 void CAddonInstallationDetails::Analysis::leaveOut(CAddon_Item& item)
 {
-    putInStorage(item);
+    putInStorage(item, MappedGroup::DocumentAndOther);
     item.boolProcess = false;
 }
 
@@ -105,6 +110,10 @@ void CAddonInstallationDetails::Analysis::AddonItem_InstallationFolder_Determine
     }
     if (claim.container && item.enumAddonFileType == FileType::AircraftConfiguration) {
         leaveOut(item);
+        return;
+    }
+    if (goesToAirportEditor(item)) {
+        putInStorage(item, MappedGroup::Afcad);
         return;
     }
     if (claim.kind == Kind::Free || (claim.container && claim.kind != Kind::Texture)) {

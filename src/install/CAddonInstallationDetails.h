@@ -83,6 +83,7 @@ struct PlanFacts
     LibraryChanges library;
     QList<AircraftEdit> aircraft; ///< of every aircraft.cfg that the add-on concerns
     QList<PartAlias> aliases;     ///< panels and sounds that are shared
+    QList<ConfigChange> traffic;  ///< of the traffic tools' source files
     QList<PlanProblem> problems;
 
     /// The areas that are added.

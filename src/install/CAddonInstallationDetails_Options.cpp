@@ -297,7 +297,8 @@ void CAddonInstallationDetails::DocumentAndOther_AutomaticallyResolveProblems()
     for (const QList<qint32>& keys : m_addon->duplicateTargets()) {
         for (qsizetype i = 1; i < keys.size(); ++i) {
             CAddon_Item* item = m_addon->edit(keys.at(i));
-            if (m_resolve.separateDocuments && item->IsMappedToDocumentGroup() &&
+            if (m_resolve.separateDocuments &&
+                (item->IsMappedToDocumentGroup() || item->IsMappedToTrafficToolsGroup()) &&
                 winpath::isBelow(item->sFolder_Installation, m_storageFolder))
                 setFolder(*item, item->sFolder_Installation + QString::number(i + 1) + u'\\');
             else if (m_resolve.rename && !renamingMayHarm(item->enumAddonFileType))

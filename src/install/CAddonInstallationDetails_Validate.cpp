@@ -1,4 +1,5 @@
 // Checks before an installation, with the texts that a user sees.
+#include "install/TrafficEdits.h"
 #include "install/AircraftEdits.h"
 #include "install/CAddonInstallationDetails.h"
 #include "platform/Gate.h"
@@ -176,7 +177,7 @@ QList<ConfigChange> PlanFacts::configChanges() const
         changes.append(alias.change());
     if (!library.change.lines.isEmpty())
         changes.append(library.change);
-    return changes;
+    return changes + traffic;
 }
 
 QList<PlannedVariant> PlanFacts::variants() const
@@ -322,6 +323,12 @@ PlanFacts CAddonInstallationDetails::facts() const
     if (!AddonItemGroup_IsAnythingMarkedForInstall())
         out.append(
             {0, u"Nothing to install. All addon files are marked 'Do Not Install'."_s, true});
+    if (!cabinet) {
+        QString problem;
+        facts.traffic = trafficChanges(*this, m_context, problem);
+        if (!problem.isEmpty())
+            out.append({0, problem, false});
+    }
     facts.library = libraryChanges();
     if (!facts.library.problem.isEmpty())
         out.append({0, facts.library.problem, false});

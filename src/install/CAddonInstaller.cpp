@@ -113,6 +113,7 @@ bool CAddonInstaller::Install_Begin()
     if (m_failure) {
         // A failure of these is told in the results; the files are installed all the same.
         (void)step(u"Private Sub PartAliases_Create"_s, &I::PartAliases_Create);
+        (void)step(u"Private Sub FlightPlans_Incorporate"_s, &I::FlightPlans_Incorporate);
         (void)step(u"Private Sub AircraftVariants_Create"_s, &I::AircraftVariants_Create);
         (void)step(u"Private Sub AddonMasterTable_UpdateRecord"_s,
                    &I::AddonMasterTable_UpdateRecord);
@@ -121,6 +122,7 @@ bool CAddonInstaller::Install_Begin()
     }
     const bool reached = m_failure.ok;
     if (reached) {
+        (void)step(u"Private Sub AirportFiles_Install"_s, &I::AirportFiles_Install);
         (void)step(u"Private Sub SourceZipFile_Archive"_s, &I::SourceZipFile_Archive);
         (void)step(u"Private Sub SourceFiles_Delete"_s, &I::SourceFiles_Delete);
     }

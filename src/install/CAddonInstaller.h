@@ -57,6 +57,8 @@ struct ReplaceQuestion
 /// The question of frmYesYesToAllNoNoToAllCancel as a plain prompt.
 [[nodiscard]] Prompt confirmFileReplace(const ReplaceQuestion& question);
 
+class Processes;
+
 class CAddonInstaller
 {
 public:
@@ -65,6 +67,9 @@ public:
     ~CAddonInstaller();
     CAddonInstaller(const CAddonInstaller&) = delete;
     CAddonInstaller& operator=(const CAddonInstaller&) = delete;
+
+    /// For outside tools; without it none is run. Must outlive this.
+    void setProcesses(const Processes* processes) { m_processes = processes; }
 
     /// Runs every step. True when the source's handling (step 12) was reached: the add-on is
     /// recorded, and results() tells each file. False: nothing was installed, failure() says why.
@@ -125,10 +130,12 @@ private:
     Result AddonMasterTable_CreateAddonRecord();
     Result InstallFiles();
     Result PartAliases_Create();
+    Result FlightPlans_Incorporate();
     Result AircraftVariants_Create();
     Result AddonMasterTable_UpdateRecord();
     Result SceneryLibrary_Update();
     Result Changes_Apply();
+    Result AirportFiles_Install();
     Result SourceZipFile_Archive();
     Result SourceFiles_Delete();
     void Install_End();
@@ -151,6 +158,10 @@ private:
     Result InstallFile(File& file);
     Result keepOriginal(File& file, const QString& target);
     [[nodiscard]] ResultOf<Content> contentOf(const File& file, bool& sourceFailed);
+
+    // Parts of FlightPlans_Incorporate and AirportFiles_Install.
+    [[nodiscard]] bool isInstalled(const CAddon_Item& item) const;
+    void tellTraffic(const QList<StepFailure>& failures);
 
     // Parts of AircraftVariants_Create.
     [[nodiscard]] const AircraftEdit* editOf(const CAddon_Item& item) const;
@@ -181,9 +192,22 @@ private:
     [[nodiscard]] qint64 sourceTimeMs(const CAddon_Item& item) const;
     [[nodiscard]] QString sourceTextOf(const CAddon_Item& item) const;
 
+    /// What became of the flight plans; told once everything is in its place.
+    struct Traffic
+    {
+        bool wanted = false;   ///< the add-on brings some
+        bool optional = false; ///< that they were left out is no failure
+        QString target;
+        QString problem;
+        QStringList files; ///< that were to be changed
+        QStringList told;
+    };
+
     Context& m_context;
     Connection& m_database;
     CAddonInstallationDetails& m_details;
+    const Processes* m_processes = nullptr;
+    Traffic m_traffic;
     std::unique_ptr<Journal> m_journal;
     std::unique_ptr<FileTransaction> m_actions;
     InstallLog m_log;

@@ -188,6 +188,7 @@ Result CAddonInstaller::Changes_Apply()
     tellFiles();
     tellAliases();
     tellVariants();
+    tellTraffic(*applied);
     m_results.append(std::move(m_libraryResults));
     if (!m_actions->closingFailure().isEmpty())
         m_results.add(resultgroup::failedSpecialActions, m_actions->closingFailure());

@@ -82,8 +82,10 @@ bool CAddonRemover::Remove_Begin()
     // A step that fails tells it in the results, and the next one still runs; but a stop by the
     // user, a disk that fails, or a move that cannot be made safe ends everything while nothing has
     // changed.
-    if (m_failure && takesAway())
+    if (m_failure && takesAway()) {
+        (void)step(u"Private Sub FlightPlans_Remove"_s, &R::FlightPlans_Remove);
         (void)step(u"Private Sub AircraftVariants_Remove"_s, &R::AircraftVariants_Remove);
+    }
     if (m_failure) {
         const Result files = step(u"Private Sub RemoveFiles"_s, &R::RemoveFiles);
         if (m_cancelled || files.kind == ErrorKind::DiskFull || files.kind == ErrorKind::DiskFailed)
@@ -96,6 +98,7 @@ bool CAddonRemover::Remove_Begin()
     } else if (m_failure) {
         if (takesAway()) {
             (void)step(u"Private Sub References_Update"_s, &R::References_Update);
+            (void)step(u"Private Sub AirportFiles_Restore"_s, &R::AirportFiles_Restore);
             (void)step(u"Private Sub SceneryLibrary_Update"_s, &R::SceneryLibrary_Update);
         }
         (void)step(u"Private Sub AddonMasterTable_Update"_s, &R::AddonMasterTable_Update);
@@ -378,6 +381,7 @@ Result CAddonRemover::Changes_Apply()
         m_actions->apply(packClosing(m_closing), [this] { return recordVariants(); });
     if (!applied)
         return applied.error();
+    tellTraffic(*applied);
     tellVariants(*applied);
     tellReferences(*applied);
     tellFiles(*applied);

@@ -29,6 +29,7 @@
 
 namespace vt {
 
+class CAFCAD;
 class UsedFiles;
 
 /// What became of one file.
@@ -108,10 +109,12 @@ private:
     Result AddonDatabase_Open();
     Result OriginalAddonWarning();
     Result AddonDetails_Open();
+    Result FlightPlans_Remove();
     Result AircraftVariants_Remove();
     Result RemoveFiles();
     Result Remove_ProcessCabinetZip();
     Result References_Update();
+    Result AirportFiles_Restore();
     Result SceneryLibrary_Update();
     Result AddonMasterTable_Update();
     Result CustomFolders_Delete();
@@ -155,6 +158,8 @@ private:
     void tellFile(const File& file);
 
     void confirmLinks();
+    Result restoreAirport(const CAFCAD& editor, const QString& name);
+    void tellTraffic(const QList<StepFailure>& failures);
     [[nodiscard]] bool goesWithPart(const QString& file, const QString& texture) const;
     Result removeVariantsFrom(const QString& file);
     Result takeOut(const QString& file, const QStringList& sections);
@@ -181,6 +186,14 @@ private:
     [[nodiscard]] bool willBeEmpty(const QString& folder, const QSet<NoCase>& going);
     void tellFiles(const QList<StepFailure>& failures);
     void status(const QString& text);
+
+    /// What becomes of the flight plans; told once everything is in its place.
+    struct Traffic
+    {
+        bool wanted = false;
+        QString problem;
+        QStringList files; ///< that were to be changed
+    };
 
     Context& m_context;
     Connection& m_database;
@@ -210,6 +223,7 @@ private:
     bool m_areaStays = false;
     QHash<qint64, Fingerprint> m_checks;
     QHash<qint64, OriginalRecord> m_originals;
+    Traffic m_traffic;
     QList<VariantTold> m_variantResults; ///< told once everything is in its place
     std::vector<std::pair<std::unique_ptr<CAircraft>, CAircraft::VariantsChanged>> m_variantsGone;
     QList<OriginalRecord> m_newOriginals; ///< of other add-ons' rows

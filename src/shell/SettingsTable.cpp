@@ -456,7 +456,7 @@ constexpr SettingRow settingRows[] = {
     flagRow(Section::AITrafficManagement,
             u"Window Prompting",
             true,
-            "ask before an outside tool's window opens"),
+            "let the airport editor ask in its window"),
     textRow(Section::Reporting, u"Report Folder", u"", "folder in which reports were last saved"),
     flagRow(Section::Reporting, u"Auto Open", true, "open a report once it is saved"),
     numberRow(Section::Reporting, u"Method", u"0", upTo(1), "form of reports: 0 HTML, 1 text"),

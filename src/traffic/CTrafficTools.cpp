@@ -91,13 +91,14 @@ QString CTrafficTools::dataFile() const
     return m_folder + u"VT A.I. Flight Plans Data File.txt"_s;
 }
 
-Result CTrafficTools::needSources() const
+Result CTrafficTools::Sources_Available() const
 {
     if (m_names.hasSources())
         return Result::success();
     return Result::failure(u"Traffic Tools has no source files for "_s +
-                           m_context.global.names.simLong +
-                           u": it makes traffic for Flight Simulator 2004."_s);
+                               m_context.global.names.simLong +
+                               u": it makes traffic for Flight Simulator 2004."_s,
+                           ErrorKind::Surroundings);
 }
 
 ResultOf<CTrafficTools::ReadFile> CTrafficTools::read(FileActions& actions,
@@ -140,7 +141,7 @@ Result CTrafficTools::readSource(FileActions& actions, TrafficKind kind, Missing
 Result CTrafficTools::Sources_Read(FileActions& actions, Missing missing)
 {
     status(u"Reading flight plans..."_s);
-    if (Result any = needSources(); !any)
+    if (Result any = Sources_Available(); !any)
         return any;
     const ResultOf<ReadFile> data = read(actions, dataFile());
     if (!data)

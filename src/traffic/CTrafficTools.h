@@ -17,6 +17,8 @@
 
 namespace vt {
 
+struct OutsideTool;
+
 /// Names and switches by the simulator's generation. The tool knows one generation alone: for the
 /// others there are no source files, and their names are empty.
 struct TrafficNames
@@ -69,6 +71,8 @@ public:
 
     // The source files, after one of the above.
 
+    /// Kind Surroundings where the generation has no source files.
+    [[nodiscard]] Result Sources_Available() const;
     /// Full path; empty where the generation has no such file.
     [[nodiscard]] QString sourceFile(TrafficKind kind) const;
     [[nodiscard]] QString dataFile() const;
@@ -142,7 +146,6 @@ private:
     [[nodiscard]] Result confirmChanged(FileActions& actions);
     void takeBack(FileActions& actions, const QList<TrafficKind>& kinds) const;
     [[nodiscard]] bool differs(TrafficKind kind) const;
-    [[nodiscard]] Result needSources() const;
     [[nodiscard]] Result
     run(const QString& program, const QString& arguments, int timeoutMs, const QString& failure);
     [[nodiscard]] Result failed(const QString& text, const QString& cause);

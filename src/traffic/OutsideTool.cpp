@@ -64,8 +64,10 @@ ResultOf<QString> locate(Context& context, const OutsideTool& tool)
             context.services.prompts.askText({tool.title, tool.question, tool.folders.value(0)});
         folder = winpath::asFolder(answer.value_or(QString()).trimmed());
         if (folder.isEmpty())
-            return Result::failure(tool.title + u" is not installed, as far as is known."_s,
-                                   ErrorKind::Declined);
+            return Result::failure(
+                tool.title +
+                    u" was not found; if it is installed, name its folder in the settings."_s,
+                ErrorKind::Surroundings);
     }
     if (const Result whole = check(context.services.files, tool, folder); !whole) {
         context.services.prompts.ask(invalidConfiguration(tool, whole.text));

@@ -35,8 +35,8 @@ namespace outsidetool {
 [[nodiscard]] QString find(Context& context, const OutsideTool& tool);
 
 /// As find(), and asks when there is none. A folder that is not the tool's is announced ("Invalid
-/// Program Configuration") and refused; a new one is kept in the settings. Kind Declined when the
-/// user named none.
+/// Program Configuration") and refused; a new one is kept in the settings. Kind Surroundings when
+/// the user named none.
 [[nodiscard]] ResultOf<QString> locate(Context& context, const OutsideTool& tool);
 
 /// Why a finished process did not do its work; empty when it ended well. A crash is announced too

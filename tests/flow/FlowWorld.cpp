@@ -5,6 +5,7 @@
 #include "platform/WinPath.h"
 #include "shell/OuterLinks.h"
 #include "shell/startup/Preparation.h"
+#include "traffic/CTrafficTools.h"
 
 #include <QDir>
 #include <QFile>
@@ -53,6 +54,7 @@ FlowWorld::FlowWorld(const QString& folder)
     (void)registry.load(files, registryFile(global));
     settings.Registry_LoadSettings();
     outerlinks::attach(gate, settings);
+    (void)CTrafficTools(context).Tool_Find();
     for (const QString& own : {global.originalsFolder,
                                global.addonsFolder,
                                global.backupsFolder,

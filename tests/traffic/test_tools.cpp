@@ -65,7 +65,7 @@ void TestTools::locate()
     ToolWorld world;
     world.prompts.expectText(u"Please specify the location where Traffic Tools is installed."_s,
                              std::nullopt);
-    QCOMPARE(world.tools.Tool_Locate().kind, ErrorKind::Declined);
+    QCOMPARE(world.tools.Tool_Locate().kind, ErrorKind::Surroundings);
 
     // A version that is too old, or another folder.
     world.write(u"Old/TTools.exe"_s);

@@ -2,6 +2,7 @@
 #include "addondb/AddonDatabase.h"
 #include "addondb/DatabaseCare.h"
 #include "addondb/FileType.h"
+#include "addondb/SceneryNames.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
 
@@ -13,11 +14,6 @@ namespace vt {
 
 namespace {
 
-bool isScenery(const QString& name, QStringView begin)
-{
-    return startsWithNoCase(name, begin) && endsWithNoCase(name, u".bgl");
-}
-
 /// The categories that came with later structures, as far as an add-on's files tell them.
 Categories laterCategories(const QList<DetailRecord>& files)
 {
@@ -28,10 +24,7 @@ Categories laterCategories(const QList<DetailRecord>& files)
         const FileType type = classify(file.filename, FSX);
         found.setFlag(Category::Movies,
                       found.testFlag(Category::Movies) || type == FileType::Movie);
-        if (isScenery(file.filename, u"traffic"))
-            found |= Category::AI_Flight_Plans;
-        if (isScenery(file.filename, u"AF2_") || isScenery(file.filename, u"AFX_"))
-            found |= Category::Airport_Facilities_Data;
+        found |= categoriesOfSceneryName(file.filename);
         aircraft = aircraft || equalNoCase(file.filename, u"aircraft.cfg");
         const bool texture = type == FileType::Texture || type == FileType::AircraftTexture ||
                              type == FileType::BitmapImage;

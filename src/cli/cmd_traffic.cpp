@@ -78,6 +78,7 @@ ResultOf<PlanFile> readPlans(World& world, const QString& file)
         out.around.aircraftFile = winpath::name(aircraft);
     if (!airports.isEmpty())
         out.around.airportsFile = winpath::name(airports);
+    world.services().status.text(u"Primary"_s, u"Analyzing flight plans..."_s);
     validateAll(out);
     return out;
 }

@@ -3,6 +3,7 @@
 #include "addondb/AddonDatabase.h"
 #include "addondb/Closing.h"
 #include "addondb/ConfigBases.h"
+#include "addondb/SceneryNames.h"
 #include "install/CAddonInstaller.h"
 #include "platform/PathIndex.h"
 #include "platform/Text.h"
@@ -56,6 +57,10 @@ Result CAddonInstaller::AddonMasterTable_UpdateRecord()
     }
     words.removeDuplicates();
     m_record.categories = categoriesOfFiles(words);
+    for (const File& file : m_files) {
+        if (file.code == InstallCode::Installed)
+            m_record.categories |= categoriesOfSceneryName(file.item->sName);
+    }
     for (const GroupFlag& flag : groupFlags) {
         if (m_details.holds(flag.group))
             m_record.categories |= flag.category;

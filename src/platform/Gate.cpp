@@ -9,6 +9,7 @@
 #include <climits>
 #include <cstdlib>
 #include <sys/stat.h>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -79,8 +80,11 @@ const Gate::Root* Gate::covering(QStringView path) const
     for (const Root& root : m_roots) {
         if (!winpath::isBelow(path, root.folder))
             continue;
-        if (!best || (lasts(root) && !lasts(*best)) ||
-            (lasts(root) == lasts(*best) && root.folder.size() > best->folder.size()))
+        // Of two names for one folder (a tool that was unpacked into the simulator's own) the lower.
+        const auto rank = [&lasts](const Root& one) {
+            return std::tuple(lasts(one), one.folder.size(), -int(one.id));
+        };
+        if (!best || rank(root) > rank(*best))
             best = &root;
     }
     return best;

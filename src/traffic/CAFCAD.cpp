@@ -1,6 +1,7 @@
 #include "traffic/CAFCAD.h"
 
 #include "addondb/CAddon_ItemGroup.h"
+#include "addondb/SceneryNames.h"
 #include "platform/AnsiCodec.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
@@ -48,8 +49,7 @@ CAFCADMetaGroup CAFCADMetaGroup::ofAddon(const CAddon_ItemGroup& addon)
 
 bool CAFCADMetaGroup::isAirportFile(QStringView name)
 {
-    return endsWithNoCase(name, u".bgl") &&
-           (startsWithNoCase(name, u"AF2") || startsWithNoCase(name, u"AFD"));
+    return isAirportSceneryName(name);
 }
 
 CAFCAD::CAFCAD(Context& context, const Processes* processes)
@@ -64,6 +64,7 @@ OutsideTool CAFCAD::tool(const Context& context)
                      {},
                      {u"AFCAD.exe"_s, u"AFInstaller.exe"_s},
                      u"Please specify the location where AFCAD is installed."_s,
+                     u"AFCAD program configuration is not valid."_s,
                      {}};
     const GlobalRecord& global = context.global;
     for (const QString& above :

@@ -60,6 +60,7 @@ OutsideTool CTrafficTools::tool(const Context& context)
         {context.global.programFolder + u"Traffic Tools\\"_s},
         {u"TDecompiler.exe"_s, u"TCompiler.exe"_s},
         u"Please specify the location where Traffic Tools is installed."_s,
+        u"Traffic Tools program configuration is not valid."_s,
         u"Traffic Tools version 2.02 or higher is required. Open the Help system and search for the topic 'Getting Started with Traffic Tools' to learn how to download and install the latest version."_s};
 }
 
@@ -209,6 +210,7 @@ Result CTrafficTools::Sources_Write(FileActions& actions)
 {
     if (Result may = confirmChanged(actions); !may)
         return may;
+    status(u"Saving flight plans..."_s);
     QList<TrafficKind> changed;
     for (const TrafficKind kind : trafficKinds) {
         if (differs(kind))
@@ -229,6 +231,8 @@ Result CTrafficTools::Sources_Write(FileActions& actions)
     }
     if (!written)
         takeBack(actions, changed);
+    else
+        status(u"Flight plan file was saved."_s);
     return written;
 }
 

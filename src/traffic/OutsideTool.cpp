@@ -18,11 +18,17 @@ QString lastWords(const QByteArray& output)
     return QString::fromLocal8Bit(lines.constLast().trimmed().left(longestOutput));
 }
 
+/// A folder as a person writes it: the host's way, or that of Windows.
+QString asTyped(const Files& files, QString typed)
+{
+    typed = typed.remove(u'"').trimmed();
+    return typed.isEmpty() ? QString() : winpath::asFolder(files.drives().fromUser(typed, u"/"_s));
+}
+
 Prompt invalidConfiguration(const OutsideTool& tool, const QString& why)
 {
-    return announcement(u"Invalid Program Configuration"_s,
-                        tool.title + u" program configuration is not valid."_s + u"\n\n"_s + why,
-                        Icon::Warning);
+    return announcement(
+        u"Invalid Program Configuration"_s, tool.invalid + u"\n\n"_s + why, Icon::Warning);
 }
 
 } // namespace
@@ -40,7 +46,7 @@ Result check(const Files& files, const OutsideTool& tool, const QString& folder)
 QString find(Context& context, const OutsideTool& tool)
 {
     const Files& files = context.services.files;
-    QString found = winpath::asFolder(context.settings.text(tool.setting));
+    QString found = asTyped(files, context.settings.text(tool.setting));
     if (found.isEmpty()) {
         for (const QString& folder : tool.folders) {
             if (check(files, tool, folder)) {
@@ -62,7 +68,8 @@ ResultOf<QString> locate(Context& context, const OutsideTool& tool)
     if (asks) {
         const auto answer =
             context.services.prompts.askText({tool.title, tool.question, tool.folders.value(0)});
-        folder = winpath::asFolder(answer.value_or(QString()).trimmed());
+        context.services.files.newOperation();
+        folder = asTyped(context.services.files, answer.value_or(QString()));
         if (folder.isEmpty())
             return Result::failure(
                 tool.title +
@@ -71,8 +78,7 @@ ResultOf<QString> locate(Context& context, const OutsideTool& tool)
     }
     if (const Result whole = check(context.services.files, tool, folder); !whole) {
         context.services.prompts.ask(invalidConfiguration(tool, whole.text));
-        return Result::failure(tool.title + u" program configuration is not valid."_s + u' ' +
-                               whole.text);
+        return Result::failure(tool.invalid + u' ' + whole.text);
     }
     if (asks) {
         context.services.gate.setRoot(tool.root, folder);

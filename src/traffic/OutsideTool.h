@@ -22,6 +22,7 @@ struct OutsideTool
     QStringList folders;  ///< looked at when the setting is empty; each ends in "\"
     QStringList programs; ///< file names that must be there
     QString question;     ///< what the user is asked
+    QString invalid;      ///< said of a folder that is not the tool's
     QString missing;      ///< said when a program is not there; empty: the program is named
 };
 

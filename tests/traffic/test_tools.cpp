@@ -78,10 +78,16 @@ void TestTools::locate()
 
     test::putTrafficTools(world.dir.filePath(u"Elsewhere"_s));
     world.files.newOperation();
-    world.prompts.expectText(u"Please specify"_s, u"C:\\Elsewhere"_s);
+    world.prompts.expectText(u"Please specify"_s, world.dir.filePath(u"Elsewhere"_s));
     QVERIFY(world.tools.Tool_Locate().ok);
     QCOMPARE(CTrafficTools(world.context).Tool_Find(), true); // from the settings, unasked
     QVERIFY(world.gate.place(u"C:\\Elsewhere\\a.txt"_s).ok());
+
+    // Unpacked into the simulator's own folder: that stays the simulator's.
+    Gate gate(world.files);
+    gate.setRoot(RootId::Tools, u"C:\\FS"_s);
+    gate.setRoot(RootId::Simulator, u"C:\\FS\\"_s);
+    QCOMPARE(gate.place(u"C:\\FS\\a.txt"_s)->root, RootId::Simulator);
 
     ToolWorld usual;
     usual.putTools();

@@ -73,12 +73,13 @@ ResultOf<QString> setAside(const ReleaseContext& context, const QString& from, c
     return to;
 }
 
-QString keptFolder(qint64 masterKey)
+QString keptFolder(qint64 masterKey, int number)
 {
-    return u"Replaced\\"_s + QString::number(masterKey) + u'\\';
+    return u"Replaced\\"_s + QString::number(masterKey) +
+           (number > 1 ? u' ' + QString::number(number) : QString()) + u'\\';
 }
 
-QString keptName(const Gate& gate, qint64 masterKey, const QString& path)
+QString keptName(const Gate& gate, const QString& keptFolder, const QString& path)
 {
     const ResultOf<Place> place = gate.place(path);
     if (!place)
@@ -86,7 +87,7 @@ QString keptName(const Gate& gate, qint64 masterKey, const QString& path)
     QString relative = place->relative;
     if (place->root != RootId::Simulator)
         relative.prepend(u'~' + QString::number(int(place->root)) + u'\\');
-    return keptFolder(masterKey) + relative;
+    return keptFolder + relative;
 }
 
 ResultOf<Sharers> Sharers::load(Connection& database, qint64 masterKey)

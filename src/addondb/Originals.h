@@ -18,11 +18,12 @@
 
 namespace vt::originals {
 
-/// "Replaced\12\", below the Originals folder: what add-on 12 replaced.
-[[nodiscard]] QString keptFolder(qint64 masterKey);
-/// Where the file at \a path is kept when that add-on replaces it, below the Originals folder.
-/// Readable by hand: the path below the simulator's folder, or "~<root>\" and the path below that.
-[[nodiscard]] QString keptName(const Gate& gate, qint64 masterKey, const QString& path);
+/// "Replaced\12\", below the Originals folder: what add-on 12 replaced; with a number above 1
+/// "Replaced\12 2\".
+[[nodiscard]] QString keptFolder(qint64 masterKey, int number = 1);
+/// Where the file at \a path is kept in such a folder, below the Originals folder. Readable by
+/// hand: the path below the simulator's folder, or "~<root>\" and the path below that.
+[[nodiscard]] QString keptName(const Gate& gate, const QString& keptFolder, const QString& path);
 
 /// Rows of other add-ons (installed or imported) at the places of one add-on's files.
 class Sharers

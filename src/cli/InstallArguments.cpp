@@ -29,7 +29,30 @@ ReplacePolicy policyOf(const QString& word, const QString& answer)
     return answer == u"no" ? ReplacePolicy::No : ReplacePolicy::Ask;
 }
 
+Option replaceOption()
+{
+    return {"--replace",
+            "WHICH",
+            "which existing files to replace without a question",
+            false,
+            {"yes", "no", "newer"}};
+}
+
 } // namespace
+
+std::vector<Option> reinstallOptionTable()
+{
+    return {{"--from", "SOURCE", "archive or folder to install from"}, replaceOption()};
+}
+
+InstallOptions againOptionsOf(World& world, const Arguments& arguments)
+{
+    InstallOptions out;
+    out.replace = policyOf(arguments.value(u"--replace"_s), world.options().answer);
+    out.linksConfirmed = world.options().answer == u"yes";
+    out.updateReadOnlyLibrary = world.options().answer == u"yes";
+    return out;
+}
 
 std::vector<Option> installOptionTable()
 {
@@ -39,11 +62,7 @@ std::vector<Option> installOptionTable()
         {"--authors", "TEXT", "who made it"},
         {"--rating", "N", "0 for none, 1 to 5"},
         {"--to", "WHERE", "where to install it", false, {"simulator", "cabinet"}},
-        {"--replace",
-         "WHICH",
-         "which existing files to replace without a question",
-         false,
-         {"yes", "no", "newer"}},
+        replaceOption(),
         {"--skip",
          "NAME",
          "do not install this file, folder (ending in \\) or *.ext; repeatable",

@@ -8,11 +8,15 @@
 
 namespace vt::cli {
 
-/// The options of both commands, for their tables.
+/// The options of the commands, for their tables.
 [[nodiscard]] std::vector<Option> installOptionTable();
+[[nodiscard]] std::vector<Option> reinstallOptionTable();
 
 /// Wrong values are kind Usage. Folders that are named become roots of this call when \a writes.
 [[nodiscard]] ResultOf<InstallOptions>
 installOptionsOf(World& world, const Arguments& arguments, bool writes);
+
+/// What a reinstallation knows of them.
+[[nodiscard]] InstallOptions againOptionsOf(World& world, const Arguments& arguments);
 
 } // namespace vt::cli

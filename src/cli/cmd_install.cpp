@@ -1,11 +1,13 @@
 // install: the whole installation of one source.
 #include "addondb/AddonRecords.h"
 #include "addondb/Connection.h"
+#include "cli/AddonKey.h"
 #include "cli/InstallArguments.h"
 #include "install/CAddonInstaller.h"
 #include "platform/Gate.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
+#include "shell/Flying.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,7 +15,10 @@ namespace vt::cli {
 
 namespace {
 
-void tellInstallation(World& world, const CAddonInstaller& installer, bool recorded)
+void tellInstallation(World& world,
+                      const CAddonInstaller& installer,
+                      bool recorded,
+                      bool again = false)
 {
     JsonStream& out = world.out();
     out.beginObject();
@@ -22,14 +27,42 @@ void tellInstallation(World& world, const CAddonInstaller& installer, bool recor
     out.field(u"status", recorded ? statusWord(installer.record().status) : u"not installed"_s);
     out.key(u"results");
     installer.results().write(out);
+    const QString& name = installer.record().name;
     if (recorded)
-        world.say(u"'"_s + installer.record().name + u"' was installed under the key "_s +
+        world.say(u"'"_s + name +
+                  (again ? u"' was installed again under the key "_s
+                         : u"' was installed under the key "_s) +
                   QString::number(installer.masterKey()) + u'.');
     if (recorded)
-        world.say(installationResultsCaption(installer.record().name));
+        world.say(again ? reinstallationResultsCaption(name) : installationResultsCaption(name));
     world.say(installer.results());
     if (!installer.movieToPlay().isEmpty())
         world.say(u"The movie is '"_s + installer.movieToPlay() + u"'."_s);
+}
+
+/// The exit status, and the sentence that belongs to it.
+int statusOf(World& world, const CAddonInstaller& installer, bool reached)
+{
+    if (!reached)
+        return world.fail(installer.failure());
+    if (installer.wasCancelled())
+        return world.fail(Result::failure(
+            u"The installation of '"_s + installer.record().name + u"' was ended early; "_s +
+                countText(installer.results().count(resultgroup::installed),
+                          u"file is installed and can be removed."_s,
+                          u"files are installed and can be removed."_s),
+            ErrorKind::Declined));
+    if (installer.failedFiles() > 0)
+        return world.fail(Result::failure(
+            countText(installer.failedFiles(), u"file"_s, u"files"_s) + u" of '"_s +
+            installer.record().name + u"' could not be installed. "_s + installer.cause()));
+    const QStringList failed = installer.results().texts(resultgroup::failedSpecialActions);
+    if (!failed.isEmpty())
+        return world.fail(Result::failure(
+            u"'"_s + installer.record().name + u"' was installed, but not whole. "_s +
+            failed.first() + (installer.cause().isEmpty() ? QString() : u' ' + installer.cause())));
+    world.out().endObject();
+    return Done;
 }
 
 int runInstall(World& world, const Arguments& arguments)
@@ -55,26 +88,41 @@ int runInstall(World& world, const Arguments& arguments)
     installer.setProcesses(&world.processes());
     const bool reached = installer.Install_Begin();
     tellInstallation(world, installer, reached);
-    if (!reached)
-        return world.fail(installer.failure());
-    if (installer.wasCancelled())
-        return world.fail(Result::failure(
-            u"The installation of '"_s + installer.record().name + u"' was ended early; "_s +
-                countText(installer.results().count(resultgroup::installed),
-                          u"file is installed and can be removed."_s,
-                          u"files are installed and can be removed."_s),
-            ErrorKind::Declined));
-    if (installer.failedFiles() > 0)
-        return world.fail(Result::failure(
-            countText(installer.failedFiles(), u"file"_s, u"files"_s) + u" of '"_s +
-            installer.record().name + u"' could not be installed. "_s + installer.cause()));
-    const QStringList failed = installer.results().texts(resultgroup::failedSpecialActions);
-    if (!failed.isEmpty())
-        return world.fail(Result::failure(
-            u"'"_s + installer.record().name + u"' was installed, but not whole. "_s +
-            failed.first() + (installer.cause().isEmpty() ? QString() : u' ' + installer.cause())));
-    world.out().endObject();
-    return Done;
+    return statusOf(world, installer, reached);
+}
+
+int runReinstall(World& world, const Arguments& arguments)
+{
+    const ResultOf<qint64> key = addonKey(arguments.one(u"KEY"_s));
+    if (!key)
+        return world.fail(key.error());
+    if (Result ready = world.needSimulator(); !ready)
+        return world.fail(ready);
+    if (Result ready = world.needWriting(); !ready)
+        return world.fail(ready);
+    if (Result ready = world.needDatabase(); !ready)
+        return world.fail(ready);
+    ResultOf<RecordedAddon> recorded = RecordedAddon::load(*world.database(), *key);
+    if (!recorded)
+        return world.fail(recorded.kind == ErrorKind::Failed ? unknownAddon(QString::number(*key))
+                                                             : recorded.error());
+    const QString given =
+        arguments.has(u"--from"_s) ? world.userPath(arguments.value(u"--from"_s)) : QString();
+    const ResultOf<QString> source = reinstallationSource(world.context(), *recorded, given);
+    if (!source)
+        return world.fail(source.error());
+    CAddonInstallationDetails details(world.context());
+    if (Result prepared =
+            details.prepareAgain(*recorded, *source, againOptionsOf(world, arguments));
+        !prepared)
+        return world.fail(prepared);
+    CAddonInstaller installer(world.context(), *world.database(), details);
+    installer.simulatorIsRunning = [&world] {
+        return isSimulatorRunning(world.context(), world.processes());
+    };
+    const bool reached = installer.Reinstall_Begin();
+    tellInstallation(world, installer, reached, true);
+    return statusOf(world, installer, reached);
 }
 
 } // namespace
@@ -85,7 +133,12 @@ std::vector<Command> installCommands()
              "install an add-on from an archive or a folder",
              {{"SOURCE", "archive, folder or file"}},
              installOptionTable(),
-             runInstall}};
+             runInstall},
+            {"reinstall",
+             "install a recorded add-on again, from its source or the File Cabinet",
+             {{"KEY", "key of an add-on, as 'list' shows it"}},
+             reinstallOptionTable(),
+             runReinstall}};
 }
 
 } // namespace vt::cli

@@ -22,10 +22,11 @@ struct AddedVariation
 
 struct AircraftEdit
 {
-    QString file;        ///< full path
-    QString aircraft;    ///< its folder, ends in "\"
-    qint32 item = 0;     ///< key of the add-on's own file for this place, 0 for none
-    bool merged = false; ///< the sections of that item come into the file that stands there
+    QString file;         ///< full path
+    QString aircraft;     ///< its folder, ends in "\"
+    qint32 item = 0;      ///< key of the add-on's own file for this place, 0 for none
+    bool rebuilt = false; ///< the item's own file, with the sections that others added to it
+    bool merged = false;  ///< the sections of that item come into the file that stands there
     QList<AddedVariation> added;
     QStringList ownSections; ///< of an item that is not merged: the sections that it brings
     aircraftsections::Renames renamed; ///< sections that get other numbers
@@ -36,7 +37,7 @@ struct AircraftEdit
     /// Whether the item is written with other bytes than its own.
     [[nodiscard]] bool changesItem() const
     {
-        return item && problem.isEmpty() && (merged || !added.isEmpty());
+        return item && problem.isEmpty() && (merged || rebuilt || !added.isEmpty());
     }
 
     QString problem; ///< why nothing is added; the other members tell what was to be

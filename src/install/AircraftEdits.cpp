@@ -105,6 +105,7 @@ private:
     void gatherItems();
     void gatherRepaints();
     void gatherMerged(Wanted& wanted, const QByteArray& source);
+    void gatherRebuilt(Wanted& wanted, const QByteArray& source);
     void gatherVariant(const InstallationGroup& group, const VariantDetails& variant);
     [[nodiscard]] std::optional<LineArray> sourceBlock(const VariantDetails& variant);
     void fit(LineArray& block, const InstallationGroup& group, const Wanted& wanted) const;
@@ -179,7 +180,7 @@ void Gatherer::gatherItems()
             item.sFolder_Installation.isEmpty() || !m_details.willBeInstalled(item))
             continue;
         const QString file = item.sFolder_Installation + item.sName_Installation;
-        const bool merged = isMerged(item, m_context);
+        const bool merged = m_details.mergesInto(item);
         const QByteArray source = normalized(item);
         Wanted& wanted = wantedFor(file);
         wanted.edit.item = item.lngKey;
@@ -187,6 +188,10 @@ void Gatherer::gatherItems()
         wanted.edit.problem.clear();
         if (merged) {
             gatherMerged(wanted, source);
+            continue;
+        }
+        if (m_details.replacesOwn(item)) {
+            gatherRebuilt(wanted, source);
             continue;
         }
         wanted.before = source;
@@ -234,6 +239,44 @@ void Gatherer::gatherMerged(Wanted& wanted, const QByteArray& source)
     }
 }
 
+/// The add-on's own file as it came, with the sections that were added to it since: those of other
+/// add-ons and of the user.
+void Gatherer::gatherRebuilt(Wanted& wanted, const QByteArray& source)
+{
+    const AnsiCodec& ansi = m_context.services.ansi;
+    LineArray lines = LineArray::ofBytes(source, ansi);
+    const LineArray standing = LineArray::ofBytes(wanted.before, ansi);
+    QHash<NoCase, QString> own; // section by title
+    int next = 0;
+    for (const QString& section : ini::INI_Sections_GetNames(lines)) {
+        const int number = configfacts::aircraftSectionNumber(section);
+        if (number < 0)
+            continue;
+        next = qMax(next, number + 1);
+        own.insert(NoCase{entryOf(lines, section, u"title"_s)}, section);
+    }
+    QList<LineArray> others;
+    for (const QString& section : ini::INI_Sections_GetNames(standing)) {
+        const bool shown = configfacts::aircraftSectionNumber(section) >= 0;
+        if (!shown && configfacts::hiddenSectionNumber(section) < 0)
+            continue;
+        QString name = own.value(NoCase{entryOf(standing, section, u"title"_s)});
+        std::optional<LineArray> block = aircraftsections::ownLines(standing, section);
+        if (name.isEmpty() && block) {
+            name = shown ? u"fltsim."_s + QString::number(next++) : section;
+            block->lines[0] = '[' + name.toLatin1() + ']';
+            others.append(*block);
+        }
+        if (!equalNoCase(name, section))
+            wanted.edit.renamed.append({section, name});
+    }
+    aircraftsections::append(lines, others);
+    wanted.edit.rebuilt = true;
+    wanted.before = lines.joined();
+    if (!wanted.before.endsWith("\r\n"))
+        wanted.before += "\r\n";
+}
+
 void Gatherer::gatherRepaints()
 {
     for (const InstallationGroup& group : m_details.groups(MappedGroup::Texture)) {
@@ -243,7 +286,7 @@ void Gatherer::gatherRepaints()
             const CAddon_Item* item = m_details.addon().Search(key);
             return item && m_details.willBeInstalled(*item);
         });
-        if (!any)
+        if (!any && !group.recorded)
             continue;
         for (const VariantDetails& variant : group.variants)
             gatherVariant(group, variant);
@@ -252,6 +295,10 @@ void Gatherer::gatherRepaints()
 
 std::optional<LineArray> Gatherer::sourceBlock(const VariantDetails& variant)
 {
+    if (!variant.lines.isEmpty()) {
+        LineArray block(m_context.services.ansi);
+        return block.append(variant.lines) ? std::optional<LineArray>(block) : std::nullopt;
+    }
     const CAddon_Item* item = m_details.addon().Search(variant.sourceItem);
     if (variant.sourceSection.isEmpty() || !item)
         return std::nullopt;
@@ -371,7 +418,7 @@ void Gatherer::work(Wanted& wanted)
         tell(wanted.told);
         return;
     }
-    edit.renamed = changed->renamed;
+    edit.renamed += changed->renamed;
     edit.bytes = aircraft.sarrayINILines.joined();
     if (!edit.bytes.endsWith("\r\n"))
         edit.bytes += "\r\n";
@@ -408,11 +455,8 @@ QList<AircraftEdit> Gatherer::run()
 
 } // namespace
 
-bool isMerged(const CAddon_Item& item, Context& context)
+bool hasAircraftSections(const QString& file, Context& context)
 {
-    if (typeGroupOf(item.enumAddonFileType) != TypeGroup::AircraftConfiguration)
-        return false;
-    const QString file = item.sFolder_Installation + item.sName_Installation;
     if (!context.services.files.isFile(file))
         return false;
     const profile::ProfileFile standing =
@@ -421,6 +465,12 @@ bool isMerged(const CAddon_Item& item, Context& context)
     return std::any_of(sections.cbegin(), sections.cend(), [](const QString& section) {
         return configfacts::aircraftSectionNumber(section) >= 0;
     });
+}
+
+bool isMerged(const CAddon_Item& item, Context& context)
+{
+    return typeGroupOf(item.enumAddonFileType) == TypeGroup::AircraftConfiguration &&
+           hasAircraftSections(item.sFolder_Installation + item.sName_Installation, context);
 }
 
 QList<AircraftEdit>

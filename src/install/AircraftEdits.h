@@ -15,6 +15,9 @@ namespace vt {
 [[nodiscard]] QList<AircraftEdit>
 aircraftEdits(const CAddonInstallationDetails& details, Context& context, qint64 masterKey);
 
+/// Whether the file stands and holds an aircraft section.
+[[nodiscard]] bool hasAircraftSections(const QString& file, Context& context);
+
 /// Whether the item is an aircraft's configuration file that comes to one already standing there
 /// with aircraft sections of its own: then it is merged into that one and replaces nothing.
 [[nodiscard]] bool isMerged(const CAddon_Item& item, Context& context);

@@ -48,6 +48,9 @@ Result CAddonInstallationDetails::prepare(const QString& sourcePath, const Insta
 {
     m_context.services.status.text(u"Primary"_s, u"Analyzing addon..."_s);
     m_context.services.files.newOperation();
+    m_recorded.reset();
+    m_missingFiles.clear();
+    m_recordedVariations.clear();
     m_options = options;
     m_options.to = options.to.value_or(Options_AddonInstallationMethod_Default_Get());
     if (Result resolved = resolveOptionFolders(); !resolved)
@@ -84,6 +87,9 @@ std::unique_ptr<CAddonInstallationDetails> CAddonInstallationDetails::Clone() co
     copy->m_options = m_options;
     copy->m_storageFolder = m_storageFolder;
     copy->m_remarks = m_remarks;
+    copy->m_recorded = m_recorded;
+    copy->m_missingFiles = m_missingFiles;
+    copy->m_recordedVariations = m_recordedVariations;
     copy->m_leftOut = m_leftOut;
     copy->m_followers = m_followers;
     copy->m_simulatorFolders = m_simulatorFolders;
@@ -205,7 +211,11 @@ void CAddonInstallationDetails::nameAddon()
         settings.flag(SettingKey::DescribeAddonUsingFileIdDiz) ? fileId : QString());
     m_addon->sAuthors = m_options.authors.value_or(QString());
     m_addon->lngRating = m_options.rating.value_or(0);
+    chooseStorageFolder();
+}
 
+void CAddonInstallationDetails::chooseStorageFolder()
+{
     QString safe = winpath::safeName(m_addon->sGroupName);
     if (safe.isEmpty())
         safe = u"Addon"_s;

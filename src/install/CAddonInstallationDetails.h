@@ -8,6 +8,7 @@
 #include "install/InstallOptions.h"
 #include "install/InstallationGroup.h"
 #include "install/PartAliases.h"
+#include "install/RecordedAddon.h"
 #include "platform/Result.h"
 #include "shell/Context.h"
 #include "simconfig/AddonVariations.h"
@@ -134,6 +135,12 @@ public:
     /// why the source cannot be used; problems of single items are in problems().
     [[nodiscard]] Result prepare(const QString& sourcePath, const InstallOptions& options);
 
+    /// As prepare(), for an add-on that is recorded: each file of the source goes where the record
+    /// has it, and nothing else is decided anew. missingFiles() tells what the source lacks.
+    [[nodiscard]] Result prepareAgain(const RecordedAddon& recorded,
+                                      const QString& sourcePath,
+                                      const InstallOptions& options);
+
     /// The details as they are now, sharing the source; for going back in the wizard.
     [[nodiscard]] std::unique_ptr<CAddonInstallationDetails> Clone() const;
 
@@ -169,6 +176,25 @@ public:
     [[nodiscard]] Result installable() const { return facts().installable(*m_addon); }
 
     [[nodiscard]] QList<PlannedVariant> variants() const { return facts().variants(); }
+
+    /// Set when the add-on is recorded already.
+    [[nodiscard]] const RecordedAddon* recorded() const { return m_recorded.get(); }
+
+    /// Recorded and in the simulator: its files are replaced in place.
+    [[nodiscard]] bool inPlace() const { return m_recorded && !m_recorded->isStored(); }
+
+    /// The variations that the add-on had when it was installed.
+    [[nodiscard]] const QList<addonvariations::Variation>& recordedVariations() const
+    {
+        return m_recordedVariations;
+    }
+
+    [[nodiscard]] const QList<DetailRecord>& missingFiles() const { return m_missingFiles; }
+
+    /// Whether the item's sections come into an aircraft.cfg that stands there and is another's.
+    [[nodiscard]] bool mergesInto(const CAddon_Item& item) const;
+    /// Whether the item is an aircraft.cfg of this very add-on that is installed again.
+    [[nodiscard]] bool replacesOwn(const CAddon_Item& item) const;
 
     [[nodiscard]] DateOrder compareDates(const CAddon_Item& item, const FileInfo& existing) const;
     /// Whether only more recent files may replace existing ones, and this one is not.
@@ -289,6 +315,7 @@ private:
     };
 
     void nameAddon();
+    void chooseStorageFolder();
     [[nodiscard]] QString fileIdText() const;
     Result applyOptions();
     Result resolveOptionFolders();
@@ -304,6 +331,11 @@ private:
     Result applyMethods();
     Result applyRenamings();
     void applyDefaultMethods();
+    void recordedStorageFolder();
+    void recordedVariants();
+    void recordedAreas();
+    void storedAreas();
+    void addTargetProblems(QList<PlanProblem>& out) const;
     [[nodiscard]] bool hasGroup(MappedGroup family, int index) const;
     void setFolder(CAddon_Item& item, const QString& folder);
     void unfollow(CAddon_Item& item);
@@ -349,7 +381,10 @@ private:
     QSet<qint32> m_leftOut;                 ///< items that the analysis does not mark
     QMultiHash<qint32, qint32> m_followers; ///< items by the item whose folder they follow
     QStringList m_simulatorFolders;         ///< by item, while the add-on goes to the cabinet
-    QList<PlanProblem> m_remarks;           ///< found by the analysis; checks add theirs when asked
+    std::shared_ptr<const RecordedAddon> m_recorded;
+    QList<addonvariations::Variation> m_recordedVariations;
+    QList<DetailRecord> m_missingFiles; ///< recorded ones that the source lacks
+    QList<PlanProblem> m_remarks;       ///< found by the analysis; checks add theirs when asked
 };
 
 } // namespace vt

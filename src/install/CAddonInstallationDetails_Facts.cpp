@@ -50,7 +50,7 @@ bool CAddonInstallationDetails::existingIsKept(const CAddon_Item& item) const
 {
     if (!item.boolTargetExists || m_options.replace == ReplacePolicy::Yes)
         return false;
-    if (isMerged(item, m_context))
+    if (mergesInto(item))
         return false;
     if (m_options.replace == ReplacePolicy::No)
         return true;
@@ -171,6 +171,8 @@ bool CAddonInstallationDetails::anyMarked(const InstallationGroup& group) const
 
 QStringList CAddonInstallationDetails::areaFolders(const InstallationGroup& group) const
 {
+    if (group.recorded)
+        return {group.targetFolder};
     QStringList folders;
     QString last;
     for (const qint32 key : group.items) {

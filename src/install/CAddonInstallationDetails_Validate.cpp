@@ -276,6 +276,14 @@ void CAddonInstallationDetails::addLinkProblems(QList<PlanProblem>& out) const
     }
 }
 
+void CAddonInstallationDetails::addTargetProblems(QList<PlanProblem>& out) const
+{
+    addTextureProblems(out);
+    addFolderProblems(out);
+    for (const QList<qint32>& keys : m_addon->duplicateTargets())
+        out.append({keys.at(1), sameTarget(), true});
+}
+
 PlanFacts CAddonInstallationDetails::facts() const
 {
     PlanFacts facts;
@@ -298,12 +306,15 @@ PlanFacts CAddonInstallationDetails::facts() const
         for (const QString& remark : edit.remarks)
             out.append({edit.item, remark, false});
     }
-    if (!cabinet)
-        addTextureProblems(out);
-    addFolderProblems(out);
-    for (const QList<qint32>& keys : m_addon->duplicateTargets())
-        out.append({keys.at(1), sameTarget(), true});
-    addClashProblems(out);
+    if (cabinet) {
+        // The archive keeps each file under its place in the simulator.
+        const auto there = Clone();
+        there->Options_InstallationDetails_ModifyInstallationMethod(InstallTo::Simulator);
+        there->addTargetProblems(out);
+    } else {
+        addTargetProblems(out);
+        addClashProblems(out);
+    }
     if (Result named = Options_InstallationChoices_Validate(); !named)
         out.append({0, named.text, true});
     for (const InstallationGroup& group : groups(MappedGroup::Scenery)) {
@@ -312,11 +323,6 @@ PlanFacts CAddonInstallationDetails::facts() const
                         u"Scenery library title is not specified. "_s + libraryProblem(group.name),
                         true});
     }
-    if (cabinet)
-        out.append(
-            {0,
-             u"The add-on cannot be put into the File Cabinet yet; install it to the simulator."_s,
-             true});
     addLinkProblems(out);
     if (const QString space = spaceProblem(); !space.isEmpty())
         out.append({0, space, true});

@@ -91,21 +91,16 @@ void CAddonInstaller::status(const QString& text)
     m_context.services.status.text(u"Primary"_s, text);
 }
 
-bool CAddonInstaller::Install_Begin()
+/// The steps of which each must succeed, and what follows them in installing once or again.
+bool CAddonInstaller::runSteps(
+    const QList<std::pair<QString, Result (CAddonInstaller::*)()>>& steps)
 {
-    m_context.global.currentProcedure = u"Public Function Install_Begin"_s;
     const auto step = [this](const QString& name, Result (CAddonInstaller::*run)()) {
         return runStep(m_context, name, [&] { return (this->*run)(); });
     };
     using I = CAddonInstaller;
     m_failure = Result::success();
-    for (const auto& [name, run] : std::initializer_list<std::pair<QString, Result (I::*)()>>{
-             {u"Private Function Install_Preliminaries"_s, &I::Install_Preliminaries},
-             {u"Private Function AddonDatabase_Open"_s, &I::AddonDatabase_Open},
-             {u"Private Function AddonMasterTable_OpenTable"_s, &I::AddonMasterTable_OpenTable},
-             {u"Private Function AddonMasterTable_CreateAddonRecord"_s,
-              &I::AddonMasterTable_CreateAddonRecord},
-             {u"Private Sub InstallFiles"_s, &I::InstallFiles}}) {
+    for (const auto& [name, run] : steps) {
         m_failure = step(name, run);
         if (!m_failure)
             break;
@@ -126,6 +121,20 @@ bool CAddonInstaller::Install_Begin()
         (void)step(u"Private Sub SourceZipFile_Archive"_s, &I::SourceZipFile_Archive);
         (void)step(u"Private Sub SourceFiles_Delete"_s, &I::SourceFiles_Delete);
     }
+    return reached;
+}
+
+bool CAddonInstaller::Install_Begin()
+{
+    m_context.global.currentProcedure = u"Public Function Install_Begin"_s;
+    using I = CAddonInstaller;
+    const bool reached = runSteps(
+        {{u"Private Function Install_Preliminaries"_s, &I::Install_Preliminaries},
+         {u"Private Function AddonDatabase_Open"_s, &I::AddonDatabase_Open},
+         {u"Private Function AddonMasterTable_OpenTable"_s, &I::AddonMasterTable_OpenTable},
+         {u"Private Function AddonMasterTable_CreateAddonRecord"_s,
+          &I::AddonMasterTable_CreateAddonRecord},
+         {u"Private Sub InstallFiles"_s, &I::InstallFiles}});
     Install_End();
     return reached;
 }
@@ -179,7 +188,7 @@ Result CAddonInstaller::AddonMasterTable_CreateAddonRecord()
     m_record.description = addon.sGroupDescription;
     m_record.authors = addon.sAuthors;
     m_record.rating = addon.lngRating;
-    m_record.status = InstallationStatus::Installed;
+    m_record.status = toCabinet() ? InstallationStatus::FileCabinet : InstallationStatus::Installed;
     m_record.dateInstalled = m_context.services.clock.now();
     m_record.sourceName = addon.sSource_Name;
     m_record.sourceSize = addon.lngSource_Size;
@@ -216,7 +225,8 @@ Result CAddonInstaller::SourceZipFile_Archive()
         return moved;
     }
     m_results.add(resultgroup::specialActions, u"Source zip file was archived to "_s + folder);
-    return Result::success();
+    m_record.sourceName = target; // where a reinstallation finds it
+    return modDatabase_Addon::updateAddon(m_database, m_record);
 }
 
 Result CAddonInstaller::SourceFiles_Delete()
@@ -281,12 +291,21 @@ Result CAddonInstaller::SourceFiles_Delete()
 void CAddonInstaller::Install_End()
 {
     m_context.global.currentProcedure = u"Private Sub Install_End"_s;
+    cleanUp();
+    m_log.line(u"Installing addon ...end.");
+    m_log.flush();
+    if (m_failure)
+        askForMovie();
+}
+
+void CAddonInstaller::cleanUp()
+{
     status(u"Cleaning up..."_s);
     const Result undone = m_actions ? m_actions->abandon() : Result::success();
     if (!undone) {
         m_failure.text += u' ' + undone.text;
         m_results.add(resultgroup::failedSpecialActions, undone.text);
-        m_context.errors.report(u"Private Sub Install_End"_s, undone.text);
+        m_context.errors.report(m_context.global.currentProcedure, undone.text);
     }
     m_actions.reset();
     (void)m_details.saveCatalogue(); // the next run then reads what changed since
@@ -297,10 +316,6 @@ void CAddonInstaller::Install_End()
     }
     if (!m_failure)
         m_log.line(QString(u"   "_s + m_failure.text));
-    m_log.line(u"Installing addon ...end.");
-    m_log.flush();
-    if (m_failure)
-        askForMovie();
 }
 
 void CAddonInstaller::askForMovie()

@@ -6,6 +6,7 @@
 #include "addondb/AddonRecords.h"
 #include "addondb/Closing.h"
 #include "addondb/Connection.h"
+#include "addondb/Originals.h"
 #include "install/AircraftEdit.h"
 #include "install/CAddonInstallationDetails.h"
 #include "install/InstallLog.h"
@@ -16,6 +17,7 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -32,13 +34,21 @@ enum class InstallCode : qint8
     Cancelled = 3, ///< the installation ends before this file
     NotExtracted = 4,
     Error = 5,
+    OthersVersion = 6, ///< installed again, but another add-on's version lies on top
 };
 
-/// " was installed.", " was NOT installed because ...", as put behind the file's path.
-[[nodiscard]] QString resultPhrase(InstallCode code);
+/// " was installed.", " was NOT installed because ...", as put behind the file's path; \a again:
+/// "reinstalled".
+[[nodiscard]] QString resultPhrase(InstallCode code, bool again = false);
 
 /// "Installation Results - '<add-on>'".
 [[nodiscard]] QString installationResultsCaption(const QString& addon);
+
+/// "Reinstallation Results - '<add-on>'".
+[[nodiscard]] QString reinstallationResultsCaption(const QString& addon);
+
+/// Whether to go on although the simulator is running.
+[[nodiscard]] Prompt reinstallWarning(const DisplayNames& names);
 
 /// "Would you like to play it now?"
 [[nodiscard]] Prompt playMovieQuestion();
@@ -48,6 +58,7 @@ struct ReplaceQuestion
 {
     QString target;
     bool readOnly = false;
+    bool changed = false; ///< by somebody else than us since it was installed
     qint64 existingSize = 0;
     QDateTime existingDate;
     qint64 newSize = 0;
@@ -74,6 +85,14 @@ public:
     /// Runs every step. True when the source's handling (step 12) was reached: the add-on is
     /// recorded, and results() tells each file. False: nothing was installed, failure() says why.
     bool Install_Begin();
+
+    /// The same for details that were prepared again: files in the simulator are replaced where
+    /// they lie and their records updated; files in the File Cabinet are installed. False: nothing
+    /// was changed.
+    bool Reinstall_Begin();
+
+    /// Asked by Reinstall_Begin() before it warns; without it no simulator counts as running.
+    std::function<bool()> simulatorIsRunning;
 
     [[nodiscard]] const Results& results() const { return m_results; }
 
@@ -102,6 +121,7 @@ private:
         const CAddon_Item* item = nullptr;
         InstallCode code = InstallCode::Installed;
         bool exists = false;
+        bool changed = false; ///< in place: not what was recorded
         Fingerprint before;   ///< what lies at the target
         Fingerprint after;    ///< what was staged
         QByteArray decisions; ///< lines for the log
@@ -139,7 +159,41 @@ private:
     Result SourceZipFile_Archive();
     Result SourceFiles_Delete();
     void Install_End();
+    void cleanUp();
     void askForMovie();
+
+    // Reinstall_Begin's own steps.
+    Result Reinstall_Preliminaries();
+    Result Reinstall_OpenRecord();
+    Result ReinstallFiles();
+    void Reinstall_End();
+    void decideAgain(File& file, const FileInfo& entry);
+    [[nodiscard]] bool isCovered(const CAddon_Item& item) const;
+    Result setAsideChanged(const QString& target);
+    Result recordAgain();
+    void noteChecksBefore();
+    Result recordInPlace();
+    Result recordVariantData();
+    void forgetFailed();
+    Result recordAreasAgain(const QList<DetailRecord>& added);
+    void tellMissing();
+    bool runSteps(const QList<std::pair<QString, Result (CAddonInstaller::*)()>>& steps);
+
+    // Installing into the File Cabinet.
+    void gatherForCabinet();
+    Result Install_AddToCabinetZip();
+    [[nodiscard]] QByteArray storedVariantData() const;
+    [[nodiscard]] QString placeOf(const CAddon_Item& item) const;
+    Result forgetStored(const QString& why);
+    void Cabinet_TakeOut();
+
+    [[nodiscard]] bool toCabinet() const { return m_details.installTo() == InstallTo::Cabinet; }
+
+    /// In the simulator under a row that it had before.
+    [[nodiscard]] bool replacesOwn(const CAddon_Item& item) const
+    {
+        return m_details.inPlace() && item.detailKey != 0;
+    }
 
     // Parts of InstallFiles.
     Result AddonAndCabinetFolders_Create();
@@ -156,6 +210,7 @@ private:
     Result InstallSoundConfigurationFile(File& file);
     Result InstallFileFrontEnd(File& file);
     Result InstallFile(File& file);
+    [[nodiscard]] QString keptFolder();
     Result keepOriginal(File& file, const QString& target);
     [[nodiscard]] ResultOf<Content> contentOf(const File& file, bool& sourceFailed);
 
@@ -169,6 +224,7 @@ private:
     void tellAliases();
     Result writeAircraftEdit(const AircraftEdit& edit);
     Result noteOwner(const QString& file);
+    [[nodiscard]] bool variantDataIsLost() const;
     Result writeVariantData();
     Result recordAircraft();
     void tellVariants();
@@ -179,6 +235,8 @@ private:
     void tellLibraryFailure(const QString& why);
     Result recordAddon();
     Result recordFiles();
+    Result recordMadeFolders();
+    [[nodiscard]] DetailRecord variantDataRow() const;
     Result recordAreas(const QList<DetailRecord>& details);
     void applyFailures(const QList<StepFailure>& failures);
     [[nodiscard]] Result nothingInstalled() const;
@@ -217,6 +275,8 @@ private:
     Result m_failure;
     AddonRecord m_record;
     std::vector<File> m_files;
+    std::unique_ptr<originals::ReleaseContext> m_release; ///< for what is set aside
+    bool m_announcedSetAside = false;
     QList<OriginalRecord> m_originals; ///< detailKey: index into m_files until recorded
     QString m_libraryCause;            ///< why an area, or the library, could not be written
     QList<SceneryAreaToAdd> m_wantedAreas;
@@ -228,6 +288,8 @@ private:
     QList<std::pair<qint64, Fingerprint>> m_newChecks; ///< detail keys of files that we edited
     std::optional<Fingerprint> m_variantData;          ///< the data file, when it was written
     QString m_movieToPlay;
+    QString m_archive;              ///< in the File Cabinet, when the add-on goes there
+    QString m_keptFolder;           ///< below Originals
     QList<OuterLink> m_closedLinks; ///< nothing is written behind them
     bool m_cancelled = false;
     bool m_replaceAll = false;

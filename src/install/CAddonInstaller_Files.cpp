@@ -31,8 +31,14 @@ QString fileFacts(qint64 size, const QDateTime& date)
 
 } // namespace
 
-QString resultPhrase(InstallCode code)
+QString resultPhrase(InstallCode code, bool again)
 {
+    if (again) {
+        if (code == InstallCode::Installed)
+            return u" was reinstalled."_s;
+        QString phrase = resultPhrase(code);
+        return phrase.replace(u" was NOT installed"_s, u" was NOT reinstalled"_s);
+    }
     switch (code) {
     case InstallCode::Installed:
         return u" was installed."_s;
@@ -42,6 +48,8 @@ QString resultPhrase(InstallCode code)
         return u" was NOT installed because the client decided not to install the file."_s;
     case InstallCode::NotExtracted:
         return u" was NOT installed because the file could not be extracted from the zip file."_s;
+    case InstallCode::OthersVersion:
+        return u" was NOT installed because an addon that was installed later has its version there."_s;
     case InstallCode::Cancelled:
     case InstallCode::Error:
         break;
@@ -58,6 +66,9 @@ Prompt confirmFileReplace(const ReplaceQuestion& question)
     prompt.text += u":\n\n"_s + question.target + u"\n\nExisting file: "_s +
                    fileFacts(question.existingSize, question.existingDate) + u"\nNew file: "_s +
                    fileFacts(question.newSize, question.newDate);
+    if (question.changed)
+        prompt.text +=
+            u"\n\nThe existing file was changed since it was installed; if you replace it, it is kept below Backups."_s;
     prompt.icon = Icon::Question;
     prompt.buttons = {Button::Yes, Button::YesToAll, Button::No, Button::NoToAll, Button::Cancel};
     // What is replaced is kept and comes back with the removal: Yes loses nothing.
@@ -88,8 +99,11 @@ qint64 CAddonInstaller::sourceTimeMs(const CAddon_Item& item) const
 
 Result CAddonInstaller::InstallFiles()
 {
-    if (m_details.installTo() != InstallTo::Cabinet)
-        m_aircraftEdits = aircraftEdits(m_details, m_context, m_record.key);
+    if (toCabinet()) {
+        gatherForCabinet();
+        return Install_AddToCabinetZip();
+    }
+    m_aircraftEdits = aircraftEdits(m_details, m_context, m_record.key);
     decideAll();
     if (Result made = AddonAndCabinetFolders_Create(); !made)
         return made;
@@ -144,6 +158,8 @@ void CAddonInstaller::decideAll()
         file.item = &item;
         if (!item.boolExtractable) // no question is asked about a file that cannot come anyway
             file.code = InstallCode::NotExtracted;
+        if (replacesOwn(item) && isCovered(item))
+            file.code = InstallCode::OthersVersion;
         if (item.sFolder_Installation != folder) {
             folder = item.sFolder_Installation;
             folderExists = files.isFolder(folder);
@@ -156,7 +172,12 @@ void CAddonInstaller::decideAll()
             continue;
         }
         const auto existing = folderExists ? files.entry(targetOf(item)) : std::nullopt;
-        if (existing && !decide(file, *existing)) {
+        if (existing && replacesOwn(item)) {
+            decideAgain(file, *existing);
+            m_cancelled = file.code == InstallCode::Cancelled;
+            if (m_cancelled)
+                return;
+        } else if (existing && !decide(file, *existing)) {
             m_cancelled = true;
             return;
         }
@@ -217,6 +238,7 @@ InstallCode CAddonInstaller::askReplace(const File& file, const FileInfo& existi
     ReplaceQuestion question;
     question.target = targetOf(item);
     question.readOnly = existing.readOnly;
+    question.changed = file.changed;
     question.existingSize = existing.size;
     question.existingDate = existing.modified();
     question.newSize = item.size;
@@ -252,7 +274,7 @@ Result CAddonInstaller::stageAll()
         if (file.code != InstallCode::Installed)
             continue;
         ++expected;
-        replaces = replaces || file.exists;
+        replaces = replaces || (file.exists && !replacesOwn(*file.item));
         // Neighbours share their folder; the journal takes each folder once anyway.
         if (folders.isEmpty() || folders.last() != file.item->sFolder_Installation)
             folders.push_back(file.item->sFolder_Installation);
@@ -261,7 +283,7 @@ Result CAddonInstaller::stageAll()
     if (Result told = m_actions->announce(folders, expected); !told)
         return told;
     if (replaces) {
-        const QString kept = m_context.global.originalsFolder + originals::keptFolder(m_record.key);
+        const QString kept = m_context.global.originalsFolder + keptFolder();
         if (Result told = m_actions->announceKept(kept); !told)
             return told;
     }
@@ -368,8 +390,9 @@ Result CAddonInstaller::InstallFile(File& file)
         file.code = InstallCode::NotExtracted;
         return content.error();
     }
-    if (file.exists) {
-        if (Result kept = keepOriginal(file, target); !kept) {
+    const bool keeps = file.exists && !replacesOwn(item);
+    if (keeps || file.changed) {
+        if (Result kept = keeps ? keepOriginal(file, target) : setAsideChanged(target); !kept) {
             file.code = InstallCode::Error;
             return kept;
         }
@@ -379,7 +402,7 @@ Result CAddonInstaller::InstallFile(File& file)
         m_log.line(QString(u"      Creating destination folder "_s + item.sFolder_Installation));
     const ResultOf<Fingerprint> placed = m_actions->placeOver(target, *content, file.before);
     if (!placed) {
-        if (file.exists) { // what was kept for it is not needed; it goes with the other changes
+        if (keeps) { // what was kept for it is not needed; it goes with the other changes
             const QString kept = m_context.global.originalsFolder + m_originals.takeLast().keptFile;
             if (Result gone = m_actions->remove(kept); !gone)
                 m_log.line(QString(u"   "_s + gone.text));
@@ -389,6 +412,18 @@ Result CAddonInstaller::InstallFile(File& file)
     }
     file.after = *placed;
     return Result::success();
+}
+
+/// A folder of this operation alone: an earlier one of the same add-on may have left files there.
+QString CAddonInstaller::keptFolder()
+{
+    const QString& top = m_context.global.originalsFolder;
+    for (int number = 1; m_keptFolder.isEmpty(); ++number) {
+        const QString folder = originals::keptFolder(m_record.key, number);
+        if (!m_context.services.files.exists(top + winpath::withoutTrailing(folder)))
+            m_keptFolder = folder;
+    }
+    return m_keptFolder;
 }
 
 Result CAddonInstaller::keepOriginal(File& file, const QString& target)
@@ -401,7 +436,7 @@ Result CAddonInstaller::keepOriginal(File& file, const QString& target)
     OriginalRecord original;
     original.detailKey = &file - m_files.data();
     original.masterKey = m_record.key;
-    original.keptFile = originals::keptName(m_context.services.gate, m_record.key, target);
+    original.keptFile = originals::keptName(m_context.services.gate, keptFolder(), target);
     original.size = print->size;
     original.hash = print->xxh3;
     if (Result kept = m_actions->keep(target, m_context.global.originalsFolder + original.keptFile);

@@ -82,8 +82,9 @@ bool CAddonInstaller::anySceneryIn(const QString& folder) const
 
 Result CAddonInstaller::SceneryLibrary_Update()
 {
-    m_wantedAreas.removeIf(
-        [this](const SceneryAreaToAdd& area) { return !anySceneryIn(area.folder); });
+    if (!m_details.inPlace()) // what is recorded was wanted, whether its files were touched or not
+        m_wantedAreas.removeIf(
+            [this](const SceneryAreaToAdd& area) { return !anySceneryIn(area.folder); });
     if (m_wantedAreas.isEmpty())
         return Result::success();
     status(u"Updating scenery library..."_s);
@@ -173,11 +174,14 @@ Result CAddonInstaller::Changes_Apply()
     const bool any = std::any_of(m_files.cbegin(), m_files.cend(), [](const File& file) {
         return file.code == InstallCode::Installed;
     });
-    if (!any) {
+    if (!any && !m_details.inPlace()) {
         tellFiles();
         return nothingInstalled();
     }
-    m_closing.masterKey = m_record.key;
+    // Rows of files that fail in place stay: what they recorded is still there.
+    m_closing.masterKey = m_details.inPlace() ? 0 : m_record.key;
+    if (m_details.inPlace())
+        noteChecksBefore();
     if (const auto library = m_context.services.gate.place(m_context.global.sceneryCfgFile);
         library && !m_areas.isEmpty())
         m_closing.library = *library;
@@ -185,12 +189,19 @@ Result CAddonInstaller::Changes_Apply()
         m_actions->apply(packClosing(m_closing), [this] { return recordAddon(); });
     if (!applied)
         return applied.error();
+    if (toCabinet() && !applied->isEmpty())
+        return forgetStored(applied->first().text);
     applyFailures(*applied);
+    if (m_details.inPlace())
+        forgetFailed();
     if (m_actions->closingFailure().isEmpty()) {
         dropNeedlessOriginals();
         dropNeedlessBases(*applied);
     }
     tellFiles();
+    if (toCabinet())
+        m_results.add(resultgroup::specialActions,
+                      u"The addon is kept in the File Cabinet as '"_s + m_archive + u"'."_s);
     tellAliases();
     tellVariants();
     tellTraffic(*applied);
@@ -202,6 +213,8 @@ Result CAddonInstaller::Changes_Apply()
 
 Result CAddonInstaller::recordAddon()
 {
+    if (m_details.recorded())
+        return recordAgain();
     if (!modDatabase_Addon::createAddon(m_database, m_record))
         return Result::failure(u"Could not create a master record for the addon."_s);
     if (Result recorded = recordFiles(); !recorded)
@@ -218,12 +231,12 @@ Result CAddonInstaller::recordFiles()
     checks.reserve(qsizetype(m_files.size()));
     for (size_t i = 0; i < m_files.size(); ++i) {
         const File& file = m_files[i];
-        if (file.code != InstallCode::Installed)
+        if (file.code != InstallCode::Installed || replacesOwn(*file.item))
             continue;
         rowOf[qsizetype(i)] = details.size();
         DetailRecord row;
         row.filename = file.item->sName;
-        row.location = file.item->sFolder_Installation;
+        row.location = m_details.simulatorFolderOf(*file.item);
         row.name = file.item->sName_Installation;
         row.preferredLocation = file.item->sFolder_PreferredInstallation;
         row.preferredName = file.item->sName_PreferredInstallation;
@@ -239,15 +252,14 @@ Result CAddonInstaller::recordFiles()
         details.push_back(row);
         checks.push_back(staged.check);
     }
-    if (m_variantData) {
-        DetailRecord row;
-        row.filename = row.name = row.preferredName = m_details.sVariantDataFilename;
-        row.location = row.preferredLocation = m_details.storageFolder();
-        details.push_back(row);
+    if (m_variantData && !m_details.inPlace()) {
+        details.push_back(variantDataRow());
         checks.push_back(*m_variantData);
     }
     const ResultOf<qint64> first =
-        modDatabase_Addon::addDetails(m_database, m_record.key, details, checks);
+        details.isEmpty()
+            ? ResultOf<qint64>(0)
+            : modDatabase_Addon::addDetails(m_database, m_record.key, details, checks);
     if (!first)
         return first.error();
 
@@ -262,6 +274,22 @@ Result CAddonInstaller::recordFiles()
     if (Result added = modDatabase_Addon::addOriginals(m_database, originals); !added)
         return added;
 
+    if (Result recorded = recordMadeFolders(); !recorded)
+        return recorded;
+    return m_details.recorded() ? recordAreasAgain(details) : recordAreas(details);
+}
+
+DetailRecord CAddonInstaller::variantDataRow() const
+{
+    DetailRecord row;
+    row.filename = row.name = row.preferredName = m_details.sVariantDataFilename;
+    row.location = row.preferredLocation = m_details.storageFolder();
+    return row;
+}
+
+/// Folders that came to be, and what is known of edited configuration files.
+Result CAddonInstaller::recordMadeFolders()
+{
     QList<Place> folders;
     for (const QString& folder : m_actions->madeFolders()) {
         if (const ResultOf<Place> place = m_context.services.gate.place(folder))
@@ -273,7 +301,7 @@ Result CAddonInstaller::recordFiles()
         if (Result written = modDatabase_Addon::setConfigBase(m_database, base); !written)
             return written;
     }
-    return recordAreas(details);
+    return Result::success();
 }
 
 Result CAddonInstaller::recordAreas(const QList<DetailRecord>& details)
@@ -375,16 +403,19 @@ QString CAddonInstaller::cause() const
 
 void CAddonInstaller::tellFiles()
 {
+    const bool again = m_details.recorded();
     for (const File& file : m_files) {
         const bool installed = file.code == InstallCode::Installed;
         const QString target = targetOf(*file.item);
         m_failedFiles += file.code == InstallCode::Error || file.code == InstallCode::NotExtracted;
         m_results.add(installed ? resultgroup::installed : resultgroup::notInstalled,
                       target,
-                      resultPhrase(file.code));
+                      resultPhrase(file.code, again));
         if (!file.cause.isEmpty())
             m_results.addCause(target, file.cause);
     }
+    if (again)
+        tellMissing();
 }
 
 } // namespace vt

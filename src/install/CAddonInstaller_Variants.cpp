@@ -42,7 +42,7 @@ Result CAddonInstaller::AircraftVariants_Create()
     const bool any = std::any_of(m_aircraftEdits.cbegin(),
                                  m_aircraftEdits.cend(),
                                  [](const AircraftEdit& edit) { return !edit.added.isEmpty(); });
-    if (!any)
+    if (!any && !variantDataIsLost())
         return Result::success();
     if (m_cancelled) {
         for (AircraftEdit& edit : m_aircraftEdits)
@@ -129,14 +129,48 @@ Result CAddonInstaller::noteOwner(const QString& file)
     return Result::success();
 }
 
+/// Whether the data file of an add-on that is installed again is not what was recorded.
+bool CAddonInstaller::variantDataIsLost() const
+{
+    if (!m_details.inPlace())
+        return false;
+    for (const DetailRecord& row : m_details.recorded()->files) {
+        if (!equalNoCase(row.filename, m_details.sVariantDataFilename))
+            continue;
+        const QString path = row.location + row.name;
+        const auto entry = m_context.services.files.entry(path);
+        return !entry || !originals::isRecorded(m_context.services.files,
+                                                path,
+                                                *entry,
+                                                m_details.recorded()->checks.value(row.key));
+    }
+    return false;
+}
+
 Result CAddonInstaller::writeVariantData()
 {
     QList<addonvariations::Variation> variations;
     for (const AircraftEdit& edit : std::as_const(m_aircraftEdits)) {
         if (!edit.problem.isEmpty())
             continue;
-        for (const AddedVariation& added : edit.added)
-            variations.append({edit.file, added.section, added.title, added.texture});
+        const LineArray lines = LineArray::ofBytes(edit.bytes, m_context.services.ansi);
+        for (const AddedVariation& added : edit.added) {
+            variations.append({edit.file,
+                               added.section,
+                               added.title,
+                               added.texture,
+                               addonvariations::linesOf(lines, added.section)});
+        }
+    }
+    if (variations.isEmpty() && m_details.inPlace() && !variantDataIsLost())
+        return Result::success(); // the one that lies there tells them still
+    for (const addonvariations::Variation& before : m_details.recordedVariations()) {
+        const bool again = std::any_of(
+            variations.cbegin(), variations.cend(), [&](const addonvariations::Variation& one) {
+                return equalNoCase(one.title, before.title) && winpath::same(one.file, before.file);
+            });
+        if (!again)
+            variations.append(before);
     }
     const QByteArray bytes = addonvariations::dataFile(variations, m_context.services.ansi);
     if (bytes.isEmpty())

@@ -70,6 +70,7 @@ struct VariantDetails
     QString texture;       ///< folder suffix: "blue", "Landor\G-CIVB"; empty for plain "texture"
     QString sourceSection; ///< "fltsim.X" in the source file, empty when the add-on brings none
     qint32 sourceItem = 0; ///< key of the item that holds the section, or 0
+    QStringList lines;     ///< of the section itself, where they were recorded
 };
 
 /// A folder of a repaint that becomes a folder of the aircraft.
@@ -92,6 +93,7 @@ struct InstallationGroup
     InstallationMethod method = InstallationMethod::Determined;
     int aircraftGroup = -1;   ///< index of the aircraft group of this add-on, or -1
     bool repaint = false;     ///< the analysis took the textures for a skin of an aircraft
+    bool recorded = false;    ///< made from the record, to be installed again
     bool baseMissing = false; ///< the source names an aircraft that is nowhere
     bool sceneryLibraryUpdate = false;
     QString sceneryTitle;

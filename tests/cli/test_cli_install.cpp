@@ -177,6 +177,50 @@ private Q_SLOTS:
         QCOMPARE(again[u"results"][u"Installed"].toArray().size(), 11);
     }
 
+    void options_doWhatThePlanSays_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        const auto row = [](const QStringList& options) {
+            QTest::newRow(qPrintable(options.join(u' '))) << options;
+        };
+        row({u"--method"_s, u"scenery=world"_s});
+        row({u"--method"_s, u"scenery=folder:Addon Scenery\\Mine"_s});
+        row({u"--target"_s, u"*.txt=@*.bgl"_s, u"--scenery-title"_s, u"My harbour"_s});
+        row({u"--rename"_s, u"*.txt=notes.txt"_s, u"--replace"_s, u"no"_s});
+        row({u"--skip"_s, u"*.bgl"_s, u"--no-scenery-library"_s});
+        row({u"--to"_s, u"cabinet"_s});
+    }
+
+    void options_doWhatThePlanSays()
+    {
+        QFETCH(QStringList, options);
+        InstallWorld world;
+        const QJsonObject plan =
+            world.json(QStringList{u"plan"_s, u"pack.zip"_s} + options).object();
+        QStringList planned;
+        for (const QJsonValue& item : plan[u"items"].toArray()) {
+            if (item[u"install"].toBool())
+                planned += item[u"targetFolder"].toString() + item[u"targetName"].toString();
+        }
+        const QJsonObject installed =
+            world.json(QStringList{u"install"_s, u"pack.zip"_s} + options).object();
+        QStringList done;
+        for (const QJsonValue& text : installed[u"results"][u"Installed"].toArray())
+            done += text.toString().chopped(qsizetype(qstrlen(" was installed.")));
+        QCOMPARE(done, planned);
+        const QString key = QString::number(installed[u"key"].toInt());
+        const bool cabinet = options.contains(u"cabinet"_s);
+        QCOMPARE(installed[u"status"].toString(), cabinet ? u"cabinet"_s : u"installed"_s);
+        QCOMPARE(world.changes().isEmpty(), cabinet);
+
+        const QJsonObject again = world.json({u"reinstall"_s, key}).object();
+        QCOMPARE(again[u"status"].toString(), u"installed"_s);
+        QCOMPARE(again[u"results"][u"Installed"].toArray().size(), planned.size());
+        QCOMPARE(world.run({u"validate"_s, key}).status, 0);
+        QCOMPARE(world.run({u"remove"_s, key}).status, 0);
+        QCOMPARE(world.changes(), QStringList());
+    }
+
     void sceneryBehindALink_isUsedOnceConfirmed()
     {
         InstallWorld world;
@@ -288,6 +332,18 @@ private Q_SLOTS:
                 u"x.y"_s,
                 {});
         }
+        row("a lost source", {u"reinstall"_s, u"1"_s}, 3, u"--from"_s, [](InstallWorld& world) {
+            QCOMPARE(world.run({u"install"_s, u"pack.zip"_s}).status, 0);
+            QVERIFY(QFile::remove(world.dir.filePath(u"pack.zip"_s)));
+            world.before = world.tree();
+        });
+        row("an unknown key again", {u"reinstall"_s, u"77"_s}, 1, u"77"_s, {});
+        for (const QString& method : {u"scenery"_s, u"gauge=gauge"_s, u"scenery=adventures"_s})
+            row(qPrintable(u"a wrong method, "_s + method),
+                {u"plan"_s, u"pack.zip"_s, u"--method"_s, method},
+                2,
+                method.section(u'=', -1),
+                {});
         row("a wrong rating", {u"install"_s, u"pack.zip"_s, u"--rating"_s, u"6"_s}, 2, u"6"_s, {});
         row("a folder to be archived",
             {u"install"_s, u"unpacked"_s, u"--archive-source"_s, u"drawer"_s},

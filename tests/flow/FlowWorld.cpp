@@ -107,6 +107,27 @@ ResultOf<qint64> FlowWorld::install(const QString& hostSource, const InstallOpti
     return installer.masterKey();
 }
 
+Result FlowWorld::reinstall(qint64 key, const InstallOptions& options, const QString& hostSource)
+{
+    files.newOperation();
+    ResultOf<RecordedAddon> recorded = RecordedAddon::load(*database, key);
+    if (!recorded)
+        return recorded.error();
+    const ResultOf<QString> source = reinstallationSource(
+        context, *recorded, hostSource.isEmpty() ? QString() : drives.toWindows(hostSource));
+    if (!source)
+        return source.error();
+    CAddonInstallationDetails details(context);
+    if (Result prepared = details.prepareAgain(*recorded, *source, options); !prepared)
+        return prepared;
+    CAddonInstaller installer(context, *database, details);
+    installer.simulatorIsRunning = [this] { return simulatorRuns; };
+    const bool reached = installer.Reinstall_Begin();
+    results = installer.results();
+    anyFailed = installer.failedFiles() > 0;
+    return reached ? Result::success() : installer.failure();
+}
+
 Result FlowWorld::remove(qint64 key, const RemovalOptions& options)
 {
     CAddonRemover remover(context, *database, key, options);

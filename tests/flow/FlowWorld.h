@@ -53,6 +53,9 @@ public:
     /// The key of the new add-on, or why there is none. installed and failure are set as well.
     ResultOf<qint64> install(const QString& hostSource, const InstallOptions& options = {});
     Result remove(qint64 key, const RemovalOptions& options = {});
+    /// From the File Cabinet, the recorded source or \a hostSource.
+    Result
+    reinstall(qint64 key, const InstallOptions& options = {}, const QString& hostSource = {});
 
     /// The folder as one that the user chose for the next operation.
     QString choose(const QString& hostFolder);
@@ -82,7 +85,8 @@ public:
     std::unique_ptr<Connection> database;
     QList<Recovery> recoveries;
     Results results;        ///< of the last operation
-    bool anyFailed = false; ///< of the last removal
+    bool anyFailed = false; ///< of the last removal or reinstallation
+    bool simulatorRuns = false;
 };
 
 /// How many fault points \a work passes.

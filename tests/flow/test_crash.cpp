@@ -118,6 +118,80 @@ private Q_SLOTS:
             base(), [this](FlowWorld& world) { (void)world.install(m_upper); }, 2, before, 1);
     }
 
+    void storingAndReinstalling_endAnywhere_areUndoneOrCompleted_data()
+    {
+        QTest::addColumn<bool>("stored"); // before: in the File Cabinet
+        QTest::addColumn<bool>("again");
+        QTest::newRow("into the File Cabinet") << false << false;
+        QTest::newRow("again in place") << false << true;
+        QTest::newRow("out of the File Cabinet") << true << true;
+    }
+
+    void storingAndReinstalling_endAnywhere_areUndoneOrCompleted()
+    {
+        QFETCH(bool, stored);
+        QFETCH(bool, again);
+        const QString from = m_dir.filePath(u"again"_s);
+        QDir(from).removeRecursively();
+        copyTree(base(), from);
+        InstallOptions cabinet;
+        cabinet.to = InstallTo::Cabinet;
+        qint64 key = 0;
+        {
+            FlowWorld world(from);
+            world.prompts.defaultsBeyondQueue = true;
+            QVERIFY(world.start());
+            key = stored ? *world.install(m_upper, cabinet)
+                         : modDatabase_Addon::addons(*world.database)->first().key;
+            const auto rows = modDatabase_Addon::detailsOf(*world.database, key);
+            for (const DetailRecord& row : *rows) {
+                const QString path = row.location + row.name;
+                if (again && !stored &&
+                    world.gate.place(path)) // not what lies in the base's folder
+                    QVERIFY(world.actions.replace(path, "damaged"));
+            }
+        }
+        const auto work = [&](FlowWorld& world) {
+            if (again)
+                (void)world.reinstall(key);
+            else
+                (void)world.install(m_upper, cabinet);
+        };
+        TreeSnapshot before;
+        TreeSnapshot after;
+        TreeSnapshot empty;
+        int points = 0;
+        {
+            FlowWorld world(trial(from));
+            world.prompts.defaultsBeyondQueue = true;
+            QVERIFY(world.start());
+            before = world.tree();
+            points = countPoints(world, work);
+            after = world.tree();
+            QCOMPARE(differences(before, after, Backups::Ignore).isEmpty(), !again);
+        }
+        for (int n = 1; n <= points; ++n) {
+            const QString folder = trial(from);
+            QVERIFY2(runAndEnd(folder, n, work), qPrintable(u"point %1 was not reached"_s.arg(n)));
+            FlowWorld world(folder);
+            world.prompts.defaultsBeyondQueue = true;
+            QVERIFY(world.start());
+            const TreeSnapshot now = world.tree();
+            const QStringList wrong = differences(after, now, Backups::Ignore);
+            QVERIFY2(wrong.isEmpty() || differences(before, now, Backups::Ignore).isEmpty(),
+                     qPrintable(u"point %1: "_s.arg(n) + wrong.value(0)));
+            // Whichever it was: all can be had again, and goes without a trace.
+            const auto addons = modDatabase_Addon::addons(*world.database);
+            for (const AddonRecord& addon : *addons)
+                QVERIFY2(world.reinstall(addon.key).ok, qPrintable(addon.name));
+            for (const AddonRecord& addon : *addons)
+                QVERIFY(world.remove(addon.key));
+            if (n == 1)
+                empty = world.tree();
+            QCOMPARE(differences(empty, world.tree(), Backups::Ignore), QStringList());
+        }
+    }
+
     void removal_endsAnywhere_isUndoneOrCompleted_data()
     {
         QTest::addColumn<RemovalMethod>("method");

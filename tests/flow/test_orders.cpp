@@ -1,5 +1,6 @@
-// Any order of installing and removing overlapping add-ons ends at the beginning, whatever the user
-// changed in between; after every step each shared place holds what the topmost add-on put there.
+// Any order of installing (again) and removing overlapping add-ons ends at the beginning, whatever
+// the user changed in between; after every step each shared place holds what the topmost add-on put
+// there.
 #include "demo/OverlappingPacks.h"
 #include "flow/FlowWorld.h"
 #include "support/TestMain.h"
@@ -21,6 +22,7 @@ struct Layer
 {
     qint64 key = 0; ///< 0: the simulator's own
     QByteArray bytes;
+    QByteArray installed; ///< as the add-on brought it
 };
 
 QByteArray bytesAt(const FlowWorld& world, const QString& path)
@@ -50,7 +52,8 @@ private:
     noteLayers(FlowWorld& world, const Installed& addon, QMap<QString, QList<Layer>>& model)
     {
         for (const QString& place : addon.places)
-            model[foldCase(place)].push_back({addon.key, bytesAt(world, place)});
+            model[foldCase(place)].push_back(
+                {addon.key, bytesAt(world, place), bytesAt(world, place)});
     }
 
 private Q_SLOTS:
@@ -69,6 +72,7 @@ private Q_SLOTS:
         QRandomGenerator random(20261121);
         int middle = 0;
         int userChanges = 0;
+        int reinstallations = 0;
         for (int sequence = 0; sequence < sequences; ++sequence) {
             QList<Installed> standing;
             QMap<QString, QList<Layer>> model;
@@ -111,6 +115,17 @@ private Q_SLOTS:
                     QVERIFY(!added.places.isEmpty());
                     noteLayers(world, added, model);
                     standing += added;
+                } else if (what < 6 && !standing.isEmpty()) {
+                    // Installed again: what was edited on top is as it came, others' files stay.
+                    const qint64 key = standing[random.bounded(standing.size())].key;
+                    const Result again = world.reinstall(key);
+                    QVERIFY2(again.ok, qPrintable(again.text));
+                    QVERIFY(!world.anyFailed);
+                    for (QList<Layer>& layers : model) {
+                        if (!layers.isEmpty() && layers.last().key == key)
+                            layers.last().bytes = layers.last().installed;
+                    }
+                    ++reinstallations;
                 } else if (what < 8 && !standing.isEmpty()) {
                     takeOut(random.bounded(standing.size()));
                 } else if (!standing.isEmpty()) {
@@ -132,6 +147,7 @@ private Q_SLOTS:
         }
         QVERIFY(middle > 50);
         QVERIFY(userChanges > 50);
+        QVERIFY(reinstallations > 50);
     }
 };
 

@@ -36,17 +36,20 @@ Result moveFile(Services& services, const QString& from, const QString& to)
 }
 
 /// Under a name of its own when there is one of that name already.
-Result moveArchive(Services& services, const QString& archive, const QString& folder)
+/// Where it lies now.
+ResultOf<QString> moveArchive(Services& services, const QString& archive, const QString& folder)
 {
     QString target = folder + winpath::name(archive);
     for (int n = 2; services.files.exists(target); ++n)
         target = folder + winpath::baseName(archive) + u' ' + QString::number(n) +
                  winpath::name(archive).sliced(winpath::baseName(archive).size());
-    return moveFile(services, archive, target);
+    const Result moved = moveFile(services, archive, target);
+    return moved ? ResultOf<QString>(target) : ResultOf<QString>(moved);
 }
 
 /// Volumes find each other by their names, so when one is taken they all go to a new folder there.
-Result moveVolumes(Services& services, const QStringList& volumes, const QString& folder)
+/// Where the first one lies now.
+ResultOf<QString> moveVolumes(Services& services, const QStringList& volumes, const QString& folder)
 {
     const auto taken = [&](const QString& into) {
         return std::any_of(volumes.begin(), volumes.end(), [&](const QString& volume) {
@@ -60,7 +63,7 @@ Result moveVolumes(Services& services, const QStringList& volumes, const QString
         if (Result moved = moveFile(services, volume, into + winpath::name(volume)); !moved)
             return moved;
     }
-    return Result::success();
+    return into + winpath::name(volumes.first());
 }
 
 } // namespace
@@ -216,16 +219,16 @@ Result CAddonInstaller::SourceZipFile_Archive()
     }
     const QString folder = winpath::asFolder(options.archiveSourceFolder);
     const QStringList volumes = m_details.source().sourceFiles();
-    const Result moved = volumes.size() > 1 ? moveVolumes(services, volumes, folder)
-                                            : moveArchive(services, archive, folder);
+    const ResultOf<QString> moved = volumes.size() > 1 ? moveVolumes(services, volumes, folder)
+                                                       : moveArchive(services, archive, folder);
     if (!moved) {
         m_results.add(resultgroup::failedSpecialActions,
                       u"Could not move addon zip source file."_s);
         m_results.addCause(archive, moved.text);
-        return moved;
+        return moved.error();
     }
     m_results.add(resultgroup::specialActions, u"Source zip file was archived to "_s + folder);
-    m_record.sourceName = target; // where a reinstallation finds it
+    m_record.sourceName = *moved; // where a reinstallation finds it
     return modDatabase_Addon::updateAddon(m_database, m_record);
 }
 

@@ -18,6 +18,7 @@ std::vector<Command> allCommands()
         archiveCommands,
         databaseCommands,
         addonCommands,
+        editCommands,
         planCommands,
         installCommands,
         importCommands,

@@ -1,9 +1,10 @@
 // list, show, owner, validate, history: what is recorded, beside what lies on the disk. Reads only.
+#include "addondb/AddonColumns.h"
 #include "addondb/AddonDatabase.h"
-#include "addondb/AddonList.h"
 #include "addondb/FileCabinet.h"
+#include "addondb/Pictures.h"
 #include "cli/AddonKey.h"
-#include "cli/Command.h"
+#include "cli/ShowAddon.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "simconfig/AddonVariations.h"
@@ -233,40 +234,11 @@ void sayHead(World& world, const AddonRow& row)
               shownDate(addon.dateInstalled));
     world.say(u"  Categories:  "_s + categoryWords(addon.categories).join(u", "_s));
     world.say(u"  Authors:     "_s + addon.authors);
-    world.say(u"  Rating:      "_s +
-              (addon.rating == 0 ? u"(unrated)"_s : QString::number(addon.rating)));
+    world.say(u"  Rating:      "_s + ratingText(addon.rating));
     world.say(u"  Source:      "_s + addon.sourceName + u" ("_s + sizeText(addon.sourceSize) +
               u", "_s + countText(addon.sourceTotalFiles, u"file"_s, u"files"_s) + u")"_s);
     if (!addon.description.isEmpty())
         world.say(u"  Description: "_s + addon.description);
-}
-
-int showAddon(World& world, const Arguments& arguments)
-{
-    ResultOf<Shown> shown = loadShown(world, arguments);
-    if (!shown)
-        return world.fail(shown.error());
-    JsonStream& out = world.out();
-    sayHead(world, shown->row);
-    out.beginObject();
-    writeAddon(out, shown->row);
-    out.field(u"description", shown->row.addon.description);
-    writeItems(world, *shown, true);
-    writeAreas(world, shown->areas);
-    out.beginArray(u"variants");
-    for (const auto& variation : addonvariations::find(
-             ConfigAccess(world.services()), shown->row.addon.key, shown->items.details())) {
-        world.say(u"Aircraft variation '"_s + variation.title + u"' ["_s + variation.section +
-                  u"] of "_s + variation.file);
-        out.beginObject();
-        out.field(u"file", variation.file);
-        out.field(u"section", variation.section);
-        out.field(u"title", variation.title);
-        out.endObject();
-    }
-    out.endArray();
-    out.endObject();
-    return Done;
 }
 
 int validateAddon(World& world, const Arguments& arguments)
@@ -390,6 +362,39 @@ int showHistory(World& world, const Arguments& arguments)
 }
 
 } // namespace
+
+int showAddon(World& world, const Arguments& arguments)
+{
+    ResultOf<Shown> shown = loadShown(world, arguments);
+    if (!shown)
+        return world.fail(shown.error());
+    JsonStream& out = world.out();
+    sayHead(world, shown->row);
+    out.beginObject();
+    writeAddon(out, shown->row);
+    out.field(u"description", shown->row.addon.description);
+    const QString picture = pictures::addonPicture(world.context().global, shown->row.addon.key);
+    const bool hasPicture = world.services().files.isFile(picture);
+    out.field(u"picture", hasPicture ? picture : QString());
+    if (hasPicture)
+        world.say(u"  Picture:     "_s + picture);
+    writeItems(world, *shown, true);
+    writeAreas(world, shown->areas);
+    out.beginArray(u"variants");
+    for (const auto& variation : addonvariations::find(
+             ConfigAccess(world.services()), shown->row.addon.key, shown->items.details())) {
+        world.say(u"Aircraft variation '"_s + variation.title + u"' ["_s + variation.section +
+                  u"] of "_s + variation.file);
+        out.beginObject();
+        out.field(u"file", variation.file);
+        out.field(u"section", variation.section);
+        out.field(u"title", variation.title);
+        out.endObject();
+    }
+    out.endArray();
+    out.endObject();
+    return Done;
+}
 
 std::vector<Command> addonCommands()
 {

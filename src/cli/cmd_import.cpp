@@ -102,6 +102,8 @@ int runImport(World& world, const Arguments& arguments)
     out.field(u"remarks", manager.remarks());
     for (const QString& remark : manager.remarks())
         world.say(remark);
+    if (!manager.results().empty())
+        world.say(u"Import Results"_s);
     world.say(manager.results());
     for (const ImportGroup& group : manager.groups()) {
         if (done && !group.cause.isEmpty())

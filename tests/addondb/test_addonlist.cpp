@@ -1,5 +1,5 @@
 // What lists and reports show: filters, the derived status, files beside what lies on the disk.
-#include "addondb/AddonList.h"
+#include "addondb/AddonColumns.h"
 #include "addondb/DatabaseFixture.h"
 #include "platform/Hash.h"
 #include "support/Rows.h"
@@ -68,6 +68,23 @@ private Q_SLOTS:
             QCOMPARE(namesOf(found), names);
             for (const AddonRow& row : *found)
                 QCOMPARE(row.files, row.addon.key == jet.key ? 2 : 0);
+
+            SilentStatus silent;
+            const auto shown =
+                addonListRows(database, m_world->files, silent, {status, wanted, search, {}});
+            QCOMPARE(shown->size(), found->size());
+            for (qsizetype i = 0; i < shown->size(); ++i) {
+                const AddonListRow& row = (*shown)[i];
+                QCOMPARE(row.text(AddonColumn::AddonName, i), names[i]);
+                QCOMPARE(row.text(AddonColumn::Order, i), QString::number(i + 1));
+                QCOMPARE(row.text(AddonColumn::DateInstalled, i), u"2024-05-06 07:08"_s);
+                QCOMPARE(row.text(AddonColumn::DateRemoved, i), QString());
+                QCOMPARE(row.text(AddonColumn::Rating, i), u"(unrated)"_s);
+                QCOMPARE(row.text(AddonColumn::Origin, i),
+                         names[i] == u"Town" ? u"Imported"_s : u"Unknown"_s);
+                QCOMPARE(row.key(AddonColumn::Files, i).toLongLong(), (*found)[i].files);
+                QCOMPARE(row.icon(), names[i] == u"Stored" ? AddonIcon::TrashCan : AddonIcon::Own);
+            }
         }
     }
 

@@ -210,6 +210,39 @@ private Q_SLOTS:
         }
     }
 
+    void edit_changesTheRecordAndItsPicture()
+    {
+        const FilledWorld world;
+        // One red point.
+        world.write(u"shot.bmp"_s,
+                    QByteArray::fromHex("424d3a0000000000000036000000280000000100000001000000010018"
+                                        "00000000000400000000000000000000000000000000000000"
+                                        "0000ff00"));
+        const QStringList edit = {u"edit"_s, u"1"_s};
+        const Ran ran = world.json(edit + QStringList{u"--name"_s,
+                                                      u"Jet 2"_s,
+                                                      u"--rating"_s,
+                                                      u"4"_s,
+                                                      u"--authors"_s,
+                                                      u"A / B"_s,
+                                                      u"--picture"_s,
+                                                      u"shot.bmp"_s});
+        QVERIFY2(ran.status == 0, ran.err.constData());
+        QCOMPARE(ran.object()[u"name"_s], QJsonValue(u"Jet 2"_s));
+        QCOMPARE(ran.object()[u"rating"_s], QJsonValue(4));
+        QCOMPARE(ran.object()[u"authors"_s], QJsonValue(u"A / B"_s));
+        QVERIFY(world.read(u"home/Images/Addons/1/Picture.jpg"_s).startsWith("\xFF\xD8"));
+
+        const Ran refused =
+            world.json(edit + QStringList{u"--name"_s, u"X"_s, u"--picture"_s, u"sim/a.mdl"_s});
+        QCOMPARE(refused.status, 1);
+        QVERIFY(refused.err.startsWith("Could not setup a picture for the addon. "));
+        QCOMPARE(world.json({u"show"_s, u"1"_s}).object()[u"name"_s], QJsonValue(u"Jet 2"_s));
+        QCOMPARE(world.json(edit + QStringList{u"--rating"_s, u"6"_s}).status, 2);
+        QCOMPARE(world.json(edit + QStringList{u"--picture"_s, u"none"_s}).status, 0);
+        QVERIFY(!world.exists(u"home/Images/Addons/1"_s));
+    }
+
     void wrongArguments_areTold()
     {
         const Rows<QStringList> rows = {

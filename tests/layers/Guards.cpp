@@ -24,6 +24,7 @@ const QList<Layer>& layers()
 {
     static const QList<Layer> all{
         {"platform"_L1, {}},
+        {"picture"_L1, {}},
         {"shell"_L1, {"platform"_L1}},
         {"simconfig/engine"_L1, {"shell"_L1, "platform"_L1}},
         {"archive"_L1, {"shell"_L1, "platform"_L1}},

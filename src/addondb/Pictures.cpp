@@ -1,0 +1,155 @@
+#include "addondb/Pictures.h"
+
+#include "addondb/AddonDatabase.h"
+#include "platform/GuardedChild.h"
+#include "platform/WinPath.h"
+#include "shell/GlobalRecord.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt::pictures {
+
+namespace {
+
+constexpr qint64 sourceLimit = 64LL * 1024 * 1024;
+
+Result notSetUp(const QString& why)
+{
+    return Result::failure(u"Could not setup a picture for the addon. "_s + why);
+}
+
+/// The folder as well, once nothing is left in it.
+Result deleteWithFolder(FileActions& actions, const QString& path)
+{
+    if (Result gone = actions.remove(path); !gone)
+        return gone;
+    return actions.removeEmptyFolder(winpath::parent(path));
+}
+
+} // namespace
+
+ResultOf<QByteArray> preview(const QByteArray& picture, const QString& name, int width)
+{
+    GuardedCall call;
+    call.program = helperProgram(u"vantrel-picture"_s);
+    call.arguments = {QString::number(width)};
+    call.input = picture;
+    ResultOf<QByteArray> jpeg = runGuarded(call);
+    if (jpeg || jpeg.kind == ErrorKind::Surroundings)
+        return jpeg;
+    return Result::failure(u"The picture '"_s + name + u"' cannot be used: "_s + jpeg.text + u'.');
+}
+
+QString addonFolder(const GlobalRecord& global, qint64 masterKey)
+{
+    return global.imagesFolder + u"Addons\\"_s + QString::number(masterKey) + u'\\';
+}
+
+QString addonPicture(const GlobalRecord& global, qint64 masterKey)
+{
+    return addonFolder(global, masterKey) + u"Picture.jpg"_s;
+}
+
+Result storeAddonPicture(Context& context,
+                         Connection& database,
+                         qint64 masterKey,
+                         const QByteArray& picture,
+                         const QString& name)
+{
+    const ResultOf<QByteArray> jpeg = preview(picture, name);
+    if (!jpeg)
+        return notSetUp(jpeg.text);
+    const QString path = addonPicture(context.global, masterKey);
+    if (Result written = context.services.actions.replace(path, *jpeg); !written)
+        return notSetUp(written.text);
+    const Result recorded =
+        modDatabase_Addon::addPicture(database, {masterKey, 0, AddonTypeCategory::Addon, true});
+    if (recorded)
+        return recorded;
+    (void)deleteWithFolder(context.services.actions, path); // nobody knows of it
+    return notSetUp(recorded.text);
+}
+
+Result
+storeAddonPicture(Context& context, Connection& database, qint64 masterKey, const QString& file)
+{
+    const ResultOf<QByteArray> picture = context.services.files.read(file, sourceLimit);
+    if (!picture)
+        return notSetUp(picture.text);
+    return storeAddonPicture(context, database, masterKey, *picture, file);
+}
+
+Result clearAddonPicture(Context& context, Connection& database, qint64 masterKey)
+{
+    if (Result forgotten = modDatabase_Addon::deletePicturesOf(database, masterKey); !forgotten)
+        return forgotten;
+    return deleteAddonPictures(
+        context.services.actions, context.services.files, context.global, masterKey);
+}
+
+Result deleteAddonPictures(FileActions& actions,
+                           const Files& files,
+                           const GlobalRecord& global,
+                           qint64 masterKey)
+{
+    const QString folder = addonFolder(global, masterKey);
+    if (!files.isFolder(folder))
+        return Result::success();
+    for (const FileInfo& file : files.list(folder)) {
+        if (file.folder)
+            continue;
+        if (Result gone = actions.remove(folder + file.name); !gone)
+            return gone;
+    }
+    return actions.removeEmptyFolder(folder);
+}
+
+QString
+itemThumbnail(const GlobalRecord& global, const QString& configurationFile, const QString& section)
+{
+    const QString folder = winpath::parent(configurationFile);
+    if (global.imagesFolder.isEmpty() || global.simulatorFolder.isEmpty() ||
+        !winpath::isBelow(folder, global.simulatorFolder))
+        return {};
+    QString own =
+        global.imagesFolder + u"Items\\"_s + winpath::relativeTo(folder, global.simulatorFolder);
+    if (const QString name = winpath::safeName(section); !name.isEmpty())
+        own += name + u'\\';
+    return own + u"Thumbnail.jpg"_s;
+}
+
+Result storeItemThumbnail(Context& context,
+                          Connection& database,
+                          ItemTable table,
+                          const QString& configurationFile,
+                          const QString& section,
+                          const QByteArray& picture,
+                          const QString& name)
+{
+    const QString path = itemThumbnail(context.global, configurationFile, section);
+    if (path.isEmpty())
+        return notSetUp(u"'"_s + configurationFile +
+                        u"' does not lie in the simulator's folder."_s);
+    const ResultOf<QByteArray> jpeg = preview(picture, name);
+    if (!jpeg)
+        return notSetUp(jpeg.text);
+    if (Result written = context.services.actions.replace(path, *jpeg); !written)
+        return notSetUp(written.text);
+    if (modDatabase_Addon::itemDetail(database, table, configurationFile, section))
+        return Result::success();
+    ItemDetailRecord record;
+    record.item = configurationFile;
+    record.section = section;
+    if (Result recorded = modDatabase_Addon::setItemDetail(database, table, record); !recorded)
+        return notSetUp(recorded.text);
+    return Result::success();
+}
+
+Result
+clearItemThumbnail(Context& context, const QString& configurationFile, const QString& section)
+{
+    const QString path = itemThumbnail(context.global, configurationFile, section);
+    return path.isEmpty() ? Result::success() : deleteWithFolder(context.services.actions, path);
+}
+
+} // namespace vt::pictures

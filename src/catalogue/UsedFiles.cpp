@@ -41,10 +41,43 @@ bool isGaugeFile(QStringView path)
 UsedFiles::UsedFiles(const Catalogue& catalogue, const QSet<NoCase>& leaveOut)
     : m_catalogue(catalogue)
 {
-    for (ConfigIndex config = 0; config < catalogue.configCount(); ++config) {
-        if (leaveOut.isEmpty() || !leaveOut.contains(NoCase{catalogue.file(config)}))
+    addAll(leaveOut);
+}
+
+UsedFiles::UsedFiles(const Catalogue& catalogue,
+                     const QSet<NoCase>& leaveOut,
+                     const QStringList& paths)
+    : m_catalogue(catalogue), m_names(QSet<NoCase>())
+{
+    QString last;
+    for (const QString& path : paths) {
+        m_names->insert(NoCase{winpath::name(path)});
+        m_names->insert(NoCase{winpath::baseName(path)});
+        const QString folder = winpath::parent(path);
+        if (folder == last)
+            continue;
+        last = folder;
+        for (QString above = folder; above.size() > 3; above = winpath::parent(above))
+            m_names->insert(NoCase{winpath::name(winpath::withoutTrailing(above))});
+    }
+    addAll(leaveOut);
+}
+
+void UsedFiles::addAll(const QSet<NoCase>& leaveOut)
+{
+    for (ConfigIndex config = 0; config < m_catalogue.configCount(); ++config) {
+        if (leaveOut.isEmpty() || !leaveOut.contains(NoCase{m_catalogue.file(config)}))
             add(config);
     }
+}
+
+bool UsedFiles::mayBeAsked(const QString& named) const
+{
+    if (!m_names)
+        return true;
+    const qsizetype cut = qMax(named.lastIndexOf(u'\\'), named.lastIndexOf(u'/'));
+    return cut + 1 == named.size() ||
+           m_names->contains(NoCase{cut < 0 ? named : named.sliced(cut + 1)});
 }
 
 void UsedFiles::add(ConfigIndex config)
@@ -52,6 +85,8 @@ void UsedFiles::add(ConfigIndex config)
     const GlobalRecord& global = m_catalogue.m_global;
     const QString own = winpath::parent(m_catalogue.file(config));
     for (const Catalogue::Named& named : m_catalogue.named(config)) {
+        if (!mayBeAsked(named.name))
+            continue;
         switch (named.kind) {
         case RefKind::Effect:
             note(m_files, global.effectsFolder + named.name + u".fx"_s, config);

@@ -6,6 +6,9 @@
 #include "catalogue/Catalogue.h"
 
 #include <QSet>
+#include <QStringList>
+
+#include <optional>
 
 namespace vt {
 
@@ -15,6 +18,9 @@ public:
     /// \a leaveOut: full paths of configuration and effects files that do not count, such as those
     /// of add-ons that are being removed. \a catalogue must outlive this, unrefreshed.
     explicit UsedFiles(const Catalogue& catalogue, const QSet<NoCase>& leaveOut = {});
+    /// As above, for who will ask about \a paths alone: what cannot be one of them is passed over,
+    /// which spares most of the work.
+    UsedFiles(const Catalogue& catalogue, const QSet<NoCase>& leaveOut, const QStringList& paths);
 
     [[nodiscard]] bool isUsed(const QString& path) const { return !usersOf(path).isEmpty(); }
 
@@ -24,9 +30,14 @@ public:
 private:
     using Users = QHash<NoCase, QList<ConfigIndex>>;
 
+    void addAll(const QSet<NoCase>& leaveOut);
     void add(ConfigIndex config);
+    [[nodiscard]] bool mayBeAsked(const QString& named) const;
 
     const Catalogue& m_catalogue;
+    /// Names of the files asked about, with and without extension, and of the folders above them;
+    /// nothing: of all.
+    std::optional<QSet<NoCase>> m_names;
     Users m_files;  ///< by full path
     Users m_gauges; ///< by full path of a gauge file without its extension, or of a gauge's folder
 };

@@ -127,12 +127,13 @@ void CAddonRemover::confirmLinks()
 /// may use. What the add-on brought itself does not count.
 void CAddonRemover::findUsers()
 {
-    bool matters = false;
+    QStringList asked;
     m_going.masterKey = m_masterKey;
     for (const File& file : m_files) {
         const QString path = file.detail.location + file.detail.name;
         m_going.files.insert(NoCase{path});
-        matters = matters || mayBeUsed(path);
+        if (mayBeUsed(path))
+            asked.append(path);
         const TypeGroup type = typeGroupOf(classify(file.detail.name, m_context.global.generation));
         const bool part =
             type == TypeGroup::PanelConfiguration || type == TypeGroup::SoundConfiguration;
@@ -141,14 +142,14 @@ void CAddonRemover::findUsers()
             !m_originals.contains(file.detail.key) && m_sharers.at(path).isEmpty())
             m_going.parts.insert(NoCase{path});
     }
-    if (!matters && m_going.parts.isEmpty())
+    if (asked.isEmpty() && m_going.parts.isEmpty())
         return;
     m_catalogue = std::make_unique<Catalogue>(m_context.global);
     status(u"Determining effects dependencies..."_s);
     m_catalogue->open(m_context.services);
     status(u"Determining gauge dependencies..."_s);
     status(u"Determining sound dependencies..."_s);
-    m_used = std::make_unique<UsedFiles>(*m_catalogue, m_going.files);
+    m_used = std::make_unique<UsedFiles>(*m_catalogue, m_going.files, asked);
 }
 
 /// Files below the simulator of the types that configuration files name.

@@ -225,6 +225,8 @@ private Q_SLOTS:
                 left.insert(NoCase{catalogue->file(config).toUpper()});
             }
             QCOMPARE(users.join(u','), by);
+            const QString full = u"C:\\FSX\\"_s + path;
+            QCOMPARE(UsedFiles(*catalogue, {}, {full}).usersOf(full), used.usersOf(full));
             QVERIFY(!UsedFiles(*catalogue, left).isUsed(u"C:\\FSX\\"_s + path));
         }
     }

@@ -9,6 +9,7 @@
 #include "support/TestMain.h"
 
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <cerrno>
@@ -207,6 +208,37 @@ private Q_SLOTS:
             std::sort(now.begin(), now.end());
             QCOMPARE(now, before);
         }
+    }
+
+    void intoTheCabinetAndBack_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const SampleAddon& sample : sampleAddons())
+            QTest::newRow(qPrintable(sample.name)) << sample.name;
+    }
+
+    void intoTheCabinetAndBack()
+    {
+        QFETCH(QString, name);
+        InstallOptions options;
+        if (name == u"kestrel-repaint")
+            options.aircraftFolder = u"Kestrel_K2"_s;
+        const QString source =
+            writePack(m_dir->filePath(u"packs"_s), name, sampleAddon(name).files);
+        const ResultOf<qint64> key = m_world->install(source, options);
+        QVERIFY2(key, qPrintable(key.text));
+        const TreeSnapshot installed = m_world->tree();
+        QVERIFY(m_world->remove(*key, by(RemovalMethod::FileCabinet)));
+        QCOMPARE(changes(), QStringList());
+        QVERIFY(QFile::remove(source)); // it is needed no more
+        const Result back = m_world->reinstall(*key);
+        QVERIFY2(back, qPrintable(back.text));
+        QCOMPARE(differences(installed, m_world->tree(), Backups::Ignore), QStringList());
+        QCOMPARE(status(*key), InstallationStatus::Installed);
+        QVERIFY(m_world->remove(*key));
+        QVERIFY(!m_world->anyFailed);
+        QCOMPARE(changes(), QStringList());
+        QVERIFY(!archive(*key));
     }
 
     void fileThatOthersUse_isCopied_data()

@@ -334,6 +334,7 @@ private:
     void recordedStorageFolder();
     void recordedVariants();
     void recordedAreas();
+    void recordedTraffic();
     void storedAreas();
     void addTargetProblems(QList<PlanProblem>& out) const;
     [[nodiscard]] bool hasGroup(MappedGroup family, int index) const;

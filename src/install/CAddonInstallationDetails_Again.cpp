@@ -54,6 +54,7 @@ Result CAddonInstallationDetails::prepareAgain(const RecordedAddon& recorded,
     recordedStorageFolder();
     recordedVariants();
     recordedAreas();
+    recordedTraffic();
     if (recorded.fromCabinet && inPlace()) {
         // What was taken out of the simulator comes back; the rest of the add-on is there.
         m_missingFiles.clear();

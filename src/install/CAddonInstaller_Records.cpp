@@ -56,7 +56,10 @@ Result CAddonInstaller::AddonMasterTable_UpdateRecord()
             words.push_back(fileCategoryOf(*file.item));
     }
     words.removeDuplicates();
-    m_record.categories = categoriesOfFiles(words);
+    // What an add-on was recorded as it stays, though its groups are not made anew.
+    if (!m_details.recorded())
+        m_record.categories = {};
+    m_record.categories |= categoriesOfFiles(words);
     for (const File& file : m_files) {
         if (file.code == InstallCode::Installed)
             m_record.categories |= categoriesOfSceneryName(file.item->sName);

@@ -78,6 +78,7 @@ class TestTraffic : public QObject
 
 private Q_SLOTS:
     void anyOrder_endsAtTheBeginning();
+    void cabinet_takesPlansAlong();
     void plan_saysWhatIsAdded();
     void withoutTool_areDocuments();
     void failedSource_restIsInstalled();
@@ -117,6 +118,25 @@ void TestTraffic::anyOrder_endsAtTheBeginning()
     QVERIFY(!w.world.anyFailed);
     QCOMPARE(differences(before, hashTree(w.tools())), QStringList());
     QCOMPARE(differences(tree, w.world.tree()), QStringList());
+}
+
+void TestTraffic::cabinet_takesPlansAlong()
+{
+    TrafficWorld w;
+    w.putTools();
+    const TreeSnapshot before = hashTree(w.tools());
+    const ResultOf<qint64> key = w.world.install(w.pack(1));
+    QVERIFY(key.ok());
+    const QByteArray plans = plansIn(w);
+    QVERIFY(w.world.remove(*key, {RemovalMethod::FileCabinet}).ok && !w.world.anyFailed);
+    QCOMPARE(differences(before, hashTree(w.tools())), QStringList());
+    const auto again = w.world.reinstall(*key);
+    QVERIFY2(again.ok, qPrintable(again.text));
+    QCOMPARE(plansIn(w), plans);
+    QVERIFY(w.world.reinstall(*key).ok); // in place: they are there already
+    QCOMPARE(plansIn(w), plans);
+    QVERIFY(w.world.remove(*key).ok && !w.world.anyFailed);
+    QCOMPARE(differences(before, hashTree(w.tools())), QStringList());
 }
 
 void TestTraffic::plan_saysWhatIsAdded()

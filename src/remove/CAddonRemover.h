@@ -111,6 +111,7 @@ private:
     Result AddonDetails_Open();
     Result FlightPlans_Remove();
     Result AircraftVariants_Remove();
+    Result Pictures_Delete();
     Result RemoveFiles();
     Result Remove_ProcessCabinetZip();
     Result References_Update();

@@ -2,6 +2,7 @@
 // twice, nothing on the disk changed, and any order of installing over it and removing ends right.
 #include "addondb/AddonDatabase.h"
 #include "addondb/AddonList.h"
+#include "addondb/Pictures.h"
 #include "demo/OverlappingPacks.h"
 #include "flow/FlowWorld.h"
 #include "import/CAddonImportMgr.h"
@@ -227,6 +228,22 @@ private Q_SLOTS:
                  qsizetype(manager->groups().size() - 1));
         QCOMPARE(modDatabase_Addon::history(*m_world->database)->size(),
                  qsizetype(manager->groups().size() - 1));
+    }
+
+    void picture_goesWithItsAddon()
+    {
+        ImportOptions options;
+        options.chkImportAircraft = options.chkImportScenery = options.chkImportMissions = false;
+        options.chkImportSounds = false;
+        const auto manager = gather(options);
+        QVERIFY(import(*manager));
+        const qint64 key = manager->groups().front().addon.lngKey;
+        const QString picture = pictures::addonPicture(m_world->global, key);
+        QVERIFY(m_world->actions.replace(picture, "jpeg"));
+        QVERIFY(modDatabase_Addon::addPicture(*m_world->database, {key, 0, {}, true}));
+        QVERIFY(m_world->remove(key));
+        QVERIFY(!m_world->files.exists(winpath::parent(picture)));
+        QVERIFY(modDatabase_Addon::picturesOf(*m_world->database, key)->isEmpty());
     }
 
     void startup_looksOnlyWhenAsked()

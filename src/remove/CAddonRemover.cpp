@@ -105,6 +105,7 @@ bool CAddonRemover::Remove_Begin()
             (void)step(u"Private Sub AirportFiles_Restore"_s, &R::AirportFiles_Restore);
             (void)step(u"Private Sub SceneryLibrary_Update"_s, &R::SceneryLibrary_Update);
         }
+        (void)step(u"Private Sub Pictures_Delete"_s, &R::Pictures_Delete);
         (void)step(u"Private Sub AddonMasterTable_Update"_s, &R::AddonMasterTable_Update);
         (void)step(u"Private Sub CustomFolders_Delete"_s, &R::CustomFolders_Delete);
         (void)step(u"Private Sub AddonDescriptionRecord_Delete"_s,
@@ -359,6 +360,16 @@ bool CAddonRemover::goesRow(qint64 detailKey) const
     return std::any_of(m_files.cbegin(), m_files.cend(), [detailKey](const File& file) {
         return file.detail.key == detailKey;
     });
+}
+
+/// They go with the record; one that stays, in the File Cabinet or because something failed, keeps
+/// them.
+Result CAddonRemover::Pictures_Delete()
+{
+    if (!m_whole || m_closing.toCabinet || !m_closing.failed.isEmpty())
+        return Result::success();
+    return pictures::deleteAddonPictures(
+        *m_actions, m_context.services.files, m_context.global, m_masterKey);
 }
 
 Result CAddonRemover::AddonMasterTable_Update()

@@ -117,6 +117,7 @@ private:
     Result References_Update();
     Result AirportFiles_Restore();
     Result SceneryLibrary_Update();
+    Result Pictures_Delete();
     Result AddonMasterTable_Update();
     Result CustomFolders_Delete();
     Result AddonDescriptionRecord_Delete();

@@ -2,6 +2,7 @@
 // what they move is whole in the File Cabinet, the folder or the zip file before anything goes.
 #include "addondb/AddonDatabase.h"
 #include "addondb/FileCabinet.h"
+#include "addondb/Pictures.h"
 #include "demo/OverlappingPacks.h"
 #include "demo/SampleAddons.h"
 #include "flow/FlowWorld.h"
@@ -228,7 +229,10 @@ private Q_SLOTS:
         const ResultOf<qint64> key = m_world->install(source, options);
         QVERIFY2(key, qPrintable(key.text));
         const TreeSnapshot installed = m_world->tree();
+        const QString picture = pictures::addonPicture(m_world->global, *key);
+        QVERIFY(m_world->actions.replace(picture, "jpeg"));
         QVERIFY(m_world->remove(*key, by(RemovalMethod::FileCabinet)));
+        QVERIFY(m_world->files.isFile(picture)); // the record stays
         QCOMPARE(changes(), QStringList());
         QVERIFY(QFile::remove(source)); // it is needed no more
         const Result back = m_world->reinstall(*key);
@@ -239,6 +243,7 @@ private Q_SLOTS:
         QVERIFY(!m_world->anyFailed);
         QCOMPARE(changes(), QStringList());
         QVERIFY(!archive(*key));
+        QVERIFY(!m_world->files.exists(winpath::parent(picture)));
     }
 
     void fileThatOthersUse_isCopied_data()

@@ -88,8 +88,6 @@ bool CAddonRemover::Remove_Begin()
             (void)step(u"Private Sub FlightPlans_Remove"_s, &R::FlightPlans_Remove);
         (void)step(u"Private Sub AircraftVariants_Remove"_s, &R::AircraftVariants_Remove);
     }
-    if (m_failure && m_options.method != RemovalMethod::Copy)
-        (void)step(u"Private Sub Pictures_Delete"_s, &R::Pictures_Delete);
     if (m_failure) {
         const Result files = step(u"Private Sub RemoveFiles"_s, &R::RemoveFiles);
         if (m_cancelled || files.kind == ErrorKind::DiskFull || files.kind == ErrorKind::DiskFailed)
@@ -126,15 +124,6 @@ bool CAddonRemover::takesAway() const
 {
     return !m_inCabinet && m_options.method != RemovalMethod::RemoveRecords &&
            m_options.method != RemovalMethod::Copy;
-}
-
-/// An add-on in the File Cabinet keeps its picture, as it keeps its record.
-Result CAddonRemover::Pictures_Delete()
-{
-    if (!m_whole || m_options.method == RemovalMethod::FileCabinet)
-        return Result::success();
-    return pictures::deleteAddonPictures(
-        *m_actions, m_context.services.files, m_context.global, m_masterKey);
 }
 
 Result CAddonRemover::Preliminaries()

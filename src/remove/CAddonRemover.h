@@ -111,7 +111,6 @@ private:
     Result AddonDetails_Open();
     Result FlightPlans_Remove();
     Result AircraftVariants_Remove();
-    Result Pictures_Delete();
     Result RemoveFiles();
     Result Remove_ProcessCabinetZip();
     Result References_Update();

@@ -166,6 +166,7 @@ private:
     Result takeOut(const QString& file, const QStringList& sections);
     Result editKept(const DetailRecord& owner, const QStringList& sections);
     void forgetConfigBase(const QString& file);
+    void dropConfigBase(const QString& file, bool othersStay);
     Result recordVariants();
     void tellVariants(const QList<StepFailure>& failures);
     void findUsers();

@@ -7,6 +7,7 @@
 #include "remove/CAddonRemover.h"
 #include "shell/ErrorLog.h"
 #include "shell/Settings.h"
+#include "simconfig/AddonVariations.h"
 
 using namespace Qt::StringLiterals;
 
@@ -316,9 +317,12 @@ void CAddonRemover::leaveRecordsOnly()
 {
     const ResultOf<QList<SceneryAreaRecord>> areas =
         modDatabase_Addon::sceneryAreasOf(m_database, m_masterKey);
-    // The library keeps the areas: its old bytes must not come back with another add-on's removal.
+    // The entries stay: the old bytes must not come back with another add-on's removal.
     if (areas && !areas->isEmpty())
-        forgetConfigBase(m_context.global.sceneryCfgFile);
+        dropConfigBase(m_context.global.sceneryCfgFile, true);
+    const ConfigAccess access(*m_actions, m_context.services.prompts, m_context.services.ansi);
+    for (const QString& file : addonvariations::files(access, m_details))
+        dropConfigBase(file, true);
     for (const File& file : m_files) {
         const auto kept = m_originals.constFind(file.detail.key);
         if (kept != m_originals.cend() && !kept->keptFile.isEmpty())

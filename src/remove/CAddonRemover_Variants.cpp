@@ -10,6 +10,8 @@
 #include "simconfig/AircraftSections.h"
 #include "simconfig/ConfigFacts.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace vt {
@@ -254,16 +256,29 @@ Result CAddonRemover::editKept(const DetailRecord& owner, const QStringList& sec
 
 void CAddonRemover::forgetConfigBase(const QString& file)
 {
+    dropConfigBase(file, false);
+}
+
+/// There is no way back to the old bytes. With \a othersStay the record stays for those whose
+/// entries are in the file, so that the next installation does not take them for the simulator's.
+void CAddonRemover::dropConfigBase(const QString& file, bool othersStay)
+{
     const ResultOf<Place> place = m_context.services.gate.place(file);
     if (!place)
         return;
-    const auto base = modDatabase_Addon::configBase(m_database, *place);
+    auto base = modDatabase_Addon::configBase(m_database, *place);
     if (!base)
         return;
-    m_closing.configBasesGone.push_back(*place);
-    if (base->keptFile.isEmpty())
+    const QString keptFile = std::exchange(base->keptFile, QString());
+    if (othersStay && base->edits > 1) {
+        --base->edits;
+        m_closing.configBases.push_back(*base);
+    } else {
+        m_closing.configBasesGone.push_back(*place);
+    }
+    if (keptFile.isEmpty())
         return;
-    const QString kept = m_context.global.originalsFolder + base->keptFile;
+    const QString kept = m_context.global.originalsFolder + keptFile;
     (void)m_actions->remove(kept); // a kept file that stays behind harms nobody
     (void)m_actions->removeEmptyFolder(winpath::parent(kept));
 }

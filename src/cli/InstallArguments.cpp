@@ -85,6 +85,8 @@ std::vector<Option> installOptionTable()
         {"--sound-from", "FOLDER", "installed sound for the add-on's aircraft that bring none"},
         {"--no-scenery-library", nullptr, "leave the scenery library alone"},
         {"--scenery-title", "TEXT", "title of the areas that the scenery library gets"},
+        {"--picture", "FILE", "a picture that is shown for the add-on"},
+        {"--start", nullptr, "start the simulator after installation"},
         {"--archive-source", "DIR", "move the source archive there afterwards"},
         {"--delete-source", nullptr, "delete the source afterwards"},
     };
@@ -189,6 +191,9 @@ ResultOf<InstallOptions> installOptionsOf(World& world, const Arguments& argumen
     out.panelFrom = arguments.value(u"--panel-from"_s);
     out.soundFrom = arguments.value(u"--sound-from"_s);
     out.noSceneryLibrary = arguments.has(u"--no-scenery-library"_s);
+    if (arguments.has(u"--picture"_s))
+        out.pictureFile = world.userPath(arguments.value(u"--picture"_s));
+    out.startSimulator = arguments.has(u"--start"_s);
     if (arguments.has(u"--archive-source"_s)) {
         const QString typed = arguments.value(u"--archive-source"_s);
         out.archiveSourceFolder = writes ? world.userRoot(typed) : world.userPath(typed);

@@ -40,6 +40,14 @@ void tellInstallation(World& world,
         world.say(u"The movie is '"_s + installer.movieToPlay() + u"'."_s);
 }
 
+/// Says whether the simulator was started; the installation stands whatever comes of it.
+void tellStart(World& world)
+{
+    const Result started = startFlying(world.context(), world.processes());
+    world.out().field(u"started", started.ok);
+    world.say(started.text);
+}
+
 /// The exit status, and the sentence that belongs to it.
 int statusOf(World& world, const CAddonInstaller& installer, bool reached)
 {
@@ -88,6 +96,8 @@ int runInstall(World& world, const Arguments& arguments)
     installer.setProcesses(&world.processes());
     const bool reached = installer.Install_Begin();
     tellInstallation(world, installer, reached);
+    if (reached && options->startSimulator)
+        tellStart(world);
     return statusOf(world, installer, reached);
 }
 

@@ -1,7 +1,7 @@
 // Checks before an installation, with the texts that a user sees.
-#include "install/TrafficEdits.h"
 #include "install/AircraftEdits.h"
 #include "install/CAddonInstallationDetails.h"
+#include "install/TrafficEdits.h"
 #include "platform/Gate.h"
 #include "platform/WinPath.h"
 #include "simconfig/CSceneryCfgMgr.h"

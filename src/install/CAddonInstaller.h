@@ -156,6 +156,7 @@ private:
     Result SceneryLibrary_Update();
     Result Changes_Apply();
     Result AirportFiles_Install();
+    Result Picture_Store();
     Result SourceZipFile_Archive();
     Result SourceFiles_Delete();
     void Install_End();

@@ -77,6 +77,8 @@ struct InstallOptions
     bool linksConfirmed = false;
     /// The key that the add-on will get, so that a plan shows the very lines; 0: not known.
     qint64 masterKey = 0;
+    QString pictureFile;         ///< of the add-on, a file of the user's; or empty
+    bool startSimulator = false; ///< afterwards; for the front end, which asks
     QString archiveSourceFolder; ///< the source archive goes there afterwards; empty: stays
     bool deleteSource = false;
     /// Ask before the source is moved or deleted; off where naming the option was the confirmation.

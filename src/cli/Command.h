@@ -89,7 +89,7 @@ struct Command
 [[nodiscard]] std::vector<Command> databaseCommands();
 [[nodiscard]] std::vector<Command> addonCommands(); ///< list, show, owner, validate, history
 [[nodiscard]] std::vector<Command> editCommands();
-[[nodiscard]] std::vector<Command> planCommands();  ///< classify, plan
+[[nodiscard]] std::vector<Command> planCommands(); ///< classify, plan
 [[nodiscard]] std::vector<Command> installCommands();
 [[nodiscard]] std::vector<Command> importCommands();
 [[nodiscard]] std::vector<Command> removeCommands();

@@ -80,7 +80,8 @@ const Gate::Root* Gate::covering(QStringView path) const
     for (const Root& root : m_roots) {
         if (!winpath::isBelow(path, root.folder))
             continue;
-        // Of two names for one folder (a tool that was unpacked into the simulator's own) the lower.
+        // Of two names for one folder (a tool that was unpacked into the simulator's own) the
+        // lower.
         const auto rank = [&lasts](const Root& one) {
             return std::tuple(lasts(one), one.folder.size(), -int(one.id));
         };

@@ -3,6 +3,7 @@
 #include "addondb/AddonDatabase.h"
 #include "addondb/JournalTable.h"
 #include "flow/FlowWorld.h"
+#include "platform/WinPath.h"
 #include "support/TestMain.h"
 #include "support/ZipBuilder.h"
 
@@ -177,6 +178,82 @@ private Q_SLOTS:
             m_world.reset();
         }
         QVERIFY(completed > 10);
+    }
+
+    void diskThatFills_losesNothing_data()
+    {
+        QTest::addColumn<bool>("stored"); // before: in the File Cabinet
+        QTest::addColumn<RemovalMethod>("method");
+        QTest::addColumn<bool>("zip");
+        QTest::newRow("into the cabinet") << false << RemovalMethod::FileCabinet << false;
+        QTest::newRow("to a folder") << false << RemovalMethod::Recreate << false;
+        QTest::newRow("to a zip file") << false << RemovalMethod::Recreate << true;
+        QTest::newRow("records") << false << RemovalMethod::RemoveRecords << false;
+        QTest::newRow("deleted") << false << RemovalMethod::Delete << false;
+        QTest::newRow("copied") << false << RemovalMethod::Copy << true;
+        QTest::newRow("from the cabinet to a folder") << true << RemovalMethod::Recreate << false;
+        QTest::newRow("taken back") << true << RemovalMethod(0) << false;
+    }
+
+    /// The disk is full from each write on: all is as before or as after, and can be tried again.
+    void diskThatFills_losesNothing()
+    {
+        QFETCH(bool, stored);
+        QFETCH(RemovalMethod, method);
+        QFETCH(bool, zip);
+        InstallOptions into;
+        into.to = stored ? InstallTo::Cabinet : InstallTo::Simulator;
+        const ResultOf<qint64> key = m_world->install(pack(), into);
+        QVERIFY2(key.ok(), qPrintable(key.text));
+        const TreeSnapshot before = m_world->tree();
+        m_world.reset();
+        const QString base = m_dir->filePath(u"base"_s);
+        copyTree(folder(), base);
+        RemovalOptions options;
+        options.method = method;
+        options.zip = zip;
+        const auto work = [&] {
+            const QString chosen = m_dir->filePath(u"chosen"_s);
+            QDir().mkpath(chosen);
+            options.toFolder = winpath::asFolder(m_world->drives.toWindows(chosen));
+            m_world->gate.setRoot(RootId::Chosen, options.toFolder);
+            return method == RemovalMethod(0) ? m_world->reinstall(*key)
+                                              : m_world->remove(*key, options);
+        };
+        int stopped = 0;
+        for (int n = 1;; ++n) {
+            QDir(folder()).removeRecursively();
+            copyTree(base, folder());
+            newWorld();
+            int left = n;
+            m_world->gate.faultHook = [&](const char* action, const QByteArray& host) {
+                const QByteArray what = action;
+                const bool grows =
+                    what == "stage" || what == "stage folder" || what == "place" ||
+                    what == "folder" || what == "keep" ||
+                    (what == "commit" && (host == "begin" || host == "extend" || host == "apply"));
+                return grows && --left <= 0 ? ENOSPC : 0;
+            };
+            const Result first = work();
+            const bool reached = left <= 0;
+            newWorld();
+            stopped += !first.ok;
+            if (!first.ok) {
+                QVERIFY2(first.text.contains(u"the disk is full"), qPrintable(first.text));
+                QCOMPARE(differences(before, m_world->tree(), Backups::Ignore), QStringList());
+                const Result again = work();
+                QVERIFY2(again.ok, qPrintable(again.text));
+            }
+            QCOMPARE(strayStaging(m_world->tree()), QStringList());
+            if (modDatabase_Addon::addon(*m_world->database, *key).ok())
+                QVERIFY(m_world->remove(*key));
+            if (method != RemovalMethod::RemoveRecords)
+                QCOMPARE(differences(m_beginning, m_world->tree(), Backups::Ignore), QStringList());
+            QDir(m_dir->filePath(u"chosen"_s)).removeRecursively();
+            if (!reached)
+                break;
+        }
+        QVERIFY(stopped > 0);
     }
 
     void wholeFolderFails_andNothingElse()

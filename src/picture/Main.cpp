@@ -132,7 +132,8 @@ FIBITMAP* scaled(FIBITMAP* picture, int width)
         return picture;
     const int w = int(has[0] * factor + 0.5);
     const int h = int(has[1] * factor + 0.5);
-    return FreeImage_Rescale(picture, w > 0 ? w : 1, h > 0 ? h : 1, FILTER_CATMULLROM);
+    return instead(picture,
+                   FreeImage_Rescale(picture, w > 0 ? w : 1, h > 0 ? h : 1, FILTER_CATMULLROM));
 }
 
 } // namespace
@@ -161,5 +162,10 @@ int main(int argc, char** argv)
     if (!picture || !FreeImage_SaveToMemory(FIF_JPEG, picture, out, jpegQuality) ||
         !FreeImage_AcquireMemory(out, &data, &size))
         refuse("it could not be brought to the size of a preview");
-    return std::fwrite(data, 1, size, stdout) == size && std::fflush(stdout) == 0 ? 0 : 1;
+    const bool written = std::fwrite(data, 1, size, stdout) == size && std::fflush(stdout) == 0;
+    FreeImage_Unload(picture);
+    FreeImage_CloseMemory(out);
+    FreeImage_CloseMemory(memory);
+    FreeImage_DeInitialise();
+    return written ? 0 : 1;
 }

@@ -23,6 +23,14 @@
 
 namespace vt::test {
 
+/// How many cases of a long row are left out for one that is tried: none, but under a sanitizer,
+/// where every process and every step takes many times as long.
+#ifdef __SANITIZE_ADDRESS__
+inline constexpr int stride = 7;
+#else
+inline constexpr int stride = 1;
+#endif
+
 /// A folder for a test on a memory file system where there is one.
 [[nodiscard]] QString temporaryTemplate();
 

@@ -221,7 +221,7 @@ private Q_SLOTS:
                                               : m_world->remove(*key, options);
         };
         int stopped = 0;
-        for (int n = 1;; ++n) {
+        for (int n = 1;; n += stride) {
             QDir(folder()).removeRecursively();
             copyTree(base, folder());
             newWorld();

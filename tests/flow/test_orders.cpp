@@ -25,7 +25,7 @@ using namespace vt::test;
 
 namespace {
 
-constexpr int sequences = 500;
+constexpr int sequences = 500 / stride;
 constexpr int stepsEach = 9;
 constexpr auto kestrelCfg = "SimObjects\\Airplanes\\Kestrel_K2\\aircraft.cfg";
 
@@ -434,7 +434,7 @@ private Q_SLOTS:
             QVERIFY2(wrong.isEmpty(), tell(wrong.join(u"; "_s)));
         }
         for (auto it = m_done.cbegin(); it != m_done.cend(); ++it)
-            QVERIFY2(it.value() > 40, qPrintable(it.key()));
+            QVERIFY2(it.value() > 40 / stride, qPrintable(it.key()));
     }
 };
 

@@ -135,10 +135,8 @@ int main(int argc, char** argv)
             return 1;
     }
     if (argc > 3) {
-        std::printf("{\"first\": %.3f, \"save\": %.3f, \"later\": %.3f}\n",
-                    firstMs,
-                    saveMs,
-                    median(later));
+        std::printf(
+            "{\"first\": %.3f, \"save\": %.3f, \"later\": %.3f}\n", firstMs, saveMs, median(later));
         return 0;
     }
     timer.start();

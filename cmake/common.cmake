@@ -40,6 +40,13 @@ function(vt_library name)
     vt_precompile(${name})
 endfunction()
 
+# vt_forms(<name> SOURCES ... [LINK ...]): the windows of one folder; headers with Q_OBJECT are listed.
+function(vt_forms name)
+    vt_library(${name} ${ARGN})
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_link_libraries(${name} PUBLIC Qt6::Widgets)
+endfunction()
+
 # vt_program(<name> SOURCES ... [LINK ...])
 function(vt_program name)
     cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})

@@ -1,0 +1,56 @@
+// What a tool asks of the main window around it. Tools know this interface alone, so that each can
+// be built and tested without the others.
+#pragma once
+
+#include <QList>
+#include <QString>
+
+namespace vt {
+
+class Results;
+
+class Frame
+{
+public:
+    virtual ~Frame() = default;
+
+    /// Does what the menu entry of that control name does ("mnuFileCabinet").
+    virtual void command(const QString& controlName) = 0;
+    /// Opens the installation wizard; \a source: a Windows path, empty: the user chooses there.
+    virtual void installAddon(const QString& source) = 0;
+    /// Opens the removal wizard with these add-ons ticked.
+    virtual void removeAddons(const QList<qint64>& masterKeys) = 0;
+    /// Opens the list of all add-ons and selects these.
+    virtual void workWithAddons(const QList<qint64>& masterKeys) = 0;
+    /// Opens the results of an operation as a window of its own.
+    virtual void showResults(const QString& caption, const Results& results) = 0;
+    /// Asks and starts the simulator, with \a file when there is one. \a afterChange: called after
+    /// an installation or removal; a simulator that runs is then told of instead.
+    virtual void startFlying(const QString& file = {}, bool afterChange = false) = 0;
+    /// Records changed: every open tool is told.
+    virtual void recordsChanged() = 0;
+    /// Opens a topic of the help.
+    virtual void showHelp(const QString& topic = {}) = 0;
+
+    /// Between these two a long operation runs: everything but its cancel button is disabled, so
+    /// that no command can begin inside another. Calls nest.
+    virtual void beginWork() = 0;
+    virtual void endWork() = 0;
+};
+
+/// A long operation, for as long as this lives.
+class Working
+{
+public:
+    explicit Working(Frame& frame) : m_frame(frame) { m_frame.beginWork(); }
+
+    ~Working() { m_frame.endWork(); }
+
+    Working(const Working&) = delete;
+    Working& operator=(const Working&) = delete;
+
+private:
+    Frame& m_frame;
+};
+
+} // namespace vt

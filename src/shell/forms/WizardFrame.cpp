@@ -1,0 +1,281 @@
+#include "shell/forms/WizardFrame.h"
+
+#include "shell/forms/Frame.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QStackedWidget>
+#include <QStyle>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+WizardFrame::WizardFrame(Context& context, Frame& frame, Section section, QWidget* parent)
+    : ToolWindow(context, section, parent), m_frame(frame)
+{
+    auto* layout = new QGridLayout(this);
+    layout->setColumnStretch(1, 1);
+    layout->setRowStretch(0, 1);
+    buildColumn();
+    buildPageArea();
+    buildButtons();
+    buildShortcuts();
+}
+
+QString
+WizardFrame::withCaption(const QString& before, const QString& caption, const QString& after)
+{
+    return before + QString(caption).remove(u'&') + after;
+}
+
+// The parts.
+
+void WizardFrame::buildColumn()
+{
+    auto* content = new QWidget;
+    m_columnLayout = new QVBoxLayout(content);
+    m_columnLayout->setContentsMargins({});
+    m_columnLayout->setSpacing(0);
+    m_column = new QScrollArea;
+    m_column->setWidget(content);
+    m_column->setWidgetResizable(true);
+    m_column->setFrameShape(QFrame::NoFrame);
+    m_column->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_column->setFocusPolicy(Qt::NoFocus);
+    m_column->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+    qobject_cast<QGridLayout*>(layout())->addWidget(m_column, 0, 0);
+}
+
+void WizardFrame::buildPageArea()
+{
+    auto* area = new QVBoxLayout;
+    m_header = new QLabel;
+    m_header->setObjectName(u"lblHeader"_s);
+    m_header->setWordWrap(true);
+    QFont large = font();
+    large.setPointSizeF(large.pointSizeF() * 1.25);
+    large.setBold(true);
+    m_header->setFont(large);
+    area->addWidget(m_header);
+
+    m_pages = new QStackedWidget;
+    area->addWidget(m_pages, 1);
+
+    m_notice = new QWidget;
+    auto* row = new QHBoxLayout(m_notice);
+    row->setContentsMargins({});
+    m_noticeIcon = new QLabel;
+    row->addWidget(m_noticeIcon, 0, Qt::AlignTop);
+    m_noticeText = new QLabel;
+    m_noticeText->setObjectName(u"lblNotice"_s);
+    m_noticeText->setWordWrap(true);
+    m_noticeText->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    row->addWidget(m_noticeText, 1);
+    m_notice->hide();
+    area->addWidget(m_notice);
+
+    m_hint = new QLabel;
+    m_hint->setObjectName(u"lblHint"_s);
+    m_hint->setWordWrap(true);
+    m_hint->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    // Two lines always, so that the page keeps its height from step to step.
+    m_hint->setMinimumHeight(2 * m_hint->fontMetrics().lineSpacing());
+    area->addWidget(m_hint);
+    qobject_cast<QGridLayout*>(layout())->addLayout(area, 0, 1);
+}
+
+void WizardFrame::buildButtons()
+{
+    auto* grid = qobject_cast<QGridLayout*>(layout());
+    auto* line = new QFrame;
+    line->setFrameStyle(QFrame::HLine | QFrame::Sunken);
+    grid->addWidget(line, 1, 0, 1, 2);
+
+    m_footerRow = new QHBoxLayout;
+    m_footer = new QLabel;
+    m_footer->setObjectName(u"lblFooter"_s);
+    m_footer->setWordWrap(true);
+    m_footerRow->addWidget(m_footer, 1);
+    grid->addLayout(m_footerRow, 2, 0, 1, 2);
+
+    auto* row = new QHBoxLayout;
+    const auto button = [this, row](const QString& text, const QString& name) {
+        auto* made = new QPushButton(text);
+        made->setObjectName(name);
+        made->setAutoDefault(false);
+        row->addWidget(made);
+        return made;
+    };
+    cmdHelp = button(u"Help"_s, u"cmdHelp"_s);
+    row->addStretch(1);
+    cmdPrevious = button(u"< &Back"_s, u"cmdPrevious"_s);
+    cmdNext = button(u"&Next >"_s, u"cmdNext"_s);
+    cmdOK = button(u"Finish"_s, u"cmdOK"_s);
+    cmdCancel = button(u"Cancel"_s, u"cmdCancel"_s);
+    cmdHelp->setToolTip(u"F1"_s);
+    cmdCancel->setToolTip(u"Esc"_s);
+    cmdPrevious->setAccessibleName(u"Back"_s);
+    cmdNext->setAccessibleName(u"Next"_s);
+    connect(cmdHelp, &QPushButton::clicked, this, [this] { m_frame.showHelp(helpTopic()); });
+    connect(cmdPrevious, &QPushButton::clicked, this, [this] { go(-1); });
+    connect(cmdNext, &QPushButton::clicked, this, [this] { go(1); });
+    connect(cmdOK, &QPushButton::clicked, this, [this] { finishChosen(); });
+    connect(cmdCancel, &QPushButton::clicked, this, &QWidget::close);
+    grid->addLayout(row, 3, 0, 1, 2);
+}
+
+void WizardFrame::buildShortcuts()
+{
+    const auto shortcut = [this](const QKeySequence& keys, QPushButton* button) {
+        auto* made = new QShortcut(keys, this);
+        made->setContext(Qt::WidgetWithChildrenShortcut);
+        connect(made, &QShortcut::activated, button, &QPushButton::click);
+    };
+    shortcut(QKeySequence::HelpContents, cmdHelp);
+    shortcut(Qt::CTRL | Qt::Key_PageUp, cmdPrevious);
+    shortcut(Qt::CTRL | Qt::Key_PageDown, cmdNext);
+    shortcut(Qt::Key_Escape, cmdCancel);
+}
+
+// The steps.
+
+void WizardFrame::Steps_Build(const QList<WizardStep>& steps)
+{
+    for (const WizardStep& step : steps) {
+        auto* button = new StepButton(step.caption);
+        button->setObjectName(step.objectName);
+        button->setHint(step.hint);
+        button->setState(StepState::Off, {});
+        const int index = int(m_steps.size());
+        connect(button, &QToolButton::clicked, this, [this, index] {
+            // A click toggles the button; which one is marked is Step_SetCurrent()'s matter.
+            m_steps.at(index)->setCurrent(index == m_current);
+            stepChosen(index);
+        });
+        m_columnLayout->addWidget(button);
+        m_steps.append(button);
+        m_hints.append(step.hint);
+    }
+    m_finishStep = new StepButton(u"F&inish"_s);
+    m_finishStep->setObjectName(u"cmdFinish"_s);
+    m_finishStep->setCheckable(false);
+    connect(m_finishStep, &QToolButton::clicked, this, [this] { finishChosen(); });
+    m_columnLayout->addWidget(m_finishStep);
+    m_columnLayout->addStretch(1);
+    m_column->setFixedWidth(m_column->widget()->sizeHint().width() +
+                            m_column->verticalScrollBar()->sizeHint().width());
+    setFinishEnabled(false);
+}
+
+StepState WizardFrame::stepState(int step) const
+{
+    return m_steps.at(step)->state();
+}
+
+StepButton* WizardFrame::cmdCurrentStep() const
+{
+    return m_current < 0 ? nullptr : m_steps.at(m_current);
+}
+
+void WizardFrame::Step_SetCurrent(int step)
+{
+    m_current = step;
+    for (int i = 0; i < m_steps.size(); ++i)
+        m_steps.at(i)->setCurrent(i == step);
+    m_hint->setText(m_hints.at(step));
+    m_column->ensureWidgetVisible(m_steps.at(step), 0, 0);
+    refreshButtons();
+}
+
+void WizardFrame::Step_SetGraphic(int step, StepState state, const QString& why)
+{
+    m_steps.at(step)->setState(state, why);
+    refreshButtons();
+}
+
+void WizardFrame::setFinishEnabled(bool enabled)
+{
+    m_finishStep->setEnabled(enabled);
+    cmdOK->setEnabled(enabled);
+}
+
+int WizardFrame::neighbour(int from, int direction) const
+{
+    for (int step = from + direction; step >= 0 && step < m_steps.size(); step += direction)
+        if (stepState(step) != StepState::Off)
+            return step;
+    return -1;
+}
+
+void WizardFrame::go(int direction)
+{
+    if (const int step = neighbour(m_current, direction); step >= 0)
+        stepChosen(step);
+}
+
+void WizardFrame::refreshButtons()
+{
+    const bool last = m_current == m_steps.size() - 1;
+    cmdPrevious->setEnabled(m_current > 0 && neighbour(m_current, -1) >= 0);
+    cmdNext->setEnabled(neighbour(m_current, 1) >= 0);
+    // Next's place is Finish's at the end, as in every wizard.
+    cmdNext->setVisible(!last);
+    cmdOK->setVisible(last);
+    cmdNext->setDefault(!last);
+    cmdOK->setDefault(last);
+}
+
+// The texts and pages.
+
+void WizardFrame::setHeader(const QString& text)
+{
+    m_header->setText(text);
+}
+
+void WizardFrame::setFooter(const QString& text)
+{
+    m_footer->setText(text);
+}
+
+void WizardFrame::setNotice(const QString& text, bool problem)
+{
+    const int extent = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
+    const QStyle::StandardPixmap icon =
+        problem ? QStyle::SP_MessageBoxWarning : QStyle::SP_MessageBoxInformation;
+    m_noticeIcon->setPixmap(style()->standardIcon(icon, nullptr, this).pixmap(extent, extent));
+    m_noticeText->setText(text);
+    m_notice->setVisible(!text.isEmpty());
+}
+
+void WizardFrame::showPage(QWidget* page)
+{
+    if (m_pages->indexOf(page) < 0)
+        m_pages->addWidget(page);
+    m_pages->setCurrentWidget(page);
+}
+
+void WizardFrame::addToFooter(QWidget* widget)
+{
+    m_footerRow->addWidget(widget);
+}
+
+void WizardFrame::keyPressEvent(QKeyEvent* event)
+{
+    // Enter goes on, as in a dialog. In a list it belongs to the list's row.
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const QWidget* focus = QApplication::focusWidget();
+    if (enter && !qobject_cast<const QAbstractItemView*>(focus) && cmdNext->isVisible())
+        cmdNext->click();
+    else
+        ToolWindow::keyPressEvent(event);
+}
+
+} // namespace vt

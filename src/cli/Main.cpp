@@ -135,9 +135,9 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options, std::vector<std::st
                    name, [&target](const std::string& typed) { target = unmarked(typed); }, help)
                 ->type_name(value);
         };
-    text("--home", options.home, "DIR", "program folder; made when missing");
-    text("--sim", options.sim, "DIR", "simulator folder for this call");
-    text("--prefix", options.prefix, "DIR", "Wine or Proton prefix to work with");
+    text("--home", options.session.home, "DIR", "program folder; made when missing");
+    text("--sim", options.session.sim, "DIR", "simulator folder for this call");
+    text("--prefix", options.session.prefix, "DIR", "Wine or Proton prefix to work with");
     app.add_option("--drive", drives, "a further drive letter; repeatable")
         ->type_name("X=DIR")
         ->expected(1)
@@ -168,6 +168,7 @@ public:
     Program() : m_commands(allCommands())
     {
         m_app.name("vantrelctl");
+        m_options.session.programName = "vantrelctl";
         m_app.require_subcommand(1);
         m_app.set_version_flag("--version", "vantrelctl " VANTREL_VERSION);
         addGlobalOptions(m_app, m_options, m_drives);
@@ -202,7 +203,7 @@ public:
             return refuse(wrongUsage(explained(error)));
         }
         for (const std::string& drive : m_drives)
-            m_options.drives.append(unmarked(drive));
+            m_options.session.drives.append(unmarked(drive));
         for (const CommandParser& parser : m_parsers)
             if (parser.app->parsed())
                 return runCommand(*parser.command, typedArguments(parser));

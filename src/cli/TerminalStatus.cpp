@@ -22,7 +22,10 @@ void TerminalStatus::text(const QString& panel, const QString& text)
     if (panel != u"Primary")
         return;
     m_text = text;
-    draw();
+    if (text.isEmpty())
+        clear();
+    else
+        draw();
 }
 
 void TerminalStatus::progress(qint64 done, qint64 total)

@@ -1,6 +1,7 @@
 // The lists of recent and favourite items: who makes room, and what a text file keeps.
 #include "shell/CFavoriteItemsMgr.h"
 #include "shell/CRecentItemsManager.h"
+#include "shell/RecentFolders.h"
 #include "shell/ShellFixture.h"
 #include "support/TestMain.h"
 
@@ -44,6 +45,24 @@ private Q_SLOTS:
         QCOMPARE(paths(group), (QStringList{u"C:\\c"_s, u"C:\\d"_s, u"C:\\e"_s}));
         QVERIFY(group.Add(u"C:\\f"_s, noon, 1));
         QCOMPARE(paths(group), QStringList{u"C:\\f"_s});
+    }
+
+    void folders_latestFirst_eachWindowItsOwn()
+    {
+        ShellFixture world;
+        const Section panel = Section::InstallConfigurePanel;
+        QCOMPARE(recentfolders::list(world.context, panel), QStringList());
+        for (int i = 0; i <= recentfolders::most; ++i) {
+            world.clock.standing = noon.addSecs(i);
+            QVERIFY(recentfolders::add(world.context, panel, u"C:\\%1\\"_s.arg(i)));
+        }
+        world.clock.standing = noon.addSecs(60);
+        QVERIFY(recentfolders::add(world.context, panel, u"c:\\3\\"_s)); // once, and in front
+        const QStringList folders = recentfolders::list(world.context, panel);
+        QCOMPARE(folders.size(), recentfolders::most);
+        QCOMPARE(folders.first(2), (QStringList{u"c:\\3\\"_s, u"C:\\10\\"_s}));
+        QCOMPARE(folders.last(), u"C:\\1\\"_s); // the oldest made room
+        QCOMPARE(recentfolders::list(world.context, Section::InstallConfigureSound), QStringList());
     }
 
     void manager_keepsFileAndMaximum()

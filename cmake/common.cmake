@@ -56,14 +56,18 @@ function(vt_program name)
 endfunction()
 
 # vt_test(<name> SOURCES ... [LINK ...]): one Qt Test program of several cases; each source file
-# declares one test class and registers it (see tests/support/TestMain.h).
+# declares one test class and registers it (see tests/support/TestMain.h). WINDOWS: with widgets.
 function(vt_test name)
-    cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(arg "WINDOWS" "TIMEOUT" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${arg_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/TestMain.cpp)
     set_target_properties(${name} PROPERTIES AUTOMOC ON UNITY_BUILD OFF)
     target_link_libraries(${name} PRIVATE vt_flags vt_test_support Qt6::Core Qt6::Test ${arg_LINK})
     target_compile_definitions(${name} PRIVATE
         VT_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data" VT_BIN="${CMAKE_BINARY_DIR}/bin")
+    if(arg_WINDOWS)
+        target_link_libraries(${name} PRIVATE Qt6::Widgets)
+        target_compile_definitions(${name} PRIVATE VT_TEST_WINDOWS)
+    endif()
     vt_precompile(${name})
     add_test(NAME ${name} COMMAND ${name})
     if(NOT arg_TIMEOUT)

@@ -1,6 +1,11 @@
 #include "support/TestMain.h"
 
+#ifdef VT_TEST_WINDOWS
+#include <QApplication>
+#include <QStyleFactory>
+#else
 #include <QCoreApplication>
+#endif
 
 namespace vt::test {
 
@@ -15,7 +20,14 @@ std::vector<Factory>& factories()
 /// Runs every registered class; the exit status is the number of failed tests, 1 when none ran.
 int main(int argc, char** argv)
 {
+#ifdef VT_TEST_WINDOWS
+    // The same look on every machine.
+    QApplication::setDesktopSettingsAware(false);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication app(argc, argv);
+#else
     QCoreApplication app(argc, argv);
+#endif
     if (vt::test::factories().empty())
         return 1;
     int failed = 0;

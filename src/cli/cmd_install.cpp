@@ -4,9 +4,6 @@
 #include "cli/AddonKey.h"
 #include "cli/InstallArguments.h"
 #include "install/CAddonInstaller.h"
-#include "platform/Gate.h"
-#include "platform/Text.h"
-#include "platform/WinPath.h"
 #include "shell/Flying.h"
 
 using namespace Qt::StringLiterals;
@@ -49,26 +46,10 @@ void tellStart(World& world)
 }
 
 /// The exit status, and the sentence that belongs to it.
-int statusOf(World& world, const CAddonInstaller& installer, bool reached)
+int statusOf(World& world, const CAddonInstaller& installer)
 {
-    if (!reached)
-        return world.fail(installer.failure());
-    if (installer.wasCancelled())
-        return world.fail(Result::failure(
-            u"The installation of '"_s + installer.record().name + u"' was ended early; "_s +
-                countText(installer.results().count(resultgroup::installed),
-                          u"file is installed and can be removed."_s,
-                          u"files are installed and can be removed."_s),
-            ErrorKind::Declined));
-    if (installer.failedFiles() > 0)
-        return world.fail(Result::failure(
-            countText(installer.failedFiles(), u"file"_s, u"files"_s) + u" of '"_s +
-            installer.record().name + u"' could not be installed. "_s + installer.cause()));
-    const QStringList failed = installer.results().texts(resultgroup::failedSpecialActions);
-    if (!failed.isEmpty())
-        return world.fail(Result::failure(
-            u"'"_s + installer.record().name + u"' was installed, but not whole. "_s +
-            failed.first() + (installer.cause().isEmpty() ? QString() : u' ' + installer.cause())));
+    if (Result outcome = installer.outcome(); !outcome)
+        return world.fail(outcome);
     world.out().endObject();
     return Done;
 }
@@ -85,10 +66,6 @@ int runInstall(World& world, const Arguments& arguments)
         return world.fail(ready);
     if (Result ready = world.needDatabase(); !ready)
         return world.fail(ready);
-    if (options->deleteSource || !options->archiveSourceFolder.isEmpty()) {
-        const bool folder = world.services().files.isFolder(source);
-        world.services().gate.setRoot(RootId::Chosen, folder ? source : winpath::parent(source));
-    }
     CAddonInstallationDetails details(world.context());
     if (Result prepared = details.prepare(source, *options); !prepared)
         return world.fail(prepared);
@@ -98,7 +75,7 @@ int runInstall(World& world, const Arguments& arguments)
     tellInstallation(world, installer, reached);
     if (reached && options->startSimulator)
         tellStart(world);
-    return statusOf(world, installer, reached);
+    return statusOf(world, installer);
 }
 
 int runReinstall(World& world, const Arguments& arguments)
@@ -132,7 +109,7 @@ int runReinstall(World& world, const Arguments& arguments)
     };
     const bool reached = installer.Reinstall_Begin();
     tellInstallation(world, installer, reached, true);
-    return statusOf(world, installer, reached);
+    return statusOf(world, installer);
 }
 
 } // namespace

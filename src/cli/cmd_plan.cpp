@@ -36,15 +36,6 @@ QString sourceWord(const AddonSource& source)
     return sourceTypeWord(source.type());
 }
 
-/// Whether the installation will place the item, by what is known beforehand.
-bool isInstalled(const CAddon_Item& item,
-                 const CAddonInstallationDetails& details,
-                 const QSet<QString>& closed)
-{
-    return details.willBeInstalled(item) &&
-           (closed.isEmpty() || !closed.contains(item.sFolder_Installation));
-}
-
 void writeItem(JsonStream& out,
                const CAddon_Item& item,
                const CAddonInstallationDetails& details,
@@ -61,7 +52,7 @@ void writeItem(JsonStream& out,
     out.field(u"families", familyNames(familiesOf(item.enumAddonFileType)));
     out.field(u"group", mappedGroupName(item.enumMappedGroup));
     out.field(u"size", item.size);
-    out.field(u"install", isInstalled(item, details, closed));
+    out.field(u"install", details.willBePlaced(item, closed));
     out.field(u"targetFolder", item.sFolder_Installation);
     out.field(u"targetName", item.sName_Installation);
     out.field(u"follows", item.lngKey_AssociatedItem);
@@ -156,7 +147,7 @@ QString targetLine(const CAddon_Item& item,
                    const CAddonInstallationDetails& details,
                    const QSet<QString>& closed)
 {
-    if (!isInstalled(item, details, closed))
+    if (!details.willBePlaced(item, closed))
         return plantext::doNotInstall();
     if (item.sFolder_Installation.isEmpty())
         return plantext::notSelected();

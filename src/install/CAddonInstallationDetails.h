@@ -96,6 +96,14 @@ struct PlanFacts
     [[nodiscard]] Result installable(const CAddon_ItemGroup& addon) const;
 };
 
+/// A family whose page has to be seen again before anything is installed.
+struct FamilyFailure
+{
+    MappedGroup family = MappedGroup::None;
+    QString text; ///< "Correct the problem with the sound configuration and try again."
+    QString why;
+};
+
 /// "Changing this item's name may cause the addon to function improperly."
 [[nodiscard]] Prompt nameChangeWarning();
 
@@ -208,6 +216,8 @@ public:
     /// Marked, can be extracted, and nothing that is kept stands at its target. Whether a link on
     /// the way there may be used is not asked here.
     [[nodiscard]] bool willBeInstalled(const CAddon_Item& item) const;
+    /// willBeInstalled(), and its folder is not one of \a closed, which closedFolders() gave.
+    [[nodiscard]] bool willBePlaced(const CAddon_Item& item, const QSet<QString>& closed) const;
     /// Bytes of all items that will be installed.
     [[nodiscard]] qint64 bytesNeeded() const;
     /// Free bytes on the target drive; -1 when it cannot be told.
@@ -298,6 +308,13 @@ public:
     /// InstallationFolders_Validate(), and what else a family's page wants: the aircraft and
     /// variations of repaints, the titles of scenery areas.
     [[nodiscard]] Result InstallationChoices_Validate(MappedGroup family) const;
+    /// The first family, in the order of the pages, whose choices keep the add-on from being
+    /// installed; nothing when all are right.
+    [[nodiscard]] std::optional<FamilyFailure> firstInvalidFamily() const;
+    /// What the page of that family wants: InstallationChoices_Validate(), of flight plans and
+    /// airport files their folders. While the add-on goes to the File Cabinet, by the folders in
+    /// the simulator.
+    [[nodiscard]] Result Family_Validate(MappedGroup family) const;
     /// Gives documents whose names clash a folder each, below the add-on's storage.
     void DocumentAndOther_AutomaticallyResolveProblems();
     [[nodiscard]] bool AddonItemGroup_IsAnythingMarkedForInstall() const;

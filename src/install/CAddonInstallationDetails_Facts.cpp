@@ -64,6 +64,13 @@ bool CAddonInstallationDetails::willBeInstalled(const CAddon_Item& item) const
     return item.boolProcess && item.boolExtractable && !existingIsKept(item);
 }
 
+bool CAddonInstallationDetails::willBePlaced(const CAddon_Item& item,
+                                             const QSet<QString>& closed) const
+{
+    return willBeInstalled(item) &&
+           (closed.isEmpty() || !closed.contains(item.sFolder_Installation));
+}
+
 qint64 CAddonInstallationDetails::bytesNeeded() const
 {
     qint64 bytes = 0;

@@ -8,6 +8,17 @@ using namespace Qt::StringLiterals;
 
 namespace vt {
 
+InstallOptions installOptionsFromSettings(Settings& settings)
+{
+    InstallOptions options;
+    options.startSimulator = settings.flag(SettingKey::StartFlightSimulatorAfterInstallation);
+    options.deleteSource = settings.flag(SettingKey::DeleteSourceFilesAfterInstallation);
+    if (!options.deleteSource && settings.flag(SettingKey::ArchiveAddonZipFile))
+        options.archiveSourceFolder = settings.text(SettingKey::ArchiveAddonZipFileFolder);
+    options.confirmSourceHandling = true;
+    return options;
+}
+
 QString CAddonInstallationDetails::chosenFolder(const QString& typed) const
 {
     const GlobalRecord& global = m_context.global;

@@ -5,7 +5,9 @@
 #include "addondb/AddonDatabase.h"
 #include "addondb/JournalTable.h"
 #include "addondb/Pictures.h"
+#include "platform/Gate.h"
 #include "platform/TempFolder.h"
+#include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "shell/RunStep.h"
 #include "shell/Settings.h"
@@ -90,6 +92,27 @@ CAddonInstaller::CAddonInstaller(Context& context,
 
 CAddonInstaller::~CAddonInstaller() = default;
 
+Result CAddonInstaller::outcome() const
+{
+    if (!m_failure)
+        return m_failure;
+    const QString& name = m_record.name;
+    if (m_cancelled)
+        return Result::failure(u"The installation of '"_s + name + u"' was ended early; "_s +
+                                   countText(m_results.count(resultgroup::installed),
+                                             u"file is installed and can be removed."_s,
+                                             u"files are installed and can be removed."_s),
+                               ErrorKind::Declined);
+    if (m_failedFiles > 0)
+        return Result::failure(countText(m_failedFiles, u"file"_s, u"files"_s) + u" of '"_s + name +
+                               u"' could not be installed. "_s + cause());
+    const QStringList failed = m_results.texts(resultgroup::failedSpecialActions);
+    if (!failed.isEmpty())
+        return Result::failure(u"'"_s + name + u"' was installed, but not whole. "_s +
+                               failed.first() + (cause().isEmpty() ? QString() : u' ' + cause()));
+    return Result::success();
+}
+
 void CAddonInstaller::status(const QString& text)
 {
     m_context.services.status.text(u"Primary"_s, text);
@@ -161,7 +184,21 @@ Result CAddonInstaller::Install_Preliminaries()
     if (anyClosed)
         facts = m_details.facts(); // areas behind links that are open now
     m_wantedAreas = facts.library.areas;
+    openSourceFolders();
     return Result::success();
+}
+
+/// Where the source is moved or deleted afterwards, because the user chose so.
+void CAddonInstaller::openSourceFolders()
+{
+    const InstallOptions& options = m_details.options();
+    if (!options.deleteSource && options.archiveSourceFolder.isEmpty())
+        return;
+    const QString source = m_details.source().path();
+    Gate& gate = m_context.services.gate;
+    gate.setRoot(RootId::Chosen, source.endsWith(u'\\') ? source : winpath::parent(source));
+    if (!options.archiveSourceFolder.isEmpty())
+        gate.setRoot(RootId::Chosen, winpath::asFolder(options.archiveSourceFolder));
 }
 
 Result CAddonInstaller::AddonDatabase_Open()

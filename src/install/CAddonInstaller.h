@@ -98,6 +98,10 @@ public:
 
     [[nodiscard]] const Result& failure() const { return m_failure; }
 
+    /// How the installation ended as a whole: a success, or the sentence that tells why it is not
+    /// (or not whole) installed. Told beside results().
+    [[nodiscard]] Result outcome() const;
+
     /// The user ended the installation at a question; files before it are installed.
     [[nodiscard]] bool wasCancelled() const { return m_cancelled; }
 
@@ -145,6 +149,7 @@ private:
 
     // Install_Begin's steps, in order.
     Result Install_Preliminaries();
+    void openSourceFolders();
     Result AddonDatabase_Open();
     Result AddonMasterTable_OpenTable();
     Result AddonMasterTable_CreateAddonRecord();

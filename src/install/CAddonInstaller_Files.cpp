@@ -19,7 +19,6 @@ namespace {
 
 /// Largest configuration file that is looked at for line ends and code page.
 constexpr qint64 configLimit = 16LL * 1024 * 1024;
-constexpr qsizetype progressStep = 64;
 
 QString fileFacts(qint64 size, const QDateTime& date)
 {
@@ -269,11 +268,13 @@ Result CAddonInstaller::stageAll()
 {
     QStringList folders;
     qsizetype expected = 0;
+    qint64 bytes = 0;
     bool replaces = false;
     for (const File& file : m_files) {
         if (file.code != InstallCode::Installed)
             continue;
         ++expected;
+        bytes += file.item->size;
         replaces = replaces || (file.exists && !replacesOwn(*file.item));
         // Neighbours share their folder; the journal takes each folder once anyway.
         if (folders.isEmpty() || folders.last() != file.item->sFolder_Installation)
@@ -288,6 +289,7 @@ Result CAddonInstaller::stageAll()
             return told;
     }
     StatusSink& sink = m_context.services.status;
+    qint64 done = 0;
     for (size_t i = 0; i < m_files.size(); ++i) {
         if (sink.cancelled()) {
             m_files.resize(i);
@@ -295,8 +297,8 @@ Result CAddonInstaller::stageAll()
             break;
         }
         InstallFiles_Initialize(m_files[i]);
-        if (i % progressStep == 0)
-            sink.progress(qint64(i), qint64(m_files.size()));
+        sink.progress(done, bytes);
+        done += m_files[i].code == InstallCode::Installed ? m_files[i].item->size : 0;
         const Result installed = installOne(m_files[i]);
         if (!installed && installed.kind == ErrorKind::DiskFull)
             return Result::failure(installed.text +
@@ -305,7 +307,7 @@ Result CAddonInstaller::stageAll()
         if (!installed && installed.kind == ErrorKind::DiskFailed)
             return Result::failure(installed.text + u" Nothing was installed."_s, installed.kind);
     }
-    sink.progress(qint64(m_files.size()), qint64(m_files.size()));
+    sink.progress(bytes, bytes);
     return Result::success();
 }
 

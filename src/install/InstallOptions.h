@@ -85,4 +85,10 @@ struct InstallOptions
     bool confirmSourceHandling = false;
 };
 
+class Settings;
+
+/// What a wizard begins with: the settings' wishes, and every question asked. The source's folder
+/// of archives stays empty where none is set.
+[[nodiscard]] InstallOptions installOptionsFromSettings(Settings& settings);
+
 } // namespace vt

@@ -35,6 +35,24 @@ QList<MappedGroup> ruledFamilies()
     return out;
 }
 
+QList<MappedGroup> pageFamilies()
+{
+    return {MappedGroup::Aircraft,
+            MappedGroup::Panel,
+            MappedGroup::Sound,
+            MappedGroup::Missions,
+            MappedGroup::Scenery,
+            MappedGroup::Texture,
+            MappedGroup::TrafficTools,
+            MappedGroup::DocumentAndOther};
+}
+
+QString problemWord(MappedGroup family)
+{
+    const FamilyRules* rules = familyRules(family);
+    return rules ? rules->problemWord.toString() : u"A.I. traffic"_s;
+}
+
 QString methodWord(InstallationMethod method)
 {
     switch (method) {

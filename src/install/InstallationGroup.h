@@ -40,8 +40,8 @@ struct MethodLabel
 struct FamilyRules
 {
     MappedGroup family;
-    QStringView prefix;      ///< "Panel", as the names of its operations begin
-    QStringView problemWord; ///< "Correct the problem with the <word> configuration and try again."
+    QStringView prefix; ///< "Panel", as the names of its operations begin
+    QStringView problemWord;
     std::optional<SettingKey> defaultMethod; ///< holds the place in methodLabels()
     bool folderBelowMissions = false;        ///< a chosen folder has to lie there
 };
@@ -49,6 +49,12 @@ struct FamilyRules
 /// Null for None and for what no page decides by groups.
 [[nodiscard]] const FamilyRules* familyRules(MappedGroup family);
 [[nodiscard]] QList<MappedGroup> ruledFamilies();
+
+/// The families in the order of their pages; flight plans stand for airport files too.
+[[nodiscard]] QList<MappedGroup> pageFamilies();
+/// "aircraft", "A.I. traffic", as in "Correct the problem with the <word> configuration and try
+/// again."
+[[nodiscard]] QString problemWord(MappedGroup family);
 
 /// The methods that a family's page offers, in order; the first is the default.
 [[nodiscard]] QList<MethodLabel> methodLabels(MappedGroup family, const DisplayNames& names);

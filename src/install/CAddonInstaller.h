@@ -53,18 +53,6 @@ enum class InstallCode : qint8
 /// "Would you like to play it now?"
 [[nodiscard]] Prompt playMovieQuestion();
 
-/// Facts of the two files that a replacement question is about.
-struct ReplaceQuestion
-{
-    QString target;
-    bool readOnly = false;
-    bool changed = false; ///< by somebody else than us since it was installed
-    qint64 existingSize = 0;
-    QDateTime existingDate;
-    qint64 newSize = 0;
-    QDateTime newDate; ///< invalid when unknown
-};
-
 /// The question of frmYesYesToAllNoNoToAllCancel as a plain prompt.
 [[nodiscard]] Prompt confirmFileReplace(const ReplaceQuestion& question);
 

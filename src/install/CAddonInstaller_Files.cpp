@@ -66,8 +66,8 @@ Prompt confirmFileReplace(const ReplaceQuestion& question)
                    fileFacts(question.existingSize, question.existingDate) + u"\nNew file: "_s +
                    fileFacts(question.newSize, question.newDate);
     if (question.changed)
-        prompt.text +=
-            u"\n\nThe existing file was changed since it was installed; if you replace it, it is kept below Backups."_s;
+        prompt.advice =
+            u"The existing file was changed since it was installed; if you replace it, it is kept below Backups."_s;
     prompt.icon = Icon::Question;
     prompt.buttons = {Button::Yes, Button::YesToAll, Button::No, Button::NoToAll, Button::Cancel};
     // What is replaced is kept and comes back with the removal: Yes loses nothing.
@@ -77,6 +77,7 @@ Prompt confirmFileReplace(const ReplaceQuestion& question)
                           u"Leave the original file intact."_s,
                           u"Leave the original file intact and all future existing files."_s,
                           u"Stop the installation; files before this one are installed."_s};
+    prompt.replacing = question;
     return prompt;
 }
 

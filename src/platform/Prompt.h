@@ -2,6 +2,7 @@
 // before an operation is asked by the front end and passed as an option; this is for the rest.
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 
@@ -28,6 +29,20 @@ enum class Icon
     Critical,
 };
 
+/// Facts of the two files that a question about replacing one is about.
+struct ReplaceQuestion
+{
+    QString target;
+    bool readOnly = false; ///< the existing one
+    bool changed = false;  ///< by somebody else than us since it was installed
+    qint64 existingSize = 0;
+    QDateTime existingDate = {};
+    qint64 newSize = 0;
+    QDateTime newDate = {}; ///< invalid when unknown
+
+    friend bool operator==(const ReplaceQuestion&, const ReplaceQuestion&) = default;
+};
+
 /// One question or announcement. Comparable, so that tests can expect it.
 struct Prompt
 {
@@ -41,6 +56,8 @@ struct Prompt
     QStringList list = {};   ///< names below the text
     QString advice = {};     ///< below the list
     QString checkBox = {};   ///< a second answer, unticked at first; empty: there is none
+    /// What the text says of two files, for a window that shows them side by side.
+    std::optional<ReplaceQuestion> replacing = {};
 
     friend bool operator==(const Prompt&, const Prompt&) = default;
 };
@@ -94,7 +111,9 @@ public:
         paragraphs.append(QStringLiteral("    ") + prompt.list.join(QStringLiteral("\n    ")));
     paragraphs.append(prompt.advice);
     paragraphs.removeAll(QString());
-    return paragraphs.join(prompt.list.isEmpty() ? QStringLiteral("\n") : QStringLiteral("\n\n"));
+    return paragraphs.join(prompt.list.isEmpty() && prompt.advice.isEmpty()
+                               ? QStringLiteral("\n")
+                               : QStringLiteral("\n\n"));
 }
 
 /// An announcement with an Ok button.

@@ -19,6 +19,11 @@ template <typename Groups> auto groupNamed(Groups& groups, QStringView name)
 
 } // namespace
 
+bool resultgroup::tellsProblems(QStringView group)
+{
+    return group.startsWith(u"Not ") || group.startsWith(u"Failed ");
+}
+
 Results::Results(const QStringList& groups)
 {
     for (const QString& name : groups)

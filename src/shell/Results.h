@@ -20,6 +20,9 @@ inline constexpr QStringView processed = u"Processed";
 inline constexpr QStringView notProcessed = u"Not Processed";
 inline constexpr QStringView specialActions = u"Special Actions";
 inline constexpr QStringView failedSpecialActions = u"Failed Special Actions";
+
+/// Whether the group of that name tells what was not done.
+[[nodiscard]] bool tellsProblems(QStringView group);
 } // namespace resultgroup
 
 class Results

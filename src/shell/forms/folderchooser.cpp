@@ -102,6 +102,7 @@ chooseFileToSave(QWidget* parent, const Files& files, const Request& request, co
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     prepare(dialog, files, request);
+    dialog.setDefaultSuffix(request.suffix);
     dialog.selectFile(name);
     return firstOf(chosen(dialog, files));
 }

@@ -24,6 +24,7 @@ struct Request
     /// Windows folder offered at the side, such as the simulator's; may be empty.
     QString root = {};
     QStringList filters = {}; ///< "Pictures (*.png *.jpg)"; empty: all files
+    QString suffix = {};      ///< of a file to be written that is typed without one
 };
 
 /// Full path ending in "\"; nothing when the user gave up.

@@ -1,0 +1,17 @@
+// What is handed to the desktop: folders and files opened with its own programs.
+#pragma once
+
+#include "platform/Files.h"
+
+#include <QString>
+
+namespace vt::desktop {
+
+/// Opens the folder, or the folder of the file, at this Windows path; where it does not exist any
+/// more, the nearest one above it that does. False when nothing could be opened.
+bool openFolder(const Files& files, const QString& path);
+
+/// Opens a file with the program that the desktop has for it.
+bool openFile(const Files& files, const QString& path);
+
+} // namespace vt::desktop

@@ -1,7 +1,7 @@
 // list, show, owner, validate, history: what is recorded, beside what lies on the disk. Reads only.
 #include "addondb/AddonColumns.h"
 #include "addondb/AddonDatabase.h"
-#include "addondb/FileCabinet.h"
+#include "addondb/AddonFacts.h"
 #include "addondb/Pictures.h"
 #include "cli/AddonKey.h"
 #include "cli/ShowAddon.h"
@@ -129,23 +129,10 @@ int listAddons(World& world, const Arguments& arguments)
 
 // --- show, validate ---
 
-/// One add-on with everything that its display needs, loaded before anything is printed.
 struct Shown
 {
-    AddonRow row;
-    AddonItems items;
-    QList<SceneryAreaRecord> areas;
+    AddonFacts facts;
     bool whole = true;
-    /// Where the files of an add-on in the File Cabinet are looked for; null without its archive.
-    std::shared_ptr<CabinetArchive> stored;
-
-    [[nodiscard]] ItemState state(World& world, const DetailRecord& detail) const
-    {
-        if (row.addon.status != InstallationStatus::FileCabinet)
-            return items.state(*world.database(), world.services().gate, detail);
-        return stored && stored->holds(detail.location + detail.name) ? ItemState::Ok
-                                                                      : ItemState::Missing;
-    }
 };
 
 ResultOf<Shown> loadShown(World& world, const Arguments& arguments)
@@ -159,25 +146,14 @@ ResultOf<Shown> loadShown(World& world, const Arguments& arguments)
     if (world.database() == nullptr)
         return unknown;
     Connection& database = *world.database();
-    const ResultOf<AddonRow> row = addonRow(database, *key);
-    if (!row)
-        return row.kind == ErrorKind::Failed ? unknown : row.error();
-    ResultOf<AddonItems> items = AddonItems::load(database, *key);
-    if (!items)
-        return items.error();
-    const auto areas = modDatabase_Addon::sceneryAreasOf(database, *key);
-    if (!areas)
-        return areas.error();
+    const auto recorded = modDatabase_Addon::addon(database, *key);
+    if (!recorded)
+        return recorded.kind == ErrorKind::Failed ? unknown : recorded.error();
     (void)world.located(); // the gate then knows the simulator's folders
-    Shown shown{*row, std::move(*items), *areas, true, nullptr};
-    const FileCabinet cabinet(world.services(), world.context().global);
-    const auto archive = cabinet.find(*key);
-    if (archive && row->addon.status == InstallationStatus::FileCabinet) {
-        shown.stored = std::make_shared<CabinetArchive>(world.services());
-        if (Result opened = shown.stored->open(*archive); !opened)
-            return opened;
-    }
-    return shown;
+    ResultOf<AddonFacts> facts = AddonFacts::load(world.context(), database, *key);
+    if (!facts)
+        return facts.error();
+    return Shown{std::move(*facts), true};
 }
 
 /// Every file with its state; for people only those that are not whole unless \a all.
@@ -185,8 +161,8 @@ void writeItems(World& world, Shown& shown, bool all)
 {
     JsonStream& out = world.out();
     out.beginArray(u"items");
-    for (const DetailRecord& detail : shown.items.details()) {
-        const ItemState state = shown.state(world, detail);
+    for (const DetailRecord& detail : shown.facts.items.details()) {
+        const ItemState state = shown.facts.state(world.context(), *world.database(), detail);
         shown.whole = shown.whole && state == ItemState::Ok;
         out.beginObject();
         out.field(u"detailKey", detail.key);
@@ -196,8 +172,8 @@ void writeItems(World& world, Shown& shown, bool all)
         out.field(u"preferredLocation", detail.preferredLocation);
         out.field(u"preferredName", detail.preferredName);
         out.field(u"state", itemStateWord(state));
-        out.field(u"replacedOriginal", shown.items.replacedOriginal(detail));
-        if (const qint64 other = shown.items.coveredBy(detail); other != 0)
+        out.field(u"replacedOriginal", shown.facts.items.replacedOriginal(detail));
+        if (const qint64 other = shown.facts.items.coveredBy(detail); other != 0)
             out.field(u"coveredBy", other);
         out.endObject();
         if (all || state != ItemState::Ok) {
@@ -246,20 +222,17 @@ int validateAddon(World& world, const Arguments& arguments)
     ResultOf<Shown> shown = loadShown(world, arguments);
     if (!shown)
         return world.fail(shown.error());
-    const QString& name = shown->row.addon.name;
+    const QString& name = shown->facts.row.addon.name;
     JsonStream& out = world.out();
     out.beginObject();
-    out.field(u"key", shown->row.addon.key);
+    out.field(u"key", shown->facts.row.addon.key);
     out.field(u"name", name);
     writeItems(world, *shown, false);
-    if (!shown->whole) {
-        return world.fail(Result::failure(
-            u"The add-on '"_s + name +
-            u"' is not whole: some of its files are missing or were changed since it was installed."_s));
-    }
+    const Result verdict = shown->facts.verdict(shown->whole);
+    if (!verdict)
+        return world.fail(verdict);
     out.endObject();
-    world.say(u"The add-on '"_s + name + u"' is whole: "_s +
-              countText(shown->row.files, u"file"_s, u"files"_s) + u" as recorded."_s);
+    world.say(verdict.text);
     return Done;
 }
 
@@ -369,20 +342,22 @@ int showAddon(World& world, const Arguments& arguments)
     if (!shown)
         return world.fail(shown.error());
     JsonStream& out = world.out();
-    sayHead(world, shown->row);
+    sayHead(world, shown->facts.row);
     out.beginObject();
-    writeAddon(out, shown->row);
-    out.field(u"description", shown->row.addon.description);
-    const QString picture = pictures::addonPicture(world.context().global, shown->row.addon.key);
+    writeAddon(out, shown->facts.row);
+    out.field(u"description", shown->facts.row.addon.description);
+    const QString picture =
+        pictures::addonPicture(world.context().global, shown->facts.row.addon.key);
     const bool hasPicture = world.services().files.isFile(picture);
     out.field(u"picture", hasPicture ? picture : QString());
     if (hasPicture)
         world.say(u"  Picture:     "_s + picture);
     writeItems(world, *shown, true);
-    writeAreas(world, shown->areas);
+    writeAreas(world, shown->facts.areas);
     out.beginArray(u"variants");
-    for (const auto& variation : addonvariations::find(
-             ConfigAccess(world.services()), shown->row.addon.key, shown->items.details())) {
+    for (const auto& variation : addonvariations::find(ConfigAccess(world.services()),
+                                                       shown->facts.row.addon.key,
+                                                       shown->facts.items.details())) {
         world.say(u"Aircraft variation '"_s + variation.title + u"' ["_s + variation.section +
                   u"] of "_s + variation.file);
         out.beginObject();

@@ -1,6 +1,6 @@
 // edit: changes what is recorded about an add-on: name, description, authors, rating, picture.
 #include "addondb/AddonDatabase.h"
-#include "addondb/Pictures.h"
+#include "addondb/AddonEdit.h"
 #include "cli/AddonKey.h"
 #include "cli/ShowAddon.h"
 
@@ -10,50 +10,28 @@ namespace vt::cli {
 
 namespace {
 
-constexpr qint64 highestRating = 5;
-
-/// Before anything is changed.
-Result checkChanges(const Arguments& arguments)
+/// Of a text that is no number: one that checkChanges() would not name.
+ResultOf<AddonChanges> changesOf(World& world, const Arguments& arguments)
 {
-    if (arguments.has(u"--name"_s) && arguments.value(u"--name"_s).trimmed().isEmpty())
-        return Result::failure(u"An add-on needs a name."_s, ErrorKind::Usage);
-    if (arguments.has(u"--rating"_s)) {
+    const auto given = [&](const QString& option) {
+        return arguments.has(option) ? std::optional(arguments.value(option)) : std::nullopt;
+    };
+    AddonChanges changes;
+    changes.name = given(u"--name"_s);
+    changes.description = given(u"--description"_s);
+    changes.authors = given(u"--authors"_s);
+    if (const auto typed = given(u"--rating"_s)) {
         bool number = false;
-        const QString typed = arguments.value(u"--rating"_s);
-        const qint64 rating = typed.toLongLong(&number);
-        if (!number || rating < 0 || rating > highestRating)
-            return Result::failure(u"'"_s + typed + u"' is not a rating; 1 to 5, or 0 for none."_s,
+        changes.rating = typed->toLongLong(&number);
+        if (!number)
+            return Result::failure(u"'"_s + *typed + u"' is not a rating; 1 to 5, or 0 for none."_s,
                                    ErrorKind::Usage);
     }
-    return Result::success();
-}
-
-Result changePicture(World& world, qint64 key, const QString& typed)
-{
-    Connection& database = *world.database();
-    if (equalNoCase(typed, u"none"))
-        return pictures::clearAddonPicture(world.context(), database, key);
-    return pictures::storeAddonPicture(world.context(), database, key, world.userPath(typed));
-}
-
-Result changeTexts(Connection& database, qint64 key, const Arguments& arguments)
-{
-    using namespace modDatabase_Addon;
-    using Set = Result (*)(Connection&, qint64, const QString&);
-    return database.together([&] {
-        for (const auto& [option, set] :
-             std::initializer_list<std::pair<QString, Set>>{{u"--name"_s, &setName},
-                                                            {u"--description"_s, &setDescription},
-                                                            {u"--authors"_s, &setAuthors}}) {
-            if (!arguments.has(option))
-                continue;
-            if (Result done = set(database, key, arguments.value(option)); !done)
-                return done;
-        }
-        return arguments.has(u"--rating"_s)
-                   ? setRating(database, key, arguments.value(u"--rating"_s).toLongLong())
-                   : Result::success();
-    });
+    if (const auto picture = given(u"--picture"_s))
+        changes.pictureFile = equalNoCase(*picture, u"none") ? QString() : world.userPath(*picture);
+    if (Result wanted = checkChanges(changes); !wanted)
+        return wanted;
+    return changes;
 }
 
 int runEdit(World& world, const Arguments& arguments)
@@ -61,20 +39,16 @@ int runEdit(World& world, const Arguments& arguments)
     const ResultOf<qint64> key = addonKey(arguments.one(u"KEY"_s));
     if (!key)
         return world.fail(key.error());
-    if (Result wanted = checkChanges(arguments); !wanted)
-        return world.fail(wanted);
+    const ResultOf<AddonChanges> changes = changesOf(world, arguments);
+    if (!changes)
+        return world.fail(changes.error());
     if (Result ready = world.needWriting(); !ready)
         return world.fail(ready);
     const auto recorded = modDatabase_Addon::addon(*world.database(), *key);
     if (!recorded)
         return world.fail(recorded.kind == ErrorKind::Failed ? unknownAddon(QString::number(*key))
                                                              : recorded.error());
-    // The picture first: it is what may be refused.
-    if (arguments.has(u"--picture"_s)) {
-        if (Result done = changePicture(world, *key, arguments.value(u"--picture"_s)); !done)
-            return world.fail(done);
-    }
-    if (Result done = changeTexts(*world.database(), *key, arguments); !done)
+    if (Result done = changeAddon(world.context(), *world.database(), *key, *changes); !done)
         return world.fail(done);
     return showAddon(world, arguments);
 }

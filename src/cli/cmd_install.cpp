@@ -1,9 +1,9 @@
 // install: the whole installation of one source.
-#include "addondb/AddonRecords.h"
+#include "addondb/AddonDatabase.h"
 #include "addondb/Connection.h"
 #include "cli/AddonKey.h"
 #include "cli/InstallArguments.h"
-#include "install/CAddonInstaller.h"
+#include "install/InstallationEnd.h"
 #include "shell/Flying.h"
 
 using namespace Qt::StringLiterals;
@@ -12,29 +12,26 @@ namespace vt::cli {
 
 namespace {
 
-void tellInstallation(World& world,
-                      const CAddonInstaller& installer,
-                      bool recorded,
-                      bool again = false)
+void tellInstallation(World& world, const InstallationEnd& end, bool again = false)
 {
     JsonStream& out = world.out();
+    const QString& name = end.record.name;
     out.beginObject();
-    out.field(u"key", recorded ? installer.masterKey() : qint64(0));
-    out.field(u"name", installer.record().name);
-    out.field(u"status", recorded ? statusWord(installer.record().status) : u"not installed"_s);
+    out.field(u"key", end.recorded ? end.record.key : qint64(0));
+    out.field(u"name", name);
+    out.field(u"status", end.recorded ? statusWord(end.record.status) : u"not installed"_s);
     out.key(u"results");
-    installer.results().write(out);
-    const QString& name = installer.record().name;
-    if (recorded)
+    end.results.write(out);
+    if (end.recorded) {
         world.say(u"'"_s + name +
                   (again ? u"' was installed again under the key "_s
                          : u"' was installed under the key "_s) +
-                  QString::number(installer.masterKey()) + u'.');
-    if (recorded)
+                  QString::number(end.record.key) + u'.');
         world.say(again ? reinstallationResultsCaption(name) : installationResultsCaption(name));
-    world.say(installer.results());
-    if (!installer.movieToPlay().isEmpty())
-        world.say(u"The movie is '"_s + installer.movieToPlay() + u"'."_s);
+    }
+    world.say(end.results);
+    if (!end.movieToPlay.isEmpty())
+        world.say(u"The movie is '"_s + end.movieToPlay + u"'."_s);
 }
 
 /// Says whether the simulator was started; the installation stands whatever comes of it.
@@ -46,10 +43,10 @@ void tellStart(World& world)
 }
 
 /// The exit status, and the sentence that belongs to it.
-int statusOf(World& world, const CAddonInstaller& installer)
+int statusOf(World& world, const InstallationEnd& end)
 {
-    if (Result outcome = installer.outcome(); !outcome)
-        return world.fail(outcome);
+    if (!end.result)
+        return world.fail(end.result);
     world.out().endObject();
     return Done;
 }
@@ -72,10 +69,11 @@ int runInstall(World& world, const Arguments& arguments)
     CAddonInstaller installer(world.context(), *world.database(), details);
     installer.setProcesses(&world.processes());
     const bool reached = installer.Install_Begin();
-    tellInstallation(world, installer, reached);
+    const InstallationEnd end = InstallationEnd::of(installer, reached);
+    tellInstallation(world, end);
     if (reached && options->startSimulator)
         tellStart(world);
-    return statusOf(world, installer);
+    return statusOf(world, end);
 }
 
 int runReinstall(World& world, const Arguments& arguments)
@@ -89,27 +87,23 @@ int runReinstall(World& world, const Arguments& arguments)
         return world.fail(ready);
     if (Result ready = world.needDatabase(); !ready)
         return world.fail(ready);
-    ResultOf<RecordedAddon> recorded = RecordedAddon::load(*world.database(), *key);
+    const auto recorded = modDatabase_Addon::addon(*world.database(), *key);
     if (!recorded)
         return world.fail(recorded.kind == ErrorKind::Failed ? unknownAddon(QString::number(*key))
                                                              : recorded.error());
     const QString given =
         arguments.has(u"--from"_s) ? world.userPath(arguments.value(u"--from"_s)) : QString();
-    const ResultOf<QString> source = reinstallationSource(world.context(), *recorded, given);
-    if (!source)
-        return world.fail(source.error());
-    CAddonInstallationDetails details(world.context());
-    if (Result prepared =
-            details.prepareAgain(*recorded, *source, againOptionsOf(world, arguments));
-        !prepared)
-        return world.fail(prepared);
-    CAddonInstaller installer(world.context(), *world.database(), details);
-    installer.simulatorIsRunning = [&world] {
-        return isSimulatorRunning(world.context(), world.processes());
-    };
-    const bool reached = installer.Reinstall_Begin();
-    tellInstallation(world, installer, reached, true);
-    return statusOf(world, installer);
+    const InstallationEnd end =
+        reinstallAddon(world.context(),
+                       *world.database(),
+                       *key,
+                       given,
+                       againOptionsOf(world, arguments),
+                       [&world] { return isSimulatorRunning(world.context(), world.processes()); });
+    if (!end.begun)
+        return world.fail(end.result);
+    tellInstallation(world, end, true);
+    return statusOf(world, end);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "cli/Command.h"
 #include "cli/TypedFile.h"
 #include "platform/WinPath.h"
+#include "remove/AddonRemoval.h"
 #include "remove/CAddonRemover.h"
 #include "simconfig/CPanel.h"
 #include "simconfig/CSound.h"
@@ -16,16 +17,6 @@ using namespace Qt::StringLiterals;
 namespace vt::cli {
 
 namespace {
-
-/// Why a removal or copy that ran to its end is not whole.
-Result notWhole(const CAddonRemover& remover, bool copied)
-{
-    const Results& results = remover.results();
-    const QString cause = results.texts(resultgroup::failedSpecialActions)
-                              .value(0, results.texts(resultgroup::notProcessed).value(0));
-    return Result::failure(u"'"_s + remover.record().name + u"' was not "_s +
-                           (copied ? u"copied"_s : u"removed"_s) + u" whole. "_s + cause);
-}
 
 /// Of an option that names a sound or panel; empty when it is not given.
 ResultOf<QString> insteadOf(World& world,
@@ -124,20 +115,17 @@ int removeOne(World& world, const ResultOf<qint64>& key, const RemovalOptions& o
             failure = unknownAddon(QString::number(*key));
     }
     if (failure) {
-        CAddonRemover remover(world.context(), *world.database(), *key, options);
-        if (!remover.Remove_Begin())
-            failure = remover.failure();
-        else if (remover.anyFailed())
-            failure = notWhole(remover, options.method == RemovalMethod::Copy);
-        out.field(u"name", remover.record().name);
+        const RemovedAddon removed = removeAddon(world.context(), *world.database(), *key, options);
+        failure = removed.result;
+        out.field(u"name", removed.name);
         out.field(u"ok", failure.ok);
         out.key(u"results");
-        remover.results().write(out);
-        out.field(u"target", remover.target());
-        if (remover.failure().ok)
-            world.say(removalActionText(options.method, remover.target()));
-        world.say(removalResultsCaption(remover.record().name));
-        world.say(remover.results());
+        removed.results.write(out);
+        out.field(u"target", removed.target);
+        if (removed.ended)
+            world.say(removalActionText(options.method, removed.target));
+        world.say(removalResultsCaption(removed.name));
+        world.say(removed.results);
     } else {
         out.field(u"name", QString());
         out.field(u"ok", false);

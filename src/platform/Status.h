@@ -16,6 +16,11 @@ public:
 
     /// Whether the user asked to stop; looked at between files only.
     virtual bool cancelled() { return false; }
+
+    /// Lets windows draw themselves and answer. Whoever works or waits long without having anything
+    /// to tell (a large file, a child process) calls it often: every 20 ms is not too much, since
+    /// most calls cost a look at the clock.
+    virtual void breathe() {}
 };
 
 /// Says nothing to nobody.

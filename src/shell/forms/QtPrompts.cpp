@@ -1,0 +1,201 @@
+#include "shell/forms/QtPrompts.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QInputDialog>
+#include <QLabel>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+/// So many names of a list stand in the box itself; all of them are among the details then.
+constexpr qsizetype listedInPlace = 12;
+
+struct ButtonRow
+{
+    Button button;
+    QMessageBox::StandardButton standard;
+};
+
+constexpr std::array<ButtonRow, 6> buttonRows = {{
+    {Button::Ok, QMessageBox::Ok},
+    {Button::Yes, QMessageBox::Yes},
+    {Button::YesToAll, QMessageBox::YesToAll},
+    {Button::No, QMessageBox::No},
+    {Button::NoToAll, QMessageBox::NoToAll},
+    {Button::Cancel, QMessageBox::Cancel},
+}};
+
+QMessageBox::StandardButton standardOf(Button button)
+{
+    return buttonRows[static_cast<size_t>(button)].standard;
+}
+
+Button buttonOf(int standard)
+{
+    for (const ButtonRow& row : buttonRows)
+        if (row.standard == standard)
+            return row.button;
+    return Button::Cancel;
+}
+
+QMessageBox::Icon iconOf(Icon icon)
+{
+    switch (icon) {
+    case Icon::Information:
+        return QMessageBox::Information;
+    case Icon::Question:
+        return QMessageBox::Question;
+    case Icon::Warning:
+        return QMessageBox::Warning;
+    case Icon::Critical:
+        return QMessageBox::Critical;
+    case Icon::None:
+        break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+/// What Escape and the window's cross stand for: the answer that does the least.
+Button escapeOf(const Prompt& prompt)
+{
+    for (const Button button : {Button::Cancel, Button::No, Button::Ok})
+        if (prompt.buttons.contains(button))
+            return button;
+    return prompt.defaultButton;
+}
+
+void addTexts(QMessageBox& box, const Prompt& prompt)
+{
+    QStringList below;
+    if (prompt.heading.isEmpty()) {
+        box.setText(prompt.text.trimmed());
+    } else {
+        box.setText(prompt.heading);
+        below.append(prompt.text);
+    }
+    if (!prompt.list.isEmpty()) {
+        QStringList shown = prompt.list.mid(0, listedInPlace);
+        if (prompt.list.size() > listedInPlace) {
+            shown.append(u"and "_s + QString::number(prompt.list.size() - listedInPlace) +
+                         u" more"_s);
+            box.setDetailedText(prompt.list.join(u'\n'));
+        }
+        below.append(u"    "_s + shown.join(u"\n    "_s));
+    }
+    below.append(prompt.advice);
+    below.removeAll(QString());
+    box.setInformativeText(below.join(u"\n\n"_s));
+}
+
+void addButtons(QMessageBox& box, const Prompt& prompt)
+{
+    for (const Button button : prompt.buttons)
+        box.addButton(standardOf(button));
+    box.setDefaultButton(standardOf(prompt.defaultButton));
+    box.setEscapeButton(standardOf(escapeOf(prompt)));
+    // What each answer does stands beside its name, and again at the button.
+    QStringList lines;
+    for (qsizetype i = 0; i < prompt.buttonTexts.size() && i < prompt.buttons.size(); ++i) {
+        QAbstractButton* button = box.button(standardOf(prompt.buttons[i]));
+        button->setToolTip(prompt.buttonTexts[i]);
+        button->setAccessibleDescription(prompt.buttonTexts[i]);
+        lines.append(button->text().remove(u'&') + u": "_s + prompt.buttonTexts[i]);
+    }
+    if (!lines.isEmpty())
+        box.setInformativeText((box.informativeText() + u"\n\n"_s + lines.join(u'\n')).trimmed());
+}
+
+} // namespace
+
+QWidget* QtPrompts::parent() const
+{
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    return m_main;
+}
+
+CheckedAnswer QtPrompts::show(const Prompt& prompt)
+{
+    QMessageBox box(iconOf(prompt.icon), prompt.caption, {}, QMessageBox::NoButton, parent());
+    box.setObjectName(u"prompt"_s);
+    box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    addTexts(box, prompt);
+    addButtons(box, prompt);
+    QCheckBox* check = nullptr;
+    if (!prompt.checkBox.isEmpty()) {
+        check = new QCheckBox(prompt.checkBox);
+        box.setCheckBox(check);
+    }
+    // The box itself takes this one for rich text where it looks like it.
+    if (auto* below = box.findChild<QLabel*>(u"qt_msgbox_informativelabel"_s))
+        below->setTextFormat(Qt::PlainText);
+    const Button answer = buttonOf(box.exec());
+    return {answer, check && check->isChecked()};
+}
+
+Button QtPrompts::ask(const Prompt& prompt)
+{
+    if (ownWindow)
+        if (const std::optional<Button> answer = ownWindow(parent(), prompt))
+            return *answer;
+    return show(prompt).button;
+}
+
+CheckedAnswer QtPrompts::askChecked(const Prompt& prompt)
+{
+    return show(prompt);
+}
+
+std::optional<qsizetype> QtPrompts::choose(const ChoicePrompt& prompt)
+{
+    QDialog dialog(parent());
+    dialog.setObjectName(u"prompt"_s);
+    dialog.setWindowTitle(prompt.caption);
+    auto* list = new QListWidget;
+    list->addItems(prompt.choices);
+    list->setAccessibleName(prompt.caption);
+    list->setCurrentRow(prompt.choices.isEmpty() ? -1 : 0);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    buttons->button(QDialogButtonBox::Ok)->setEnabled(!prompt.choices.isEmpty());
+    auto* column = new QVBoxLayout(&dialog);
+    column->addWidget(list);
+    column->addWidget(buttons);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    QObject::connect(list, &QListWidget::itemActivated, &dialog, &QDialog::accept);
+    const QFontMetrics metrics = dialog.fontMetrics();
+    dialog.resize(metrics.averageCharWidth() * 64, metrics.lineSpacing() * 18);
+    if (dialog.exec() != QDialog::Accepted || list->currentRow() < 0)
+        return std::nullopt;
+    return list->currentRow();
+}
+
+std::optional<QString> QtPrompts::askText(const TextPrompt& prompt)
+{
+    QInputDialog dialog(parent());
+    dialog.setObjectName(u"prompt"_s);
+    dialog.setWindowTitle(prompt.caption);
+    dialog.setLabelText(prompt.text);
+    dialog.setTextValue(prompt.proposal);
+    // Paths are proposed here: room for one.
+    dialog.resize(dialog.fontMetrics().averageCharWidth() * 72, dialog.sizeHint().height());
+    if (dialog.exec() != QDialog::Accepted)
+        return std::nullopt;
+    return dialog.textValue();
+}
+
+} // namespace vt

@@ -46,6 +46,15 @@ public:
     /// each edited() too, so it must move no focus and ask nothing.
     virtual Result leave() = 0;
 
+    /// The user is on the way to another page, by a step's button, Back, Next (\a forward) or
+    /// Finish: takes what was typed and asks what has to be asked before. Called before leave();
+    /// false keeps the page.
+    virtual bool advance(bool forward)
+    {
+        Q_UNUSED(forward)
+        return true;
+    }
+
     /// Keeps the page's layout in its section; called before another page is shown and at the end.
     virtual void Form_Settings_Save() {}
 

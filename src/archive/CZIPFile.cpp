@@ -62,6 +62,11 @@ void CZIPFile::Zip_Items_ImbeddedZips_SelectOrDeselectAll(bool select)
     }
 }
 
+bool isArchiveName(QStringView name)
+{
+    return endsWithNoCase(name, u".zip") || endsWithNoCase(name, u".rar");
+}
+
 bool isImbeddedZip(const CZIPFileItem& item)
 {
     return item.kind == EntryKind::File && endsWithNoCase(item.sFilename, u".zip");

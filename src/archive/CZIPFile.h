@@ -14,6 +14,9 @@
 
 namespace vt {
 
+/// Whether a file of that name is an archive that can be listed ("a.zip", "b.RAR").
+[[nodiscard]] bool isArchiveName(QStringView name);
+
 /// Whether an entry is a ZIP archive itself, by its name.
 [[nodiscard]] bool isImbeddedZip(const CZIPFileItem& item);
 

@@ -15,11 +15,6 @@ namespace {
 
 constexpr qsizetype sourceFileLimit = 200'000;
 
-bool isArchiveName(QStringView name)
-{
-    return endsWithNoCase(name, u".zip") || endsWithNoCase(name, u".rar");
-}
-
 /// Folder texts of one listed archive with the archive's own place before them, each made once.
 class NestedFolders
 {

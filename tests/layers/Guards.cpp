@@ -30,8 +30,10 @@ const QList<Layer>& layers()
     static const Folders operations =
         Folders{"install"_L1, "import"_L1, "remove"_L1, "session"_L1} + knowledge;
     static const Folders tools = Folders{"ui"_L1, "shell/forms"_L1} + operations;
+    static const Folders choosing = Folders{"archive/forms"_L1} + tools;
     static const Folders windows =
-        Folders{"addondb/forms"_L1, "ui/forms"_L1, "install/forms"_L1, "remove/forms"_L1} + tools;
+        Folders{"addondb/forms"_L1, "ui/forms"_L1, "install/forms"_L1, "remove/forms"_L1} +
+        choosing;
     static const QList<Layer> all{
         {"platform"_L1, {}},
         {"picture"_L1, {}},
@@ -48,10 +50,11 @@ const QList<Layer>& layers()
         {"session"_L1, knowledge},
         {"ui"_L1, operations},
         {"shell/forms"_L1, files},
+        {"archive/forms"_L1, tools},
         {"addondb/forms"_L1, tools},
-        {"ui/forms"_L1, tools},
-        {"install/forms"_L1, tools},
-        {"remove/forms"_L1, tools},
+        {"ui/forms"_L1, choosing},
+        {"install/forms"_L1, choosing},
+        {"remove/forms"_L1, choosing},
         {"demo"_L1, operations},
         {"cli"_L1, Folders{"ui"_L1} + operations},
         {"app"_L1, windows},

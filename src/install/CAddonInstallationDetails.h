@@ -308,13 +308,9 @@ public:
     /// InstallationFolders_Validate(), and what else a family's page wants: the aircraft and
     /// variations of repaints, the titles of scenery areas.
     [[nodiscard]] Result InstallationChoices_Validate(MappedGroup family) const;
-    /// The first family, in the order of the pages, whose choices keep the add-on from being
-    /// installed; nothing when all are right.
-    [[nodiscard]] std::optional<FamilyFailure> firstInvalidFamily() const;
-    /// What the page of that family wants: InstallationChoices_Validate(), of flight plans and
-    /// airport files their folders. While the add-on goes to the File Cabinet, by the folders in
-    /// the simulator.
-    [[nodiscard]] Result Family_Validate(MappedGroup family) const;
+    /// The families whose choices keep the add-on from being installed, in the order of their
+    /// pages. While it goes to the File Cabinet, its folders in the simulator count.
+    [[nodiscard]] QList<FamilyFailure> invalidFamilies() const;
     /// Gives documents whose names clash a folder each, below the add-on's storage.
     void DocumentAndOther_AutomaticallyResolveProblems();
     [[nodiscard]] bool AddonItemGroup_IsAnythingMarkedForInstall() const;

@@ -8,14 +8,17 @@ using namespace Qt::StringLiterals;
 
 namespace vt {
 
-InstallOptions installOptionsFromSettings(Settings& settings)
+InstallOptions installOptionsFromSettings(Context& context, const QString& source)
 {
+    Settings& settings = context.settings;
     InstallOptions options;
     options.startSimulator = settings.flag(SettingKey::StartFlightSimulatorAfterInstallation);
     options.deleteSource = settings.flag(SettingKey::DeleteSourceFilesAfterInstallation);
-    if (!options.deleteSource && settings.flag(SettingKey::ArchiveAddonZipFile))
-        options.archiveSourceFolder = settings.text(SettingKey::ArchiveAddonZipFileFolder);
     options.confirmSourceHandling = true;
+    // The source goes to one place only, and a folder is no archive.
+    if (!options.deleteSource && settings.flag(SettingKey::ArchiveAddonZipFile) &&
+        !context.services.files.isFolder(source))
+        options.archiveSourceFolder = settings.text(SettingKey::ArchiveAddonZipFileFolder);
     return options;
 }
 

@@ -144,30 +144,26 @@ Result CAddonInstallationDetails::InstallationChoices_Validate(MappedGroup famil
     return InstallationFolders_Validate(family);
 }
 
-Result CAddonInstallationDetails::Family_Validate(MappedGroup family) const
+QList<FamilyFailure> CAddonInstallationDetails::invalidFamilies() const
 {
     if (installTo() == InstallTo::Cabinet) {
         // The archive keeps each file under its place in the simulator.
         const auto there = Clone();
         there->Options_InstallationDetails_ModifyInstallationMethod(InstallTo::Simulator);
-        return there->Family_Validate(family);
+        return there->invalidFamilies();
     }
-    if (family == MappedGroup::TrafficTools || family == MappedGroup::Afcad)
-        return AI_InstallationFolders_Validate();
-    return InstallationChoices_Validate(family);
-}
-
-std::optional<FamilyFailure> CAddonInstallationDetails::firstInvalidFamily() const
-{
+    QList<FamilyFailure> out;
     for (const MappedGroup family : pageFamilies()) {
-        const Result valid = Family_Validate(family);
+        const Result valid = family == MappedGroup::TrafficTools
+                                 ? AI_InstallationFolders_Validate()
+                                 : InstallationChoices_Validate(family);
         if (!valid)
-            return FamilyFailure{family,
-                                 u"Correct the problem with the "_s + problemWord(family) +
-                                     u" configuration and try again."_s,
-                                 valid.text};
+            out.append({family,
+                        u"Correct the problem with the "_s + problemWord(family) +
+                            u" configuration and try again."_s,
+                        valid.text});
     }
-    return std::nullopt;
+    return out;
 }
 
 bool CAddonInstallationDetails::AddonItemGroup_IsAnythingMarkedForInstall() const

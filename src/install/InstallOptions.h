@@ -85,10 +85,10 @@ struct InstallOptions
     bool confirmSourceHandling = false;
 };
 
-class Settings;
+struct Context;
 
-/// What a wizard begins with: the settings' wishes, and every question asked. The source's folder
-/// of archives stays empty where none is set.
-[[nodiscard]] InstallOptions installOptionsFromSettings(Settings& settings);
+/// What a wizard begins with for that source: the settings' wishes, as far as they fit it, and
+/// every question asked.
+[[nodiscard]] InstallOptions installOptionsFromSettings(Context& context, const QString& source);
 
 } // namespace vt

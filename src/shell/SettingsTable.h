@@ -122,6 +122,7 @@ enum class SettingKey : quint8
     NameAddonUsingFileIdDiz,
     DescribeAddonUsingFileIdDiz,
     AdvanceWizardStepsAutomatically,
+    SynchronizeWizardSizes,
     AutoPlacePanelsInSubfolder,
     AutoPlaceSoundsInSubfolder,
     AutoPlaceSceneryInFolder,

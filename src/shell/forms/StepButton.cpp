@@ -1,8 +1,9 @@
 #include "shell/forms/StepButton.h"
 
+#include "shell/forms/Icons.h"
+
 #include <QEvent>
 #include <QPainter>
-#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -66,13 +67,14 @@ QString StepButton::stateWord() const
 void StepButton::refresh()
 {
     if (m_state == StepState::NeedsAttention)
-        setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this));
+        setIcon(icons::state(icons::State::Attention));
     else if (isChecked())
-        setIcon(style()->standardIcon(QStyle::SP_ArrowRight, nullptr, this));
-    else if (m_state == StepState::Done)
-        setIcon(style()->standardIcon(QStyle::SP_DialogApplyButton, nullptr, this));
-    else
+        setIcon(icons::state(icons::State::Here));
+    else if (m_state == StepState::Open)
         setIcon(emptyIcon(iconSize().width()));
+    else
+        setIcon(icons::state(m_state == StepState::Done ? icons::State::Done
+                                                        : icons::State::Nothing));
     const QString state = m_why.isEmpty() ? stateWord() : stateWord() + u": "_s + m_why;
     setAccessibleDescription(state);
     QStringList lines = {m_hint, m_why};

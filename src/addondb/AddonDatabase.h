@@ -115,9 +115,10 @@ Result deleteConfigBase(Connection& database, const Place& file);
 // --- scenery library, pictures, remarks on items ---
 
 Result addSceneryAreas(Connection& database, const QList<SceneryAreaRecord>& areas);
+/// Of an add-on in the File Cabinet: those that it had, or is to have, in the library.
 [[nodiscard]] ResultOf<QList<SceneryAreaRecord>> sceneryAreasOf(Connection& database,
                                                                 qint64 masterKey);
-/// Every row of every add-on.
+/// Every row of every add-on but those of add-ons that are in the File Cabinet.
 [[nodiscard]] ResultOf<QList<SceneryAreaRecord>> sceneryAreas(Connection& database);
 Result deleteSceneryArea(Connection& database, const SceneryAreaRecord& area);
 Result deleteSceneryAreasOf(Connection& database, qint64 masterKey);

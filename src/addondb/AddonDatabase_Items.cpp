@@ -125,6 +125,16 @@ ResultOf<QList<SceneryAreaRecord>> sceneryAreas(Connection& database)
         areas.push_back(readArea(rows));
     if (!rows.error())
         return databaseFailure(u"Could not open the addon scenery library table."_s);
+    QHash<qint64, bool> stored;
+    areas.removeIf([&](const SceneryAreaRecord& area) {
+        auto known = stored.constFind(area.masterKey);
+        if (known == stored.cend()) {
+            const ResultOf<AddonRecord> owner = addon(database, area.masterKey);
+            known = stored.insert(area.masterKey,
+                                  owner && owner->status == InstallationStatus::FileCabinet);
+        }
+        return *known;
+    });
     return areas;
 }
 

@@ -22,6 +22,7 @@ ResultOf<AddonFacts> AddonFacts::load(Context& context, Connection& database, qi
     AddonFacts facts{*row, std::move(*items), *areas, nullptr};
     if (row->addon.status != InstallationStatus::FileCabinet)
         return facts;
+    facts.areas.clear(); // they are in the library no more
     const FileCabinet cabinet(context.services, context.global);
     if (const auto archive = cabinet.find(masterKey)) {
         facts.stored = std::make_shared<CabinetArchive>(context.services);

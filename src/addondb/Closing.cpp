@@ -184,15 +184,13 @@ Result deleteWholeAddon(Connection& database, const RemovalClosing& closing)
     return deleteMaster(database, key);
 }
 
-/// The files' rows stay, to tell where they belong; what else was recorded of the add-on has been
-/// taken back.
+/// The files' rows stay, to tell where they belong, and those of the areas, for their titles; what
+/// was kept for the files has been given back.
 Result storeAddon(Connection& database, const RemovalClosing& closing)
 {
     using namespace modDatabase_Addon;
-    for (auto* remove : {&deleteOriginalsOf, &deleteSceneryAreasOf}) {
-        if (Result gone = remove(database, closing.masterKey); !gone)
-            return gone;
-    }
+    if (Result gone = deleteOriginalsOf(database, closing.masterKey); !gone)
+        return gone;
     return setStatus(database, closing.masterKey, InstallationStatus::FileCabinet);
 }
 

@@ -2,6 +2,7 @@
 
 #include "addondb/AddonDatabase.h"
 #include "platform/GuardedChild.h"
+#include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "shell/GlobalRecord.h"
 
@@ -143,6 +144,26 @@ Result storeItemThumbnail(Context& context,
     if (Result recorded = modDatabase_Addon::setItemDetail(database, table, record); !recorded)
         return notSetUp(recorded.text);
     return Result::success();
+}
+
+Result deleteItemThumbnails(FileActions& actions,
+                            const Files& files,
+                            const GlobalRecord& global,
+                            const QString& configurationFile)
+{
+    const QString folder = winpath::parent(itemThumbnail(global, configurationFile, {}));
+    if (folder.isEmpty() || !files.isFolder(folder))
+        return Result::success();
+    if (!equalNoCase(winpath::name(configurationFile), u"aircraft.cfg"))
+        return deleteWithFolder(actions, folder + u"Thumbnail.jpg"_s);
+    for (const FileInfo& below : files.list(folder)) {
+        if (!below.folder || !containsNoCase(below.name, u"fltsim."))
+            continue;
+        const QString own = folder + below.name + u"\\Thumbnail.jpg"_s;
+        if (Result gone = deleteWithFolder(actions, own); !gone)
+            return gone;
+    }
+    return actions.removeEmptyFolder(folder);
 }
 
 Result

@@ -61,6 +61,11 @@ Result storeItemThumbnail(Context& context,
                           const QString& section,
                           const QByteArray& picture,
                           const QString& name);
+/// For a removal: the thumbnails of all sections of an aircraft.cfg, or that of a panel.cfg.
+Result deleteItemThumbnails(FileActions& actions,
+                            const Files& files,
+                            const GlobalRecord& global,
+                            const QString& configurationFile);
 Result
 clearItemThumbnail(Context& context, const QString& configurationFile, const QString& section);
 

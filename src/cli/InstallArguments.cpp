@@ -86,6 +86,10 @@ std::vector<Option> installOptionTable()
         {"--no-scenery-library", nullptr, "leave the scenery library alone"},
         {"--scenery-title", "TEXT", "title of the areas that the scenery library gets"},
         {"--picture", "FILE", "a picture that is shown for the add-on"},
+        {"--thumbnail",
+         "FAMILY=FILE",
+         "a picture for the aircraft, panel, texture or scenery that is installed; repeatable",
+         true},
         {"--start", nullptr, "start the simulator after installation"},
         {"--archive-source", "DIR", "move the source archive there afterwards"},
         {"--delete-source", nullptr, "delete the source afterwards"},
@@ -193,6 +197,21 @@ ResultOf<InstallOptions> installOptionsOf(World& world, const Arguments& argumen
     out.noSceneryLibrary = arguments.has(u"--no-scenery-library"_s);
     if (arguments.has(u"--picture"_s))
         out.pictureFile = world.userPath(arguments.value(u"--picture"_s));
+    for (const QString& typed : arguments.values(u"--thumbnail"_s)) {
+        const qsizetype equals = typed.indexOf(u'=');
+        const QString family = typed.first(qMax<qsizetype>(equals, 0));
+        PictureChoice choice;
+        for (const MappedGroup ruled : ruledFamilies()) {
+            if (takesPicture(ruled) && mappedGroupName(ruled) == family)
+                choice.family = ruled;
+        }
+        if (choice.family == MappedGroup::None)
+            return usage(u"The thumbnail '"_s + typed +
+                         u"' is not of the form FAMILY=FILE with one of the families aircraft, "_s
+                         u"panel, texture and scenery."_s);
+        choice.file = world.userPath(typed.sliced(equals + 1));
+        out.pictures.append(choice);
+    }
     out.startSimulator = arguments.has(u"--start"_s);
     if (arguments.has(u"--archive-source"_s)) {
         const QString typed = arguments.value(u"--archive-source"_s);

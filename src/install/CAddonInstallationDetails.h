@@ -116,7 +116,12 @@ struct GroupChange
     std::optional<bool> sceneryLibraryUpdate;
     std::optional<QString> sceneryTitle;
     std::optional<QList<VariantDetails>> variants;
+    /// Of an aircraft whose folder changes: what else its aircraft.cfg is to define goes along.
+    bool relatedFollow = true;
 };
+
+/// "Apply Change to all Related Aircraft?"
+[[nodiscard]] Prompt applyChangeToRelated();
 
 /// How the date of the file at an item's target compares with the item's own.
 enum class DateOrder : quint8
@@ -276,13 +281,17 @@ public:
                                                            InstallationMethod method,
                                                            const QString& folder = {});
     /// A folder of the user's choice; of a repaint: the aircraft, after which the user is asked
-    /// whether other repaints without an aircraft belong to it as well.
+    /// whether other repaints without an aircraft belong to it as well. Where the aircraft.cfg that
+    /// is concerned defines other aircraft, it is asked first whether they go along (kind Declined
+    /// after Cancel).
     Result InstallationDetails_Modify(MappedGroup family, int group, const QString& folder);
     void Scenery_InstallationDetails_ModifyPerSceneryLibraryUpdateSelection(int group,
                                                                             bool update,
                                                                             const QString& title);
     /// Install or do not install every item of a group.
     void InstallationStatus_Modify(MappedGroup family, int group, bool install);
+    /// The same for single files.
+    void AddonItems_InstallationStatus_Modify(const QList<qint32>& keys, bool install);
 
     /// Renames on installation; refused for an empty or impossible name and for another type. Asks
     /// where a file's name matters (kind Declined after a No).
@@ -296,8 +305,29 @@ public:
     ResultOf<QString> AddonItem_CopyFolderToClipboard(qint32 key);
     Result AddonItem_PasteFolderFromClipboard(const QList<qint32>& keys, const QString& clipboard);
 
+    // Pictures of groups. A success carries the text for the status.
+
+    Result Picture_Clear(MappedGroup family, int group);
+    /// \a file: full path.
+    Result Picture_SetFromFile(MappedGroup family, int group, const QString& file);
+    /// \a picture in any form that a picture file may have.
+    Result Picture_SetFromClipboard(MappedGroup family, int group, const QByteArray& picture);
+
     // Checks.
 
+    /// Whether a repaint may bring variations of these names: each of its title for itself alone. A
+    /// success may carry a warning. \a problem: index of the one that is refused.
+    [[nodiscard]] Result VariantDetails_Validate(int group,
+                                                 const QList<VariantDetails>& variants,
+                                                 qsizetype* problem = nullptr) const;
+    /// Folders of aircraft that repaints may be for, with what they are called: installed ones, and
+    /// those of this add-on.
+    [[nodiscard]] QList<std::pair<QString, QString>> aircraftToChooseFrom() const;
+
+    /// Whether the folder is that of the outside tool which takes the family's files: Traffic Tools
+    /// (TrafficTools) or the airport editor (Afcad).
+    [[nodiscard]] Result AI_InstallationChoices_ValidateFolder(MappedGroup family,
+                                                               const QString& folder) const;
     [[nodiscard]] static Result ValidateItemName(const QString& name);
     /// Whether another name may keep a file of that type from being found.
     [[nodiscard]] static bool renamingMayHarm(FileType type);
@@ -366,8 +396,14 @@ private:
     void makeDefaultVariant(InstallationGroup& group) const;
     [[nodiscard]] Result checkBaseAircraft(const QString& aircraft) const;
     void followAircraft(int aircraft);
+    [[nodiscard]] QList<int> relatedRepaints(MappedGroup family, int group) const;
+    [[nodiscard]] Result askRelated(MappedGroup family, int group, GroupChange& change);
+    void leaveBehind(int repaint, const QString& aircraft);
+    [[nodiscard]] bool isOriginalPanel(const InstallationGroup& group) const;
+    Result applyPictures();
     Result
     changeMethod(MappedGroup family, int index, InstallationMethod method, const QString& folder);
+    Result changeRelated(MappedGroup family, int index, const GroupChange& change);
     Result changeFolder(MappedGroup family, int index, const QString& folder);
     Result changeAircraft(int index, const QString& aircraftFolder);
     [[nodiscard]] bool usableFolder(const QString& folder) const;

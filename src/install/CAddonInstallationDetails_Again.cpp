@@ -158,11 +158,18 @@ void CAddonInstallationDetails::recordedAreas()
     }
 }
 
-/// Areas left the library when the add-on went to the File Cabinet: its scenery folders get theirs
-/// again.
+/// Areas left the library when the add-on went to the File Cabinet: those that it had come back
+/// under their titles. Without a record of them its scenery folders get some again.
 void CAddonInstallationDetails::storedAreas()
 {
     const GlobalRecord& global = m_context.global;
+    const auto recordedArea = [this](const QString& folder) -> const SceneryAreaRecord* {
+        for (const SceneryAreaRecord& area : m_recorded->areas) {
+            if (winpath::same(area.path, folder))
+                return &area;
+        }
+        return nullptr;
+    };
     QHash<NoCase, qsizetype> known;
     std::vector<InstallationGroup>& sceneries = groups(MappedGroup::Scenery);
     for (const CAddon_Item& item : m_addon->colAddonItems()) {
@@ -170,8 +177,11 @@ void CAddonInstallationDetails::storedAreas()
             !equalNoCase(winpath::name(item.sFolder_Installation), u"scenery"))
             continue;
         const QString area = winpath::parent(item.sFolder_Installation);
-        if (!winpath::isBelow(area, global.sceneryAddonFolder) ||
-            winpath::same(area, global.sceneryAddonFolder))
+        const SceneryAreaRecord* recorded = recordedArea(area);
+        const bool usual = m_recorded->areas.isEmpty() &&
+                           winpath::isBelow(area, global.sceneryAddonFolder) &&
+                           !winpath::same(area, global.sceneryAddonFolder);
+        if (!recorded && !usual)
             continue;
         if (!known.contains(NoCase{area})) {
             known.insert(NoCase{area}, qsizetype(sceneries.size()));
@@ -179,7 +189,7 @@ void CAddonInstallationDetails::storedAreas()
             group.family = MappedGroup::Scenery;
             group.name = winpath::name(area);
             group.targetFolder = area;
-            group.sceneryTitle = group.name;
+            group.sceneryTitle = recorded ? recorded->title : group.name;
             group.sceneryLibraryUpdate = true;
             sceneries.push_back(std::move(group));
         }

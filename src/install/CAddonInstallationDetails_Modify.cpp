@@ -243,7 +243,12 @@ Result CAddonInstallationDetails::changeAircraft(int index, const QString& aircr
 Result CAddonInstallationDetails::InstallationDetails_ModifyPerInstallationMethod(
     MappedGroup family, int group, InstallationMethod method, const QString& folder)
 {
-    return UpdateInstallationClass(family, group, {std::nullopt, method, folder, {}, {}, {}});
+    GroupChange change;
+    change.method = method;
+    change.folder = folder;
+    if (Result asked = askRelated(family, group, change); !asked)
+        return asked;
+    return UpdateInstallationClass(family, group, change);
 }
 
 Result CAddonInstallationDetails::InstallationDetails_Modify(MappedGroup family,
@@ -257,6 +262,8 @@ Result CAddonInstallationDetails::InstallationDetails_Modify(MappedGroup family,
     change.folder = folder;
     if (texture && folder.isEmpty())
         return Result::failure(u"No aircraft folder has been specified."_s);
+    if (Result asked = askRelated(family, group, change); !asked)
+        return asked;
     if (Result changed = UpdateInstallationClass(family, group, change); !changed || !texture)
         return changed;
     QList<int> unassigned;
@@ -286,9 +293,7 @@ Result CAddonInstallationDetails::UpdateInstallationClass(MappedGroup family,
     const std::vector<CAddon_Item> itemsBefore = m_addon->Clone_colAddonItems();
     std::vector<InstallationGroup> groupsBefore[mappedGroupCount];
     std::copy(std::begin(m_groups), std::end(m_groups), std::begin(groupsBefore));
-    const Result changed = change.method
-                               ? changeMethod(family, index, *change.method, change.folder)
-                               : Result::success();
+    const Result changed = change.method ? changeRelated(family, index, change) : Result::success();
     if (!changed) {
         m_addon->colAddonItems_Edit() = itemsBefore;
         std::copy(std::begin(groupsBefore), std::end(groupsBefore), std::begin(m_groups));
@@ -310,8 +315,10 @@ Result CAddonInstallationDetails::UpdateInstallationClass(MappedGroup family,
 void CAddonInstallationDetails::Scenery_InstallationDetails_ModifyPerSceneryLibraryUpdateSelection(
     int group, bool update, const QString& title)
 {
-    (void)UpdateInstallationClass(
-        MappedGroup::Scenery, group, {std::nullopt, std::nullopt, {}, update, title, {}});
+    GroupChange change;
+    change.sceneryLibraryUpdate = update;
+    change.sceneryTitle = title;
+    (void)UpdateInstallationClass(MappedGroup::Scenery, group, change);
 }
 
 void CAddonInstallationDetails::InstallationStatus_Modify(MappedGroup family,
@@ -322,6 +329,15 @@ void CAddonInstallationDetails::InstallationStatus_Modify(MappedGroup family,
         return;
     for (const qint32 key : std::as_const(groups(family)[size_t(group)].items))
         m_addon->edit(key)->boolProcess = install;
+}
+
+void CAddonInstallationDetails::AddonItems_InstallationStatus_Modify(const QList<qint32>& keys,
+                                                                     bool install)
+{
+    for (const qint32 key : keys) {
+        if (CAddon_Item* item = m_addon->edit(key))
+            item->boolProcess = install;
+    }
 }
 
 Result CAddonInstallationDetails::AddonItem_Rename(qint32 key, const QString& name)

@@ -108,6 +108,8 @@ Result CAddonInstallationDetails::applyOptions()
         return placed;
     if (Result renamed = applyRenamings(); !renamed)
         return renamed;
+    if (Result pictured = applyPictures(); !pictured)
+        return pictured;
     resolveConflicts();
     if (installTo() == InstallTo::Cabinet)
         AddonItemGroup_InstallationFolders_ProcessInstallToStorage();
@@ -209,8 +211,12 @@ Result CAddonInstallationDetails::applyMethods()
                     group.targetFolder.isEmpty() ? group.name : winpath::name(group.targetFolder));
                 folder += own + u'\\';
             }
-            if (Result changed = changeMethod(choice.family, index, choice.method, folder);
-                !changed)
+            GroupChange change;
+            change.method = choice.method;
+            change.folder = folder;
+            if (Result asked = askRelated(choice.family, index, change); !asked)
+                return asked;
+            if (Result changed = changeRelated(choice.family, index, change); !changed)
                 return changed;
         }
     }

@@ -5,6 +5,9 @@
 #include "platform/Gate.h"
 #include "platform/WinPath.h"
 #include "simconfig/CSceneryCfgMgr.h"
+#include "traffic/CAFCAD.h"
+#include "traffic/CTrafficTools.h"
+#include "traffic/OutsideTool.h"
 
 #include <algorithm>
 
@@ -38,6 +41,11 @@ QString variantProblem(const QString& name)
 QString libraryProblem(const QString& name)
 {
     return u"There is a problem with the scenery library configuration related to "_s + name;
+}
+
+Result selectFolderFirst()
+{
+    return Result::failure(u"Please select a valid folder first."_s);
 }
 
 /// Why a repaint cannot be installed; empty when it can.
@@ -118,6 +126,18 @@ Result CAddonInstallationDetails::AI_InstallationFolders_Validate() const
     if (Result traffic = InstallationFolders_Validate(MappedGroup::TrafficTools); !traffic)
         return traffic;
     return InstallationFolders_Validate(MappedGroup::Afcad);
+}
+
+Result CAddonInstallationDetails::AI_InstallationChoices_ValidateFolder(MappedGroup family,
+                                                                        const QString& folder) const
+{
+    const OutsideTool tool =
+        family == MappedGroup::Afcad ? CAFCAD::tool(m_context) : CTrafficTools::tool(m_context);
+    const Files& files = m_context.services.files;
+    if (!winpath::isAbsolute(folder) || !files.isFolder(folder))
+        return selectFolderFirst();
+    const Result whole = outsidetool::check(files, tool, winpath::asFolder(folder));
+    return whole ? whole : Result::failure(tool.invalid + u' ' + whole.text);
 }
 
 Result CAddonInstallationDetails::Options_InstallationChoices_Validate() const

@@ -4,7 +4,6 @@
 
 #include "addondb/AddonDatabase.h"
 #include "addondb/JournalTable.h"
-#include "addondb/Pictures.h"
 #include "platform/Gate.h"
 #include "platform/TempFolder.h"
 #include "platform/Text.h"
@@ -146,6 +145,7 @@ bool CAddonInstaller::runSteps(
     if (reached) {
         (void)step(u"Private Sub AirportFiles_Install"_s, &I::AirportFiles_Install);
         (void)step(u"Private Sub Picture_Store"_s, &I::Picture_Store);
+        (void)step(u"Private Sub ItemPictures_Store"_s, &I::ItemPictures_Store);
         (void)step(u"Private Sub SourceZipFile_Archive"_s, &I::SourceZipFile_Archive);
         (void)step(u"Private Sub SourceFiles_Delete"_s, &I::SourceFiles_Delete);
     }
@@ -237,17 +237,6 @@ Result CAddonInstaller::AddonMasterTable_CreateAddonRecord()
     m_record.sourceType = vt::SourceType(addon.lngSource_Type);
     m_record.sourceTotalFiles = addon.lngSource_Total_Files;
     return m_actions->begin(OperationKind::Installation, m_record.name);
-}
-
-Result CAddonInstaller::Picture_Store()
-{
-    const QString& file = m_details.options().pictureFile;
-    if (file.isEmpty())
-        return Result::success();
-    Result stored = pictures::storeAddonPicture(m_context, m_database, m_record.key, file);
-    if (!stored)
-        m_results.add(resultgroup::failedSpecialActions, stored.text);
-    return stored;
 }
 
 Result CAddonInstaller::SourceZipFile_Archive()

@@ -150,6 +150,9 @@ private:
     Result Changes_Apply();
     Result AirportFiles_Install();
     Result Picture_Store();
+    Result ItemPictures_Store();
+    Result storePicture(const InstallationGroup& group);
+    [[nodiscard]] QStringList sectionsOf(const InstallationGroup& group, QString& file) const;
     Result SourceZipFile_Archive();
     Result SourceFiles_Delete();
     void Install_End();
@@ -165,6 +168,7 @@ private:
     [[nodiscard]] bool isCovered(const CAddon_Item& item) const;
     Result setAsideChanged(const QString& target);
     Result recordAgain();
+    Result recordPanelPictures();
     void noteChecksBefore();
     Result recordInPlace();
     Result recordVariantData();
@@ -232,6 +236,7 @@ private:
     Result recordMadeFolders();
     [[nodiscard]] DetailRecord variantDataRow() const;
     Result recordAreas(const QList<DetailRecord>& details);
+    Result recordStoredAreas(const QList<DetailRecord>& details);
     void applyFailures(const QList<StepFailure>& failures);
     [[nodiscard]] Result nothingInstalled() const;
     void dropNeedlessOriginals();

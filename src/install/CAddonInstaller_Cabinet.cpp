@@ -103,7 +103,8 @@ Result CAddonInstaller::forgetStored(const QString& why)
                   u"An error occurred adding files to the File Cabinet."_s);
     m_results.addCause(m_archive, why);
     const qint64 key = m_record.key;
-    for (auto* forget : {&deleteDetailsOf, &deleteDescription, &deleteMaster}) {
+    for (auto* forget :
+         {&deleteDetailsOf, &deleteSceneryAreasOf, &deleteDescription, &deleteMaster}) {
         if (Result gone = forget(m_database, key); !gone)
             m_context.errors.report(u"Private Sub Install_AddToCabinetZip"_s, gone.text);
     }

@@ -279,6 +279,8 @@ Result CAddonInstaller::recordFiles()
 
     if (Result recorded = recordMadeFolders(); !recorded)
         return recorded;
+    if (toCabinet())
+        return recordStoredAreas(details);
     return m_details.recorded() ? recordAreasAgain(details) : recordAreas(details);
 }
 
@@ -323,6 +325,31 @@ Result CAddonInstaller::recordAreas(const QList<DetailRecord>& details)
                 break;
             }
         }
+        rows.push_back(row);
+    }
+    return rows.isEmpty() ? Result::success()
+                          : modDatabase_Addon::addSceneryAreas(m_database, rows);
+}
+
+/// Of an add-on that goes to the File Cabinet: the areas that it is to get when it comes out.
+Result CAddonInstaller::recordStoredAreas(const QList<DetailRecord>& details)
+{
+    const auto there = m_details.Clone();
+    there->Options_InstallationDetails_ModifyInstallationMethod(InstallTo::Simulator);
+    const QList<SceneryAreaToAdd> areas = there->facts().library.areas;
+    QList<SceneryAreaRecord> rows;
+    for (const SceneryAreaToAdd& area : areas) {
+        SceneryAreaRecord row;
+        row.masterKey = m_record.key;
+        row.path = area.folder;
+        row.title = area.title;
+        const auto inside = [&](const DetailRecord& detail) {
+            return winpath::isBelow(detail.location, row.path);
+        };
+        const auto first = std::find_if(details.cbegin(), details.cend(), inside);
+        if (first == details.cend())
+            continue;
+        row.detailKey = first->key;
         rows.push_back(row);
     }
     return rows.isEmpty() ? Result::success()

@@ -2,6 +2,7 @@
 // the add-on had replaced stays kept, and the records are updated in place. From the File Cabinet:
 // an installation under the old key, whose rows are new, because it now lies on top of others.
 #include "addondb/AddonDatabase.h"
+#include "addondb/Pictures.h"
 #include "install/AircraftEdits.h"
 #include "install/CAddonInstaller.h"
 #include "platform/Gate.h"
@@ -148,8 +149,7 @@ Result CAddonInstaller::recordAgain()
         return recordInPlace();
     using namespace modDatabase_Addon;
     const qint64 key = m_record.key;
-    for (auto* forget :
-         {&deleteOriginalsOf, &deleteDetailsOf, &deleteSceneryAreasOf, &deletePicturesOf}) {
+    for (auto* forget : {&deleteOriginalsOf, &deleteDetailsOf, &deleteSceneryAreasOf}) {
         if (Result gone = forget(m_database, key); !gone)
             return gone;
     }
@@ -159,7 +159,28 @@ Result CAddonInstaller::recordAgain()
         return completed.error();
     if (Result recorded = recordFiles(); !recorded)
         return recorded;
+    if (Result recorded = recordPanelPictures(); !recorded)
+        return recorded;
     return recordAircraft();
+}
+
+/// Thumbnails that a panel had before it went to the File Cabinet.
+Result CAddonInstaller::recordPanelPictures()
+{
+    for (const File& file : m_files) {
+        if (file.code != InstallCode::Installed ||
+            file.item->enumAddonFileType != FileType::PanelConfiguration)
+            continue;
+        ItemDetailRecord row;
+        row.item = targetOf(*file.item);
+        const QString picture = pictures::itemThumbnail(m_context.global, row.item, {});
+        if (picture.isEmpty() || !m_context.services.files.isFile(picture) ||
+            modDatabase_Addon::itemDetail(m_database, ItemTable::Panel, row.item))
+            continue;
+        if (Result set = modDatabase_Addon::setItemDetail(m_database, ItemTable::Panel, row); !set)
+            return set;
+    }
+    return Result::success();
 }
 
 /// They come back for files that cannot be put in their place.

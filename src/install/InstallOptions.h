@@ -50,6 +50,13 @@ struct Renaming
     QString installedName;
 };
 
+/// A picture for every group of a family.
+struct PictureChoice
+{
+    MappedGroup family = MappedGroup::None;
+    QString file; ///< full path
+};
+
 struct InstallOptions
 {
     std::optional<QString> name;
@@ -77,7 +84,8 @@ struct InstallOptions
     bool linksConfirmed = false;
     /// The key that the add-on will get, so that a plan shows the very lines; 0: not known.
     qint64 masterKey = 0;
-    QString pictureFile;         ///< of the add-on, a file of the user's; or empty
+    QString pictureFile; ///< of the add-on, a file of the user's; or empty
+    QList<PictureChoice> pictures;
     bool startSimulator = false; ///< afterwards; for the front end, which asks
     QString archiveSourceFolder; ///< the source archive goes there afterwards; empty: stays
     bool deleteSource = false;

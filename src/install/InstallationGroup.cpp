@@ -53,6 +53,12 @@ QString problemWord(MappedGroup family)
     return rules ? rules->problemWord.toString() : u"A.I. traffic"_s;
 }
 
+bool takesPicture(MappedGroup family)
+{
+    return family == MappedGroup::Aircraft || family == MappedGroup::Panel ||
+           family == MappedGroup::Texture || family == MappedGroup::Scenery;
+}
+
 QString methodWord(InstallationMethod method)
 {
     switch (method) {

@@ -7,6 +7,7 @@
 #include "shell/GlobalRecord.h"
 #include "shell/SettingsTable.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -49,6 +50,8 @@ struct FamilyRules
 /// Null for None and for what no page decides by groups.
 [[nodiscard]] const FamilyRules* familyRules(MappedGroup family);
 [[nodiscard]] QList<MappedGroup> ruledFamilies();
+/// Aircraft, panels, repaints and scenery.
+[[nodiscard]] bool takesPicture(MappedGroup family);
 
 /// The families in the order of their pages; flight plans stand for airport files too.
 [[nodiscard]] QList<MappedGroup> pageFamilies();
@@ -87,6 +90,21 @@ struct AircraftPart
     QString wanted;       ///< the name when nobody has taken it
 };
 
+/// The picture that the aircraft, panel, repaint or scenery of a group is to get.
+struct GroupPicture
+{
+    enum class Kind : quint8
+    {
+        None,
+        File,      ///< a file of the user's
+        Clipboard, ///< what lay in the clipboard
+    };
+
+    Kind kind = Kind::None;
+    QString file;    ///< full path, when it is one
+    QByteArray jpeg; ///< the preview, made already
+};
+
 struct InstallationGroup
 {
     MappedGroup family = MappedGroup::None;
@@ -105,7 +123,8 @@ struct InstallationGroup
     QString sceneryTitle;
     QList<VariantDetails> variants;
     QList<AircraftPart> parts; ///< texture groups
-    QList<qint32> items;       ///< keys, in the add-on's order
+    GroupPicture picture;
+    QList<qint32> items; ///< keys, in the add-on's order
 
     /// Installed as a new skin: the group cannot go without an aircraft folder.
     [[nodiscard]] bool asRepaint() const

@@ -7,6 +7,7 @@
 #include "addondb/JournalTable.h"
 #include "addondb/Pictures.h"
 #include "catalogue/UsedFiles.h"
+#include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "shell/RunStep.h"
 #include "shell/Settings.h"
@@ -352,10 +353,26 @@ bool CAddonRemover::goesRow(qint64 detailKey) const
 }
 
 /// They go with the record; one that stays, in the File Cabinet or because something failed, keeps
-/// them.
+/// them. Those of aircraft and panels go with these.
 Result CAddonRemover::Pictures_Delete()
 {
-    if (!m_whole || m_closing.toCabinet || !m_closing.failed.isEmpty())
+    for (const File& file : m_files) {
+        const QString path = file.detail.location + file.detail.name;
+        if (takesAway() && file.outcome == RemovalOutcome::Removed &&
+            (equalNoCase(file.detail.name, u"aircraft.cfg") ||
+             equalNoCase(file.detail.name, u"panel.cfg")) &&
+            !m_actions->info(path))
+            m_itemsGone.append(path);
+    }
+    if (m_closing.toCabinet)
+        return Result::success();
+    for (const QString& path : std::as_const(m_itemsGone)) {
+        if (Result gone = pictures::deleteItemThumbnails(
+                *m_actions, m_context.services.files, m_context.global, path);
+            !gone)
+            return gone;
+    }
+    if (!m_whole || !m_closing.failed.isEmpty())
         return Result::success();
     return pictures::deleteAddonPictures(
         *m_actions, m_context.services.files, m_context.global, m_masterKey);

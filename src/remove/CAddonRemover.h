@@ -222,6 +222,7 @@ private:
     std::vector<CabinetFile> m_collected; ///< what is moved or copied
     QSet<NoCase> m_recreatedNames;
     QStringList m_recreated; ///< files that were written to the user's folder
+    QStringList m_itemsGone; ///< aircraft.cfg and panel.cfg files that go from the simulator
     bool m_areaStays = false;
     QHash<qint64, Fingerprint> m_checks;
     QHash<qint64, OriginalRecord> m_originals;

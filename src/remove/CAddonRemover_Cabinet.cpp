@@ -318,7 +318,7 @@ void CAddonRemover::leaveRecordsOnly()
     const ResultOf<QList<SceneryAreaRecord>> areas =
         modDatabase_Addon::sceneryAreasOf(m_database, m_masterKey);
     // The entries stay: the old bytes must not come back with another add-on's removal.
-    if (areas && !areas->isEmpty())
+    if (!m_inCabinet && areas && !areas->isEmpty())
         dropConfigBase(m_context.global.sceneryCfgFile, true);
     const ConfigAccess access(*m_actions, m_context.services.prompts, m_context.services.ansi);
     for (const QString& file : addonvariations::files(access, m_details))

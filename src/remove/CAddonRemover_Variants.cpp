@@ -9,6 +9,7 @@
 #include "simconfig/AddonVariations.h"
 #include "simconfig/AircraftSections.h"
 #include "simconfig/ConfigFacts.h"
+#include "simconfig/VariationPictures.h"
 
 #include <utility>
 
@@ -135,6 +136,7 @@ Result CAddonRemover::removeVariantsFrom(const QString& file)
                 lost.removeOne(title);
             if (lost.isEmpty()) {
                 tell(true); // with the old bytes
+                (void)variationpictures::remove(*m_actions, m_context.global, file, sections);
                 return Result::success();
             }
             // The old bytes know nothing of what others added since: only our sections go.
@@ -293,7 +295,7 @@ Result CAddonRemover::recordVariants()
         if (Result written = modDatabase_Addon::setOriginal(m_database, original); !written)
             return written;
     }
-    // Rows of whole aircraft that go.
+    // Rows of whole aircraft and panels that go.
     for (const File& file : m_files) {
         if (!takesAway())
             break;
@@ -302,6 +304,13 @@ Result CAddonRemover::recordVariants()
             continue;
         if (Result gone = modDatabase_Addon::deleteItemDetail(
                 m_database, ItemTable::Aircraft, file.detail.location + file.detail.name);
+            !gone)
+            return gone;
+    }
+    for (const QString& path : std::as_const(m_itemsGone)) {
+        if (equalNoCase(winpath::name(path), u"aircraft.cfg"))
+            continue;
+        if (Result gone = modDatabase_Addon::deleteItemDetail(m_database, ItemTable::Panel, path);
             !gone)
             return gone;
     }

@@ -1,11 +1,10 @@
 #include "simconfig/VariationPictures.h"
 
+#include "addondb/Pictures.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
 
 #include <QSet>
-
-using namespace Qt::StringLiterals;
 
 namespace vt::variationpictures {
 
@@ -13,51 +12,35 @@ namespace {
 
 constexpr qint64 pictureLimit = 64 << 20;
 
-/// Full paths of the pictures of a section.
-QStringList picturesOf(FileActions& actions, const QString& folder, const QString& section)
+/// The section's own folder as well.
+Result removeOne(FileActions& actions, const QString& path)
 {
-    QStringList paths;
-    for (const QStringView extension : {u".jpg", u".jpeg", u".png", u".bmp", u".gif"}) {
-        const QString path = folder + section + extension.toString();
-        if (actions.info(path))
-            paths.append(path);
-    }
-    return paths;
+    if (Result gone = actions.remove(path); !gone)
+        return gone;
+    return actions.removeEmptyFolder(winpath::parent(path));
 }
 
 } // namespace
-
-QString folder(const GlobalRecord& global, const QString& configurationFile)
-{
-    const QString aircraft = winpath::parent(configurationFile);
-    if (global.imagesFolder.isEmpty() || global.simulatorFolder.isEmpty() ||
-        !winpath::isBelow(aircraft, global.simulatorFolder))
-        return {};
-    return global.imagesFolder + u"Aircraft\\"_s +
-           winpath::relativeTo(aircraft, global.simulatorFolder);
-}
 
 Result rename(FileActions& actions,
               const GlobalRecord& global,
               const QString& configurationFile,
               const aircraftsections::Renames& renames)
 {
-    const QString place = folder(global, configurationFile);
-    if (place.isEmpty() || !actions.info(place))
-        return Result::success();
     QList<std::pair<QString, QByteArray>> moved;
     QStringList sources;
     QSet<NoCase> targets;
     for (const aircraftsections::Rename& rename : renames) {
-        for (const QString& path : picturesOf(actions, place, rename.before)) {
-            ResultOf<QByteArray> bytes = actions.read(path, pictureLimit);
-            if (!bytes)
-                return bytes.error();
-            const QString target = place + rename.after + u'.' + winpath::extension(path);
-            sources.append(path);
-            targets.insert(NoCase{target});
-            moved.append({target, *bytes});
-        }
+        const QString path = pictures::itemThumbnail(global, configurationFile, rename.before);
+        if (path.isEmpty() || !actions.info(path))
+            continue;
+        ResultOf<QByteArray> bytes = actions.read(path, pictureLimit);
+        if (!bytes)
+            return bytes.error();
+        const QString target = pictures::itemThumbnail(global, configurationFile, rename.after);
+        sources.append(path);
+        targets.insert(NoCase{target});
+        moved.append({target, *bytes});
     }
     for (const auto& [path, bytes] : std::as_const(moved)) {
         if (Result written = actions.replace(path, bytes); !written)
@@ -66,7 +49,7 @@ Result rename(FileActions& actions,
     for (const QString& path : std::as_const(sources)) {
         if (targets.contains(NoCase{path}))
             continue;
-        if (Result gone = actions.remove(path); !gone)
+        if (Result gone = removeOne(actions, path); !gone)
             return gone;
     }
     return Result::success();
@@ -77,14 +60,12 @@ Result remove(FileActions& actions,
               const QString& configurationFile,
               const QStringList& sections)
 {
-    const QString place = folder(global, configurationFile);
-    if (place.isEmpty() || !actions.info(place))
-        return Result::success();
     for (const QString& section : sections) {
-        for (const QString& path : picturesOf(actions, place, section)) {
-            if (Result gone = actions.remove(path); !gone)
-                return gone;
-        }
+        const QString path = pictures::itemThumbnail(global, configurationFile, section);
+        if (path.isEmpty() || !actions.info(path))
+            continue;
+        if (Result gone = removeOne(actions, path); !gone)
+            return gone;
     }
     return Result::success();
 }

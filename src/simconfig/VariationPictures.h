@@ -1,6 +1,5 @@
-// Pictures of single variations: files named after sections ("fltsim.2.jpg") in a folder below
-// "Images\Aircraft\" that mirrors the aircraft's place in the simulator. Only following a section's
-// number is known here, not how pictures come to be.
+// Thumbnails of single variations follow the numbers of their sections, and go with them. How they
+// come to be is addondb/Pictures' matter.
 #pragma once
 
 #include "platform/FileActions.h"
@@ -11,9 +10,6 @@
 #include <QStringList>
 
 namespace vt::variationpictures {
-
-/// "...\Images\Aircraft\SimObjects\Airplanes\Cub\"; empty for an aircraft outside the simulator.
-[[nodiscard]] QString folder(const GlobalRecord& global, const QString& configurationFile);
 
 /// All at once, so that names may be exchanged.
 Result rename(FileActions& actions,

@@ -80,11 +80,18 @@ ResultOf<QString> locate(Context& context, const OutsideTool& tool)
         context.services.prompts.ask(invalidConfiguration(tool, whole.text));
         return Result::failure(tool.invalid + u' ' + whole.text);
     }
-    if (asks) {
-        context.services.gate.setRoot(tool.root, folder);
-        (void)context.settings.setText(tool.setting, folder);
-    }
+    if (asks)
+        (void)remember(context, tool, folder); // it serves this time in any case
     return folder;
+}
+
+Result remember(Context& context, const OutsideTool& tool, const QString& folder)
+{
+    context.services.gate.setRoot(tool.root, folder);
+    if (context.settings.setText(tool.setting, folder))
+        return Result::success();
+    return Result::failure(u"The folder of "_s + tool.title +
+                           u" could not be kept in the settings, so it will be asked for again."_s);
 }
 
 QString complaint(Context& context, const QString& program, const ProcessEnd& end)

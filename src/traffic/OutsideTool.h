@@ -40,6 +40,9 @@ namespace outsidetool {
 /// the user named none.
 [[nodiscard]] ResultOf<QString> locate(Context& context, const OutsideTool& tool);
 
+/// Keeps a folder that was checked in the settings; from now on it may be written.
+Result remember(Context& context, const OutsideTool& tool, const QString& folder);
+
 /// Why a finished process did not do its work; empty when it ended well. A crash is announced too
 /// ("Unexpected Error").
 [[nodiscard]] QString complaint(Context& context, const QString& program, const ProcessEnd& end);

@@ -3,9 +3,11 @@
 #include "addondb/AddonDatabase.h"
 #include "demo/OverlappingPacks.h"
 #include "demo/SampleAddons.h"
+#include "demo/StandIns.h"
 #include "flow/FlowWorld.h"
 #include "platform/WinPath.h"
 #include "simconfig/CAircraft.h"
+#include "support/Disk.h"
 #include "support/TestMain.h"
 
 #include <QRandomGenerator>
@@ -155,6 +157,52 @@ private Q_SLOTS:
         QVERIFY(m_world->remove(*key));
         QVERIFY(!m_world->anyFailed);
         QCOMPARE(since(m_beginning), QStringList());
+    }
+
+    /// What the user gave an add-on survives the File Cabinet; what the installation gave the
+    /// simulator's lists goes with the aircraft.
+    void picturesAndTitles_surviveTheFileCabinet()
+    {
+        using namespace modDatabase_Addon;
+        const QString shot = m_dir->filePath(u"shot.bmp"_s);
+        writeHostFile(shot, standins::picture(400, 100, 7));
+        DemoFiles files = sampleAddon(u"heron-h2-main"_s).files;
+        for (const DemoFile& file : sampleAddon(u"harbour-scenery"_s).files)
+            files += DemoFile{u"Scenery of it/"_s + file.path, file.bytes};
+        InstallOptions options;
+        options.sceneryTitle = u"My own title"_s;
+        const QString picture = m_world->drives.toWindows(shot);
+        options.pictures = {{MappedGroup::Aircraft, picture}, {MappedGroup::Panel, picture}};
+        const auto key = m_world->install(writePack(m_dir->path(), u"heron"_s, files), options);
+        QVERIFY2(key.ok(), qPrintable(key.text));
+        QCOMPARE(m_world->results.texts(resultgroup::failedSpecialActions), QStringList());
+        const QString images = m_world->global.imagesFolder;
+        const QStringList pictured = m_world->files.filesBelow(images);
+        QCOMPARE(pictured.size(), 4); // the add-on's, two variations, a panel
+        QVERIFY(picturesOf(*m_world->database, *key)->first().primary);
+        const auto titles = [&] {
+            QStringList out;
+            const auto areas = sceneryAreasOf(*m_world->database, *key);
+            for (const SceneryAreaRecord& area : *areas)
+                out.append(area.title);
+            return out;
+        };
+        QCOMPARE(titles().count(u"My own title"_s), 2);
+
+        RemovalOptions toCabinet;
+        toCabinet.method = RemovalMethod::FileCabinet;
+        QVERIFY(m_world->remove(*key, toCabinet));
+        QCOMPARE(since(m_beginning), QStringList());
+        QVERIFY(sceneryAreas(*m_world->database)->isEmpty()); // none is in the library
+        QVERIFY(m_world->reinstall(*key));
+        QCOMPARE(titles(), (QStringList{u"My own title"_s, u"My own title"_s}));
+        QVERIFY(m_world->files.read(m_world->global.sceneryCfgFile, 1 << 20)
+                    ->contains("Title=My own title"));
+        QCOMPARE(picturesOf(*m_world->database, *key)->size(), 1);
+        QCOMPARE(m_world->files.filesBelow(images), pictured);
+        QVERIFY(m_world->remove(*key));
+        QCOMPARE(since(m_beginning), QStringList());
+        QCOMPARE(m_world->files.filesBelow(images), QStringList());
     }
 
     void changedFile_isAskedAbout_andKept()

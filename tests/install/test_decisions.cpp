@@ -1,6 +1,7 @@
 // What a user decides about the groups of an add-on: every method of every family, and back; files
 // that follow others; questions that belong to decisions.
 #include "PlanWorld.h"
+#include "demo/StandIns.h"
 #include "support/TestMain.h"
 
 using namespace Qt::StringLiterals;
@@ -54,6 +55,9 @@ private Q_SLOTS:
     void methods();
     void defaults_comeFromTheSettings();
     void repaint_getsAFreeFolder_andTheOthersFollowWhenAsked();
+    void relatedAircraft_followWhenAsked_data();
+    void relatedAircraft_followWhenAsked();
+    void pictures_areMadeOrRefused();
     void files_followOthers();
     void failedChange_changesNothing();
     void renaming_asksWhereNamesMatter();
@@ -64,6 +68,7 @@ private Q_SLOTS:
 void TestDecisions::everyMethod_placesTheGroup_andLeadsBack()
 {
     PlanWorld world;
+    world.prompts.defaultsBeyondQueue = true; // repaints go with their aircraft
     CAddonInstallationDetails details(world.context);
     QVERIFY(details.prepare(world.makeSource(u"all.zip"_s, everything), {}).ok);
     const QStringList proposed = world.targets(details);
@@ -157,6 +162,7 @@ void TestDecisions::methods()
     QFETCH(QString, folder);
     QFETCH(QStringList, expected);
     PlanWorld world;
+    world.prompts.defaultsBeyondQueue = true; // repaints go with their aircraft
     InstallOptions options;
     for (const MappedGroup ruled : ruledFamilies()) {
         if (mappedGroupName(ruled) == family)
@@ -229,6 +235,77 @@ void TestDecisions::repaint_getsAFreeFolder_andTheOthersFollowWhenAsked()
     world.writeInSimulator(u"SimObjects/Airplanes/Empty/aircraft.cfg"_s, "[General]\r\n");
     QCOMPARE(refusal(u"C:\\FSX\\SimObjects\\Airplanes\\Empty"_s),
              u"Cound not determine new aircraft variant defaults."_s);
+}
+
+void TestDecisions::relatedAircraft_followWhenAsked_data()
+{
+    QTest::addColumn<bool>("byOption");
+    QTest::addColumn<Button>("answer");
+    for (const bool byOption : {false, true}) {
+        const QByteArray way = byOption ? "option, " : "page, ";
+        QTest::newRow(way + "yes") << byOption << Button::Yes;
+        QTest::newRow(way + "no") << byOption << Button::No;
+        QTest::newRow(way + "cancel") << byOption << Button::Cancel;
+    }
+}
+
+/// The repaint in "everything" adds its section to the aircraft's configuration file.
+void TestDecisions::relatedAircraft_followWhenAsked()
+{
+    QFETCH(const bool, byOption);
+    QFETCH(const Button, answer);
+    PlanWorld world;
+    const QString mine = u"C:\\FSX\\SimObjects\\Airplanes\\Mine"_s;
+    const QString source = world.makeSource(u"all.zip"_s, everything);
+    CAddonInstallationDetails details(world.context);
+    InstallOptions options;
+    if (byOption)
+        options.methods = {{MappedGroup::Aircraft, InstallationMethod::ChosenFolder, mine}};
+    else
+        QVERIFY(details.prepare(source, {}).ok);
+    const QStringList before = byOption ? QStringList() : world.targets(details);
+    world.prompts.expect(u"Apply Change to all Related Aircraft?"_s, answer);
+    const Result changed = byOption
+                               ? details.prepare(source, options)
+                               : details.InstallationDetails_Modify(MappedGroup::Aircraft, 0, mine);
+    QCOMPARE(changed.kind, answer == Button::Cancel ? ErrorKind::Declined : ErrorKind::None);
+    if (answer == Button::Cancel) {
+        if (!byOption)
+            QCOMPARE(world.targets(details), before);
+        return;
+    }
+    const QString painted = details.addon().SearchByName(u"a.dds")->sFolder_Installation;
+    QCOMPARE(painted.startsWith(mine + u'\\'), answer == Button::Yes);
+    QCOMPARE(details.addon().SearchByName(u"kit.air")->sFolder_Installation, mine + u'\\');
+    // The aircraft that the repaint stayed with comes to nobody's simulator.
+    QCOMPARE(details.InstallationChoices_Validate(MappedGroup::Texture).ok, answer == Button::Yes);
+    QVERIFY(details.InstallationDetails_Modify(MappedGroup::Texture, 0, mine).ok);
+    QVERIFY(details.InstallationChoices_Validate(MappedGroup::Texture).ok);
+}
+
+void TestDecisions::pictures_areMadeOrRefused()
+{
+    PlanWorld world;
+    SourceFiles files = everything;
+    files.push_back({u"Kit/panel.alias/panel.cfg"_s, "[fltsim]\r\nalias=Other\\panel\r\n"});
+    CAddonInstallationDetails details(world.context);
+    QVERIFY(details.prepare(world.makeSource(u"all.zip"_s, files), {}).ok);
+    int alias = 0;
+    while (details.groups(MappedGroup::Panel)[size_t(alias)].name != u"panel.alias")
+        ++alias;
+    const QByteArray picture = standins::picture(400, 100, 7);
+    world.write(u"shot.bmp"_s, picture);
+    QCOMPARE(details.Picture_SetFromFile(MappedGroup::Aircraft, 0, u"C:\\shot.bmp"_s).text,
+             u"Other picture assigned to aircraft."_s);
+    QVERIFY(details.groups(MappedGroup::Aircraft)[0].picture.jpeg.startsWith("\xFF\xD8"));
+    QCOMPARE(details.Picture_SetFromClipboard(MappedGroup::Panel, alias, picture).text,
+             u"Clipboard picture assigned to panel.alias"_s);
+    QVERIFY(!details.Picture_SetFromClipboard(MappedGroup::Panel, alias, "none").ok);
+    QCOMPARE(details.Picture_Clear(MappedGroup::Panel, alias).text,
+             u"You can only clear the pictures of original panel definitions."_s);
+    QVERIFY(!details.groups(MappedGroup::Panel)[size_t(alias)].picture.jpeg.isEmpty());
+    QCOMPARE(details.Picture_Clear(MappedGroup::Aircraft, 0).text, u"Picture was cleared."_s);
+    QVERIFY(!details.Picture_SetFromClipboard(MappedGroup::Sound, 0, picture).ok);
 }
 
 void TestDecisions::files_followOthers()

@@ -371,6 +371,7 @@ void TestPlan::methods_moveTheGroup()
 void TestPlan::aircraftFolder_takesItsPartsAlong()
 {
     PlanWorld world;
+    world.prompts.defaultsBeyondQueue = true; // repaints go with their aircraft
     CAddonInstallationDetails details(world.context);
     const QString source = world.makeSource(u"c.zip"_s,
                                             {{u"C/aircraft.cfg"_s, aircraftCfg("C", "c")},

@@ -2,9 +2,9 @@
 #include "AircraftWorld.h"
 #include "addondb/AddonDatabase.h"
 #include "addondb/JournalTable.h"
+#include "addondb/Pictures.h"
 #include "platform/FileTransaction.h"
 #include "simconfig/InstalledTitles.h"
-#include "simconfig/VariationPictures.h"
 #include "support/Rows.h"
 #include "support/TestMain.h"
 
@@ -307,23 +307,23 @@ private Q_SLOTS:
     {
         VariantWorld world;
         const QString file = world.windows(kestrelCfg);
-        const QString pictures = variationpictures::folder(world.global, file);
-        QCOMPARE(pictures, u"P:\\program\\Images\\Aircraft\\SimObjects\\Airplanes\\Kestrel_K2\\"_s);
+        const auto picture = [&](const QString& section) {
+            return pictures::itemThumbnail(world.global, file, section);
+        };
         for (int i = 0; i < 3; ++i) {
             ItemDetailRecord record;
             record.item = file;
             record.section = u"fltsim."_s + QString::number(i);
             record.custom[0] = QString::number(i);
             QVERIFY(modDatabase_Addon::setItemDetail(*world.database, ItemTable::Aircraft, record));
-            QVERIFY(world.actions.replace(pictures + record.section + u".jpg"_s,
-                                          QByteArray::number(i)));
+            QVERIFY(world.actions.replace(picture(record.section), QByteArray::number(i)));
         }
         // What a section has of its own: record, picture.
         const auto owned = [&](const QString& section) {
             const auto row =
                 modDatabase_Addon::itemDetail(*world.database, ItemTable::Aircraft, file, section);
-            const auto picture = world.actions.read(pictures + section + u".jpg"_s, 100);
-            return (row ? row->custom[0].toLatin1() : "-") + picture.value.value_or("-");
+            const auto bytes = world.actions.read(picture(section), 100);
+            return (row ? row->custom[0].toLatin1() : "-") + bytes.value.value_or("-");
         };
         CAircraft aircraft = world.loaded(u"fltsim.0"_s);
         const auto removed = aircraft.Variant_Remove_All({u"fltsim.0"_s}, world.global);

@@ -470,6 +470,19 @@ constexpr SettingRow settingRows[] = {
             u"Confirmed Links",
             u"",
             "links out of the simulator's folder that may be used: link|where it leads|..."),
+    textRow(Section::Display,
+            u"Main Window Place",
+            u"",
+            "\"left,top,width,height\" of the main window on the screen"),
+    textRow(Section::ProgramIdentity, u"Web Site", u"", "address of the maker's web site"),
+    textRow(Section::ProgramIdentity,
+            u"Simulator Web Site",
+            u"",
+            "address of the simulator's web site"),
+    textRow(Section::ProgramIdentity,
+            u"Bug Report Address",
+            u"",
+            "web or mail address that bug reports go to"),
 };
 
 static_assert(std::size(settingRows) == static_cast<size_t>(SettingKey::Count));
@@ -529,6 +542,7 @@ constexpr SettingRow layoutRows[] = {
               "recent items kept: 1, 3, 5, 10, 30 or 50"),
     flagRow(anyWindow, u"Files - Default Select All", true, "files begin selected"),
     flagRow(anyWindow, u"Zip - Default Select All", true, "archive entries begin selected"),
+    textRow(anyWindow, u"Window Place", u"", "\"left,top,width,height\" in the main window"),
     textRow(anyWindow, u"Current Columns", u"", "\"name:width\" of each column, joined by \"|\""),
     numberRow(
         anyWindow, u"View Type", u"0", upTo(3), "0 details, 1 list, 2 small icons, 3 large icons"),

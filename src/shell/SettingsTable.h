@@ -180,6 +180,10 @@ enum class SettingKey : quint8
     ReportMethod,
     ReportPromptForPath,
     ConfirmedLinks,
+    MainWindowPlace,
+    WebSite,
+    SimulatorWebSite,
+    BugReportAddress,
     Count,
 };
 
@@ -200,6 +204,7 @@ enum class LayoutValue : quint8
     RecentMaximumItems,
     FilesDefaultSelectAll,
     ZipDefaultSelectAll,
+    WindowPlace,
     // List-view values: formed with a view's prefix.
     CurrentColumns,
     ViewType,

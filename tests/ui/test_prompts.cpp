@@ -26,7 +26,6 @@ private Q_SLOTS:
     void keys_answer();
     void everything_isShown();
     void checkBox_isASecondAnswer();
-    void ownWindow_comesFirst();
     void choice_andText();
 };
 
@@ -127,19 +126,6 @@ void TestPrompts::checkBox_isASecondAnswer()
     const CheckedAnswer answer = prompts.askChecked(prompt);
     QCOMPARE(answer.button, Button::Yes);
     QVERIFY(answer.checked);
-}
-
-void TestPrompts::ownWindow_comesFirst()
-{
-    QtPrompts prompts;
-    prompts.ownWindow = [](QWidget*, const Prompt& prompt) -> std::optional<Button> {
-        return prompt.buttonTexts.isEmpty() ? std::nullopt : std::optional(Button::YesToAll);
-    };
-    Prompt prompt = yesNo(u"Caption"_s, u"Text"_s, Button::No);
-    whenOpen([](QWidget* box) { QTest::keyClick(box, Qt::Key_Return); });
-    QCOMPARE(prompts.ask(prompt), Button::No);
-    prompt.buttonTexts = {u"One."_s, u"Two."_s};
-    QCOMPARE(prompts.ask(prompt), Button::YesToAll);
 }
 
 void TestPrompts::choice_andText()

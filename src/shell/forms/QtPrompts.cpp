@@ -1,5 +1,7 @@
 #include "shell/forms/QtPrompts.h"
 
+#include "shell/forms/frmYesYesToAllNoNoToAllCancel.h"
+
 #include <QApplication>
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -149,9 +151,8 @@ CheckedAnswer QtPrompts::show(const Prompt& prompt)
 
 Button QtPrompts::ask(const Prompt& prompt)
 {
-    if (ownWindow)
-        if (const std::optional<Button> answer = ownWindow(parent(), prompt))
-            return *answer;
+    if (prompt.replacing)
+        return frmYesYesToAllNoNoToAllCancel::ask(prompt, parent());
     return show(prompt).button;
 }
 

@@ -288,8 +288,8 @@ void CAddonInstallationDetails::AddonItems_UpdateTargetExists()
                 Known known;
                 known.exists = files.isFolder(lastText);
                 if (known.exists) {
-                    for (const FileInfo& info : files.list(lastText))
-                        (info.folder ? known.folders : known.names).insert(NoCase{info.name});
+                    for (const auto& [name, isFolder] : files.namesAndKinds(lastText))
+                        (isFolder ? known.folders : known.names).insert(NoCase{name});
                 }
                 found = folders.insert(lastText, known);
             }

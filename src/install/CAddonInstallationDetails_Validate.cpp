@@ -275,15 +275,13 @@ void CAddonInstallationDetails::addTextureProblems(QList<PlanProblem>& out) cons
 
 void CAddonInstallationDetails::addFolderProblems(QList<PlanProblem>& out) const
 {
-    QSet<QString> toldFolders;
-    const QString* last = nullptr;
+    QSet<QString> seen;
     for (const CAddon_Item& item : m_addon->colAddonItems()) {
         if (!item.boolProcess)
             continue;
         const QString& folder = item.sFolder_Installation;
-        if (last && last->constData() == folder.constData() && !folder.isEmpty())
+        if (!folder.isEmpty() && seen.contains(folder))
             continue;
-        last = &folder;
         const bool told =
             item.IsMappedToTextureGroup() && folder.isEmpty() &&
             !textureGroupProblem(groups(MappedGroup::Texture)[size_t(item.groupIndex)]).isEmpty();
@@ -291,9 +289,11 @@ void CAddonInstallationDetails::addFolderProblems(QList<PlanProblem>& out) const
                             std::any_of(out.cbegin(), out.cend(), [&item](const PlanProblem& p) {
                                 return p.item == item.lngKey;
                             });
-        if (told || unsafe || toldFolders.contains(folder) || usableFolder(folder))
+        if (told || unsafe || seen.contains(folder))
             continue;
-        toldFolders.insert(folder);
+        seen.insert(folder);
+        if (usableFolder(folder))
+            continue;
         out.append({item.lngKey, plantext::noValidTargetFolder(folder), true});
     }
 }

@@ -289,6 +289,7 @@ private:
     QString m_movieToPlay;
     QString m_archive;              ///< in the File Cabinet, when the add-on goes there
     QString m_keptFolder;           ///< below Originals
+    QString m_madeFolder;           ///< exists or is staged: the last file went there
     QList<OuterLink> m_closedLinks; ///< nothing is written behind them
     bool m_cancelled = false;
     bool m_replaceAll = false;

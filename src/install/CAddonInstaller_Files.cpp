@@ -148,9 +148,14 @@ void CAddonInstaller::decideAll()
     const Files& files = m_context.services.files;
     const CAddon_ItemGroup& addon = m_details.addon();
     m_files.reserve(addon.colAddonItems().size());
-    QString folder;
-    bool folderExists = false;
-    std::optional<OuterLink> closed;
+
+    struct Folder
+    {
+        bool exists = false;
+        std::optional<OuterLink> closed;
+    };
+
+    QHash<QString, Folder> folders;
     for (const CAddon_Item& item : addon.colAddonItems()) {
         if (!item.boolProcess)
             continue;
@@ -160,18 +165,19 @@ void CAddonInstaller::decideAll()
             file.code = InstallCode::NotExtracted;
         if (replacesOwn(item) && isCovered(item))
             file.code = InstallCode::OthersVersion;
-        if (item.sFolder_Installation != folder) {
-            folder = item.sFolder_Installation;
-            folderExists = files.isFolder(folder);
+        auto folder = folders.constFind(item.sFolder_Installation);
+        if (folder == folders.cend()) {
+            Folder found{files.isFolder(item.sFolder_Installation), {}};
             if (!m_closedLinks.isEmpty())
-                closed = m_context.services.gate.outerLink(folder);
+                found.closed = m_context.services.gate.outerLink(item.sFolder_Installation);
+            folder = folders.insert(item.sFolder_Installation, found);
         }
-        if (closed) {
+        if (const auto& closed = folder->closed) {
             file.code = closed->target.isEmpty() ? InstallCode::Error : InstallCode::ClientDeclined;
             m_files.push_back(std::move(file));
             continue;
         }
-        const auto existing = folderExists ? files.entry(targetOf(item)) : std::nullopt;
+        const auto existing = folder->exists ? files.entry(targetOf(item)) : std::nullopt;
         if (existing && replacesOwn(item)) {
             decideAgain(file, *existing);
             m_cancelled = file.code == InstallCode::Cancelled;
@@ -401,7 +407,8 @@ Result CAddonInstaller::InstallFile(File& file)
         }
     }
     m_log.line(u"   Copy source file to destination.");
-    if (!file.exists && !m_actions->info(item.sFolder_Installation))
+    if (!file.exists && item.sFolder_Installation != m_madeFolder &&
+        !m_actions->info(item.sFolder_Installation))
         m_log.line(QString(u"      Creating destination folder "_s + item.sFolder_Installation));
     const ResultOf<Fingerprint> placed = m_actions->placeOver(target, *content, file.before);
     if (!placed) {
@@ -414,6 +421,7 @@ Result CAddonInstaller::InstallFile(File& file)
         return placed.error();
     }
     file.after = *placed;
+    m_madeFolder = item.sFolder_Installation;
     return Result::success();
 }
 
@@ -432,19 +440,17 @@ QString CAddonInstaller::keptFolder()
 Result CAddonInstaller::keepOriginal(File& file, const QString& target)
 {
     m_log.line(u"   Copy file to Originals.");
-    const ResultOf<Fingerprint> print = fingerprint(m_context.services.files, target);
-    if (!print)
-        return print.error();
-    file.before = *print;
     OriginalRecord original;
     original.detailKey = &file - m_files.data();
     original.masterKey = m_record.key;
     original.keptFile = originals::keptName(m_context.services.gate, keptFolder(), target);
-    original.size = print->size;
-    original.hash = print->xxh3;
-    if (Result kept = m_actions->keep(target, m_context.global.originalsFolder + original.keptFile);
-        !kept)
-        return kept;
+    const ResultOf<Fingerprint> kept =
+        m_actions->keepPrinted(target, m_context.global.originalsFolder + original.keptFile);
+    if (!kept)
+        return kept.error();
+    file.before = *kept;
+    original.size = kept->size;
+    original.hash = kept->xxh3;
     m_originals.push_back(original);
     return Result::success();
 }

@@ -1,5 +1,6 @@
 #include "platform/FileTransaction.h"
 
+#include "platform/Hash.h"
 #include "platform/StepRunner.h"
 #include "platform/WinPath.h"
 
@@ -139,7 +140,20 @@ QString FileTransaction::nextStagedName(const char* ending)
                                ending);
 }
 
+/// Neighbours ask for the same folder one after the other.
 ResultOf<FileTransaction::Folder> FileTransaction::folderFor(const QString& folder)
+{
+    if (m_last.fd && folder == m_lastFolder)
+        return m_last;
+    ResultOf<Folder> found = openFolderFor(folder);
+    if (found) {
+        m_lastFolder = folder;
+        m_last = *found;
+    }
+    return found;
+}
+
+ResultOf<FileTransaction::Folder> FileTransaction::openFolderFor(const QString& folder)
 {
     if (const auto it = m_folders.constFind(NoCase{folder}); it != m_folders.cend())
         return *it;
@@ -152,7 +166,7 @@ ResultOf<FileTransaction::Folder> FileTransaction::folderFor(const QString& fold
     QString existing = folder;
     while (!existing.isEmpty() && !m_gate.files().isFolder(existing) &&
            !m_folders.contains(NoCase{existing})) {
-        if (m_gate.files().exists(existing) || m_pending.contains(NoCase{existing}))
+        if (m_gate.files().exists(existing) || m_pending.find(existing))
             return refused(folder, "made", ENOTDIR);
         firstMissing = existing;
         existing = withoutTrailing(winpath::parent(existing));
@@ -196,6 +210,8 @@ ResultOf<FileTransaction::Folder> FileTransaction::stagedFolder(const QString& f
     entry.fd = std::make_shared<hostfile::Descriptor>(hostfile::openFolder(entry.host));
     if (!entry.fd->valid())
         return refused(firstMissing, "made", errno);
+    m_folders[NoCase{above}].holdsStaged = true;
+    m_last = {};
     m_folders.insert(NoCase{firstMissing}, entry);
     m_stagedAny = true;
     if (firstMissing.size() == folder.size())
@@ -204,7 +220,7 @@ ResultOf<FileTransaction::Folder> FileTransaction::stagedFolder(const QString& f
     return stagedFolder(folder, next < 0 ? folder : folder.first(next));
 }
 
-QByteArray FileTransaction::hostOf(const QString& path, const Pending& pending) const
+QByteArray FileTransaction::hostOf(const QString& path, const PendingFile& pending) const
 {
     const auto folder = m_folders.constFind(NoCase{withoutTrailing(winpath::parent(path))});
     Q_ASSERT(folder != m_folders.cend());
@@ -214,10 +230,10 @@ QByteArray FileTransaction::hostOf(const QString& path, const Pending& pending) 
 
 ResultOf<QByteArray> FileTransaction::read(const QString& path, qint64 limit)
 {
-    const auto it = m_pending.constFind(NoCase{path});
-    if (it == m_pending.cend())
+    const PendingFile* const it = std::as_const(m_pending).find(path);
+    if (!it)
         return m_gate.files().read(path, limit);
-    if (it->fate == Fate::Removed)
+    if (it->fate == PendingFate::Removed)
         return refused(path, "read", ENOENT);
     if (it->info.size > limit)
         return refused(path, "read", EFBIG);
@@ -233,9 +249,8 @@ ResultOf<QByteArray> FileTransaction::read(const QString& path, qint64 limit)
 
 std::optional<FileInfo> FileTransaction::info(const QString& path)
 {
-    const auto it = m_pending.constFind(NoCase{path});
-    if (it != m_pending.cend())
-        return it->fate == Fate::Removed ? std::nullopt : std::optional(it->info);
+    if (const PendingFile* const it = std::as_const(m_pending).find(path))
+        return it->fate == PendingFate::Removed ? std::nullopt : std::optional(it->info);
     if (const auto folder = m_folders.constFind(NoCase{withoutTrailing(path)});
         folder != m_folders.cend() && folder->staged) {
         FileInfo info;
@@ -278,16 +293,16 @@ FileTransaction::stage(const QString& path, const Fingerprint& before, const Wri
     const ResultOf<Folder> folder = folderFor(path.first(cut));
     if (!folder)
         return folder.error();
-    if (m_folders.contains(NoCase{path}))
+    if (folder->holdsStaged && m_folders.contains(NoCase{path}))
         return refused(path, "written", EISDIR);
     if (const int error = m_gate.fault("stage", folder->host))
         return refused(path, "written", error);
 
     unsigned mode = 0644;
     QString stagedName = name;
-    const auto earlier = m_pending.constFind(NoCase{path});
-    qsizetype step = earlier == m_pending.cend() ? -1 : earlier->step;
-    if (earlier != m_pending.cend() && earlier->fate == Fate::Staged)
+    const PendingFile* const earlier = std::as_const(m_pending).find(path);
+    qsizetype step = earlier ? earlier->step : -1;
+    if (earlier && earlier->fate == PendingFate::Staged)
         unlink(hostOf(path, *earlier).constData());
     if (!folder->staged) {
         stagedName = nextStagedName(".tmp");
@@ -296,8 +311,10 @@ FileTransaction::stage(const QString& path, const Fingerprint& before, const Wri
         {};
 
         if (before.size >= 0) {
-            if (const auto now = m_gate.files().entry(path)) {
-                name = now->name;
+            if (fstatat(folder->fd->get(), name.toUtf8().constData(), &st, 0) == 0) {
+                mode = st.st_mode & 0777;
+            } else if (const auto now = m_gate.files().entry(path)) {
+                name = now->name; // spelled in another way, or a link that leads nowhere
                 if (fstatat(folder->fd->get(), name.toUtf8().constData(), &st, 0) == 0)
                     mode = st.st_mode & 0777;
             }
@@ -328,7 +345,7 @@ FileTransaction::stage(const QString& path, const Fingerprint& before, const Wri
         m_refusedAny = true;
         if (step >= 0)
             m_steps[step].target.root = RootId::None;
-        m_pending.remove(NoCase{path});
+        m_pending.remove(path);
         return Result::failure(
             hostfile::withCause(u"'"_s + path + u"' could not be written"_s, print.text),
             print.kind);
@@ -336,30 +353,38 @@ FileTransaction::stage(const QString& path, const Fingerprint& before, const Wri
     m_stagedAny = true;
     if (step >= 0)
         m_steps[step].after = *print;
-    Pending pending;
+    PendingFile pending;
     pending.step = step;
     pending.info.name = name;
     pending.info.size = print->size;
     pending.info.modifiedNs = print->modifiedNs;
-    m_pending.insert(NoCase{path}, pending);
+    m_pending.set(path, pending);
     return print;
 }
 
-Result FileTransaction::keep(const QString& from, const QString& to)
+ResultOf<FileTransaction::Folder> FileTransaction::keptFolderFor(const QString& from,
+                                                                 const QString& to)
 {
     const QString folder = withoutTrailing(winpath::parent(to));
-    const QString name = winpath::name(to);
     auto known = m_folders.constFind(NoCase{folder});
     if (known == m_folders.cend()) {
         if (Result made = openKeptFolder(from, to, folder); !made)
             return made;
         known = m_folders.constFind(NoCase{folder});
     }
-    if (Result checked = winpath::checkComponent(name); !checked)
+    if (Result checked = winpath::checkComponent(winpath::name(to)); !checked)
         return checked;
-    const QByteArray target = known->host + '/' + name.toUtf8();
-    if (const int error = m_gate.fault("keep", target))
+    if (const int error = m_gate.fault("keep", known->host + '/' + winpath::name(to).toUtf8()))
         return refused(from, "kept", error);
+    return *known;
+}
+
+Result FileTransaction::keep(const QString& from, const QString& to)
+{
+    const ResultOf<Folder> folder = keptFolderFor(from, to);
+    if (!folder)
+        return folder.error();
+    const QByteArray target = folder->host + '/' + winpath::name(to).toUtf8();
     m_stagedAny = true;
     const Result kept = hostfile::linkOrCopy(m_gate.files().hostPath(from),
                                              target,
@@ -373,6 +398,33 @@ Result FileTransaction::keep(const QString& from, const QString& to)
     if (failed.kind == ErrorKind::DiskFailed)
         m_syncFailure = failed;
     return failed;
+}
+
+/// The common case is a file spelled as asked for, on one file system with the kept folder; every
+/// other one goes by the paths.
+ResultOf<Fingerprint> FileTransaction::keepPrinted(const QString& from, const QString& to)
+{
+    const ResultOf<Folder> source = folderFor(withoutTrailing(winpath::parent(from)));
+    const QByteArray name = winpath::name(from).toUtf8();
+    std::optional<Fingerprint> print;
+    if (source && !source->staged)
+        print = hostfile::fingerprintAt(source->fd->get(), name);
+    if (print) {
+        const ResultOf<Folder> folder = keptFolderFor(from, to);
+        if (!folder)
+            return folder.error();
+        const QByteArray keptName = winpath::name(to).toUtf8();
+        m_stagedAny = true;
+        if (m_gate.fault("link", folder->host + '/' + keptName) == 0 &&
+            linkat(source->fd->get(), name.constData(), folder->fd->get(), keptName, 0) == 0)
+            return *print;
+    }
+    const ResultOf<Fingerprint> read = fingerprint(m_gate.files(), from);
+    if (!read)
+        return read;
+    if (Result kept = keep(from, to); !kept)
+        return kept;
+    return read;
 }
 
 Result
@@ -414,10 +466,10 @@ FileTransaction::openKeptFolder(const QString& from, const QString& to, const QS
 
 Result FileTransaction::copy(const QString& from, const QString& to)
 {
-    const auto it = m_pending.constFind(NoCase{from});
-    if (it != m_pending.cend() && it->fate == Fate::Removed)
+    const PendingFile* const it = std::as_const(m_pending).find(from);
+    if (it && it->fate == PendingFate::Removed)
         return refused(from, "copied", ENOENT);
-    const bool staged = it != m_pending.cend();
+    const bool staged = it != nullptr;
     if (!staged && !m_gate.files().isFile(from))
         return refused(from, "copied", ENOENT);
     const ResultOf<Fingerprint> placed =
@@ -435,24 +487,23 @@ Result FileTransaction::remove(const QString& path)
 
 Result FileTransaction::removeKnown(const QString& path, const Fingerprint& before)
 {
-    const auto earlier = m_pending.find(NoCase{path});
-    if (earlier != m_pending.end()) {
-        if (earlier->fate == Fate::Staged)
+    if (PendingFile* const earlier = m_pending.find(path)) {
+        if (earlier->fate == PendingFate::Staged)
             unlink(hostOf(path, *earlier).constData());
         if (earlier->step < 0) { // inside a folder that is new anyway
-            m_pending.erase(earlier);
+            m_pending.remove(path);
             return Result::success();
         }
         JournalStep& step = m_steps[earlier->step];
         if (step.before.size < 0) { // nothing was there before, nothing is to be
             step.target.root = RootId::None;
-            m_pending.erase(earlier);
+            m_pending.remove(path);
             return Result::success();
         }
         step.kind = StepKind::RemoveFile;
         step.stagedName.clear();
         step.after = absent();
-        earlier->fate = Fate::Removed;
+        earlier->fate = PendingFate::Removed;
         return Result::success();
     }
     const ResultOf<Place> target = m_gate.place(path);
@@ -462,11 +513,11 @@ Result FileTransaction::removeKnown(const QString& path, const Fingerprint& befo
     step.kind = StepKind::RemoveFile;
     step.target = *target;
     step.before = before;
-    Pending pending;
-    pending.fate = Fate::Removed;
+    PendingFile pending;
+    pending.fate = PendingFate::Removed;
     pending.step = m_steps.size();
     m_steps.push_back(step);
-    m_pending.insert(NoCase{path}, pending);
+    m_pending.set(path, pending);
     return Result::success();
 }
 
@@ -476,6 +527,7 @@ Result FileTransaction::makeFolder(const QString& folder)
     if (!made)
         return made.error();
     m_folders[NoCase{withoutTrailing(folder)}].wanted = true;
+    m_last = {};
     return Result::success();
 }
 
@@ -528,12 +580,12 @@ Result FileTransaction::move(const QString& from, const QString& to, const Finge
     step.source = *sourcePlace;
     step.before = before;
     step.after = printOf(source);
-    if (const auto staged = m_pending.constFind(NoCase{to}); staged != m_pending.cend()) {
-        if (staged->fate == Fate::Staged)
+    if (const PendingFile* const staged = std::as_const(m_pending).find(to)) {
+        if (staged->fate == PendingFate::Staged)
             unlink(hostOf(to, *staged).constData());
         if (staged->step >= 0)
             m_steps[staged->step].target.root = RootId::None;
-        m_pending.erase(staged);
+        m_pending.remove(to);
     }
     m_steps.push_back(step);
     return Result::success();
@@ -541,9 +593,9 @@ Result FileTransaction::move(const QString& from, const QString& to, const Finge
 
 Result FileTransaction::removeOnce(const QString& path, const QString& target)
 {
-    const auto staged = m_pending.constFind(NoCase{target});
+    const PendingFile* const staged = std::as_const(m_pending).find(target);
     const auto now = m_gate.files().entry(path);
-    if (!now || staged == m_pending.cend() || staged->fate != Fate::Staged)
+    if (!now || !staged || staged->fate != PendingFate::Staged)
         return refused(path, "deleted", ENOENT);
     const ResultOf<Place> source = m_gate.place(path);
     const ResultOf<Place> place = m_gate.place(target);
@@ -564,16 +616,16 @@ Result FileTransaction::removeOnce(const QString& path, const QString& target)
 
 QString FileTransaction::stagedPath(const QString& path) const
 {
-    const auto staged = m_pending.constFind(NoCase{path});
-    if (staged == m_pending.cend() || staged->fate != Fate::Staged)
+    const PendingFile* const staged = std::as_const(m_pending).find(path);
+    if (!staged || staged->fate != PendingFate::Staged)
         return {};
     return m_gate.files().drives().toWindows(QString::fromUtf8(hostOf(path, *staged)));
 }
 
 Result FileTransaction::require(const QString& path)
 {
-    const auto staged = m_pending.constFind(NoCase{path});
-    if (staged == m_pending.cend() || staged->fate != Fate::Staged || staged->step < 0)
+    const PendingFile* const staged = std::as_const(m_pending).find(path);
+    if (!staged || staged->fate != PendingFate::Staged || staged->step < 0)
         return refused(path, "written", ENOENT);
     m_steps[staged->step].kind = StepKind::PlaceFirst;
     return Result::success();
@@ -589,10 +641,8 @@ void FileTransaction::dropUnusedFolders()
             folder = withoutTrailing(winpath::parent(folder));
         }
     };
-    for (auto it = m_pending.cbegin(); it != m_pending.cend(); ++it) {
-        if (it->fate == Fate::Staged)
-            use(withoutTrailing(winpath::parent(it.key().text)));
-    }
+    for (const QString& folder : m_pending.stagedFolders())
+        use(folder);
     QStringList unused;
     for (auto it = m_folders.cbegin(); it != m_folders.cend(); ++it) {
         if (it->wanted)
@@ -608,6 +658,7 @@ void FileTransaction::dropUnusedFolders()
         if (used.contains(key) || rmdir(m_folders.value(key).host.constData()) != 0)
             continue;
         m_folders.remove(key);
+        m_last = {};
         m_stagedRoots.remove(key);
     }
 }
@@ -661,6 +712,7 @@ ResultOf<QList<StepFailure>> FileTransaction::apply(const QByteArray& closing,
     // From here on the operation is completed, now or by recover().
     const qint64 operation = std::exchange(m_operation, 0);
     m_folders.clear();
+    m_last = {};
     m_pending.clear();
     const StepRunner::Completion done = StepRunner(m_gate, operation).complete(m_journal, steps);
     m_gate.files().newOperation();
@@ -700,6 +752,7 @@ Result FileTransaction::abandon()
     if (m_operation == 0)
         return Result::success();
     m_folders.clear();
+    m_last = {};
     m_pending.clear();
     StepRunner runner(m_gate, m_operation);
     const QStringList left = runner.undo(m_undo);

@@ -8,6 +8,7 @@
 #include "platform/Gate.h"
 #include "platform/HostFile.h"
 #include "platform/Journal.h"
+#include "platform/PendingFiles.h"
 
 #include <QHash>
 #include <QSet>
@@ -55,6 +56,8 @@ public:
     /// Carried out at once: a kept copy harms nobody. \a to must lie in an announced kept folder. A
     /// link is kept as the link that it is.
     Result keep(const QString& from, const QString& to) override;
+    /// As keep(), and tells what was kept.
+    ResultOf<Fingerprint> keepPrinted(const QString& from, const QString& to);
     Result copy(const QString& from, const QString& to) override;
     Result remove(const QString& path) override;
     /// As remove(), when the caller knows what the file is to be; another one is left alone.
@@ -101,7 +104,8 @@ private:
         std::shared_ptr<hostfile::Descriptor> fd;
         QByteArray host;
         bool staged = false;
-        bool wanted = false; ///< with or without files
+        bool wanted = false;      ///< with or without files
+        bool holdsStaged = false; ///< folders were staged in it
     };
 
     /// A folder that will be new as a whole.
@@ -111,32 +115,21 @@ private:
         QString stagedName;
     };
 
-    enum class Fate : quint8
-    {
-        Staged,
-        Removed,
-    };
-
-    struct Pending
-    {
-        Fate fate = Fate::Staged;
-        qsizetype step = -1; ///< index into m_steps, -1 inside a staged folder
-        FileInfo info;
-    };
-
     /// Writes the new file \a name (with \a mode, should it not bring its own) into \a folder.
     using Write =
         std::function<ResultOf<Fingerprint>(int folder, const QByteArray& name, unsigned mode)>;
 
     ResultOf<Fingerprint> stage(const QString& path, const Fingerprint& before, const Write& write);
     ResultOf<Folder> folderFor(const QString& folder);
+    ResultOf<Folder> openFolderFor(const QString& folder);
+    ResultOf<Folder> keptFolderFor(const QString& from, const QString& to);
     ResultOf<Folder> stagedFolder(const QString& folder, const QString& firstMissing);
     Result tellStagingFolder(const QString& folder);
     Result openKeptFolder(const QString& from, const QString& to, const QString& folder);
     Result syncStaged();
     void dropUnusedFolders();
     QString nextStagedName(const char* ending);
-    QByteArray hostOf(const QString& path, const Pending& pending) const;
+    QByteArray hostOf(const QString& path, const PendingFile& pending) const;
 
     Gate& m_gate;
     Journal& m_journal;
@@ -150,7 +143,9 @@ private:
     QList<JournalStep> m_undo;      ///< staging and kept folders
     QHash<NoCase, Folder> m_folders;
     QHash<NoCase, StagedRoot> m_stagedRoots;
-    QHash<NoCase, Pending> m_pending;
+    PendingFiles m_pending;
+    QString m_lastFolder; ///< as folderFor() was last asked, and its answer
+    Folder m_last;
     QSet<NoCase> m_told;
     Result m_syncFailure; ///< nothing is applied any more
     QStringList m_keptFolders;

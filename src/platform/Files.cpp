@@ -280,6 +280,26 @@ QStringList Files::names(QStringView folder) const
     return out;
 }
 
+QList<std::pair<QString, bool>> Files::namesAndKinds(QStringView folder) const
+{
+    QList<std::pair<QString, bool>> out;
+    if (folder.endsWith(u'\\'))
+        folder.chop(1);
+    const Resolved resolved = resolveFolder(folder);
+    if (!resolved.exists)
+        return out;
+    readFolder(resolved.host, [&](const char* name, unsigned char type) {
+        struct stat st
+        {};
+        bool isFolder = type == DT_DIR;
+        if ((type == DT_LNK || type == DT_UNKNOWN) &&
+            stat(joinHost(resolved.host, name).constData(), &st) == 0)
+            isFolder = S_ISDIR(st.st_mode);
+        out.push_back({QString::fromUtf8(name), isFolder});
+    });
+    return out;
+}
+
 QStringList Files::filesBelow(QStringView folder, qsizetype limit) const
 {
     QStringList out;

@@ -13,6 +13,7 @@
 #include <QString>
 
 #include <optional>
+#include <utility>
 
 namespace vt {
 
@@ -52,6 +53,8 @@ public:
     [[nodiscard]] QList<FileInfo> list(QStringView folder) const;
     /// Names alone, unsorted and without a look at each entry.
     [[nodiscard]] QStringList names(QStringView folder) const;
+    /// The same, and whether each is a folder (of a link: leads to one).
+    [[nodiscard]] QList<std::pair<QString, bool>> namesAndKinds(QStringView folder) const;
     /// Files below a folder, all levels, as paths relative to it, sorted; links to folders are not
     /// entered. At most \a limit files.
     [[nodiscard]] QStringList filesBelow(QStringView folder, qsizetype limit = 1'000'000) const;

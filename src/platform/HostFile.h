@@ -8,6 +8,7 @@
 #include <QByteArray>
 
 #include <functional>
+#include <optional>
 
 namespace vt::hostfile {
 
@@ -93,5 +94,8 @@ renameNew(int folder, const QByteArray& from, int toFolder, const QByteArray& to
 
 /// Size, time and hash of a file, read in pieces; of a link itself.
 [[nodiscard]] ResultOf<Fingerprint> fingerprint(const QByteArray& host);
+
+/// Of an ordinary file in an open folder; nothing when it is none, is missing or cannot be read.
+[[nodiscard]] std::optional<Fingerprint> fingerprintAt(int folder, const QByteArray& name);
 
 } // namespace vt::hostfile

@@ -257,21 +257,22 @@ Result StepRunner::carryOut(const JournalStep& step)
 Result StepRunner::placeFile(const JournalStep& step, const Target& target)
 {
     const QByteArray staged = step.stagedName.toUtf8();
+    int error = 0;
+    if (target.is(step.before)) {
+        if (renameat(target.folder, staged.constData(), target.folder, target.name.constData()) !=
+            0)
+            error = errno;
+        else
+            noteChanged(target);
+        if (error == 0)
+            return Result::success();
+    }
     if (!entryAt(target.folder, staged)) {
         noteChanged(target); // done before, but perhaps not on the disk yet
         return target.is(step.after) ? Result::success() : changedMeanwhile();
     }
-    if (!target.is(step.before)) {
-        unlinkat(target.folder, staged.constData(), 0);
-        return changedMeanwhile();
-    }
-    if (renameat(target.folder, staged.constData(), target.folder, target.name.constData()) != 0) {
-        const int error = errno;
-        unlinkat(target.folder, staged.constData(), 0);
-        return systemFailure(error);
-    }
-    noteChanged(target);
-    return Result::success();
+    unlinkat(target.folder, staged.constData(), 0);
+    return error != 0 ? systemFailure(error) : changedMeanwhile();
 }
 
 Result StepRunner::placeFolder(const JournalStep& step, const Target& target)

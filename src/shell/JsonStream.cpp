@@ -3,8 +3,10 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 
@@ -14,11 +16,75 @@ namespace {
 
 constexpr qsizetype pieceSize = 64 * 1024;
 
+constexpr bool lowFirst = std::endian::native == std::endian::little;
+constexpr quint64 lanes = 0x0001000100010001ULL;
+
+/// Whether four UTF-16 units in one word are ASCII that JSON takes as it is.
+inline bool arePlain(quint64 word)
+{
+    const quint64 printable = word + lanes * 0x60;
+    const quint64 noQuote = (word ^ (lanes * u'"')) + lanes * 0x7f;
+    const quint64 noBackslash = (word ^ (lanes * u'\\')) + lanes * 0x7f;
+    return (word & (lanes * 0xff80)) == 0 &&
+           (printable & noQuote & noBackslash & (lanes * 0x80)) == lanes * 0x80;
+}
+
+/// The low bytes of four units, in their order in memory (of machines that store low bytes first).
+inline quint32 narrowed(quint64 word)
+{
+    word = (word | (word >> 8)) & 0x0000ffff0000ffffULL;
+    return quint32(word | (word >> 16));
+}
+
+/// Writes the character at \a i; a pair of surrogates moves \a i on to its second half.
+inline char* escaped(char* to, QStringView text, qsizetype& i)
+{
+    static constexpr char hex[] = "0123456789abcdef";
+    const char16_t unit = text[i].unicode();
+    if (unit < 0x20) {
+        *to++ = '\\';
+        if (unit == '\n' || unit == '\r' || unit == '\t') {
+            *to++ = unit == '\n' ? 'n' : unit == '\r' ? 'r' : 't';
+        } else {
+            *to++ = 'u';
+            *to++ = '0';
+            *to++ = '0';
+            *to++ = hex[unit >> 4];
+            *to++ = hex[unit & 15];
+        }
+    } else if (unit < 0x80) {
+        if (unit == '"' || unit == '\\')
+            *to++ = '\\';
+        *to++ = static_cast<char>(unit);
+    } else if (unit < 0x800) {
+        *to++ = static_cast<char>(0xc0 | (unit >> 6));
+        *to++ = static_cast<char>(0x80 | (unit & 0x3f));
+    } else {
+        char32_t code = unit;
+        if (QChar::isSurrogate(code)) {
+            // A lone half (names from foreign disks can hold one) is no character of UTF-8.
+            if (QChar::isHighSurrogate(code) && i + 1 < text.size() && text[i + 1].isLowSurrogate())
+                code = QChar::surrogateToUcs4(unit, text[++i].unicode());
+            else
+                code = QChar::ReplacementCharacter;
+        }
+        if (code < 0x10000) {
+            *to++ = static_cast<char>(0xe0 | (code >> 12));
+        } else {
+            *to++ = static_cast<char>(0xf0 | (code >> 18));
+            *to++ = static_cast<char>(0x80 | ((code >> 12) & 0x3f));
+        }
+        *to++ = static_cast<char>(0x80 | ((code >> 6) & 0x3f));
+        *to++ = static_cast<char>(0x80 | (code & 0x3f));
+    }
+    return to;
+}
+
 } // namespace
 
 JsonStream::JsonStream(Sink sink) : m_sink(std::move(sink))
 {
-    m_buffer.reserve(pieceSize + 4096);
+    m_buffer.resize(pieceSize + 4096);
 }
 
 JsonStream::~JsonStream()
@@ -28,9 +94,22 @@ JsonStream::~JsonStream()
 
 void JsonStream::flush()
 {
-    if (!m_buffer.isEmpty())
-        m_sink(m_buffer);
-    m_buffer.resize(0);
+    if (m_used > 0)
+        m_sink(QByteArrayView(m_buffer.data(), m_used));
+    m_used = 0;
+}
+
+char* JsonStream::room(qsizetype bytes)
+{
+    if (m_used + bytes > qsizetype(m_buffer.size()))
+        m_buffer.resize(size_t(qMax(m_used + bytes, m_used * 2)));
+    return m_buffer.data() + m_used;
+}
+
+void JsonStream::put(char c)
+{
+    *room(1) = c;
+    ++m_used;
 }
 
 void JsonStream::before()
@@ -39,34 +118,35 @@ void JsonStream::before()
     if (!m_afterKey && !m_levels.empty()) {
         Q_ASSERT(!m_levels.back().object);
         if (!m_levels.back().empty)
-            m_buffer.append(',');
+            put(',');
         m_levels.back().empty = false;
     }
     m_afterKey = false;
     m_begun = true;
-    if (m_buffer.size() >= pieceSize)
+    if (m_used >= pieceSize)
         flush();
 }
 
 void JsonStream::raw(QByteArrayView bytes)
 {
     before();
-    m_buffer.append(bytes);
+    std::memcpy(room(bytes.size()), bytes.data(), size_t(bytes.size()));
+    m_used += bytes.size();
     if (m_levels.empty())
-        m_buffer.append('\n');
+        put('\n');
 }
 
 void JsonStream::beginObject()
 {
     before();
-    m_buffer.append('{');
+    put('{');
     m_levels.push_back({true});
 }
 
 void JsonStream::beginArray()
 {
     before();
-    m_buffer.append('[');
+    put('[');
     m_levels.push_back({false});
 }
 
@@ -74,9 +154,9 @@ void JsonStream::end([[maybe_unused]] bool object, char closing)
 {
     Q_ASSERT(!m_levels.empty() && m_levels.back().object == object && !m_afterKey);
     m_levels.pop_back();
-    m_buffer.append(closing);
+    put(closing);
     if (m_levels.empty())
-        m_buffer.append('\n');
+        put('\n');
 }
 
 void JsonStream::endObject()
@@ -93,10 +173,10 @@ void JsonStream::key(QStringView name)
 {
     Q_ASSERT(!m_levels.empty() && m_levels.back().object && !m_afterKey);
     if (!m_levels.back().empty)
-        m_buffer.append(',');
+        put(',');
     m_levels.back().empty = false;
     quoted(name);
-    m_buffer.append(':');
+    put(':');
     m_afterKey = true;
 }
 
@@ -105,7 +185,7 @@ void JsonStream::value(QStringView text)
     before();
     quoted(text);
     if (m_levels.empty())
-        m_buffer.append('\n');
+        put('\n');
 }
 
 void JsonStream::value(const QStringList& texts)
@@ -185,54 +265,24 @@ void JsonStream::tree(const QJsonValue& content)
 void JsonStream::quoted(QStringView text)
 {
     // Room for the worst case once, so that the loop only stores: six bytes a UTF-16 unit.
-    const qsizetype start = m_buffer.size();
-    m_buffer.resize(start + text.size() * 6 + 2);
-    char* const first = m_buffer.data() + start;
+    char* const first = room(text.size() * 6 + 2);
     char* to = first;
-    static constexpr char hex[] = "0123456789abcdef";
     *to++ = '"';
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const char16_t unit = text[i].unicode();
-        if (unit < 0x20) {
-            *to++ = '\\';
-            if (unit == '\n' || unit == '\r' || unit == '\t') {
-                *to++ = unit == '\n' ? 'n' : unit == '\r' ? 'r' : 't';
-            } else {
-                *to++ = 'u';
-                *to++ = '0';
-                *to++ = '0';
-                *to++ = hex[unit >> 4];
-                *to++ = hex[unit & 15];
-            }
-        } else if (unit < 0x80) {
-            if (unit == '"' || unit == '\\')
-                *to++ = '\\';
-            *to++ = static_cast<char>(unit);
-        } else if (unit < 0x800) {
-            *to++ = static_cast<char>(0xc0 | (unit >> 6));
-            *to++ = static_cast<char>(0x80 | (unit & 0x3f));
-        } else {
-            char32_t code = unit;
-            if (QChar::isSurrogate(code)) {
-                // A lone half (names from foreign disks can hold one) is no character of UTF-8.
-                if (QChar::isHighSurrogate(code) && i + 1 < text.size() &&
-                    text[i + 1].isLowSurrogate())
-                    code = QChar::surrogateToUcs4(unit, text[++i].unicode());
-                else
-                    code = QChar::ReplacementCharacter;
-            }
-            if (code < 0x10000) {
-                *to++ = static_cast<char>(0xe0 | (code >> 12));
-            } else {
-                *to++ = static_cast<char>(0xf0 | (code >> 18));
-                *to++ = static_cast<char>(0x80 | ((code >> 12) & 0x3f));
-            }
-            *to++ = static_cast<char>(0x80 | ((code >> 6) & 0x3f));
-            *to++ = static_cast<char>(0x80 | (code & 0x3f));
+    const qsizetype size = text.size();
+    for (qsizetype i = 0; i < size;) {
+        for (quint64 word = 0; lowFirst && size - i >= 4; i += 4) {
+            std::memcpy(&word, text.utf16() + i, sizeof word);
+            if (!arePlain(word))
+                break;
+            const quint32 four = narrowed(word);
+            std::memcpy(to, &four, sizeof four);
+            to += 4;
         }
+        for (const qsizetype end = qMin(size, i + 4); i < end; ++i)
+            to = escaped(to, text, i);
     }
     *to++ = '"';
-    m_buffer.resize(start + (to - first));
+    m_used += to - first;
 }
 
 void JsonStream::error(const QString& text, const QString& kind)

@@ -2,7 +2,6 @@
 // memory together. Checks its own nesting by assertions; knows nothing of what it carries.
 #pragma once
 
-#include <QByteArray>
 #include <QByteArrayView>
 #include <QJsonValue>
 #include <QString>
@@ -92,6 +91,9 @@ private:
         bool empty = true;
     };
 
+    /// Where at least so many bytes may be written behind what is there.
+    char* room(qsizetype bytes);
+    void put(char c);
     void before();
     void raw(QByteArrayView bytes);
     void integer(qint64 number);
@@ -100,7 +102,8 @@ private:
     void tree(const QJsonValue& value);
 
     Sink m_sink;
-    QByteArray m_buffer;
+    std::vector<char> m_buffer; ///< its first m_used bytes are not yet given away
+    qsizetype m_used = 0;
     std::vector<Level> m_levels;
     bool m_begun = false;
     bool m_afterKey = false;

@@ -125,6 +125,15 @@ public:
     /// beside it. A second call does nothing.
     Result close();
 
+    /// Called often while the engine works on long statements and after each written record.
+    void setBreathing(std::function<void()> breathing);
+
+    void breathe() const
+    {
+        if (m_breathing)
+            m_breathing();
+    }
+
     [[nodiscard]] const QString& path() const { return m_path; }
 
     [[nodiscard]] bool readOnly() const { return m_readOnly; }
@@ -221,6 +230,7 @@ private:
     int eachOf(const QByteArray& sql, const std::function<void(sqlite3_stmt*)>& take);
 
     sqlite3* m_handle = nullptr;
+    std::function<void()> m_breathing;
     QString m_path;
     QByteArray m_hostFile;
     QByteArray m_privateCopy; ///< host folder of a private copy that is being read, or empty

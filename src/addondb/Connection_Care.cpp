@@ -169,6 +169,17 @@ Result Connection::compactInto(const QByteArray& hostFile)
     return made.markStructure(hostFile);
 }
 
+void Connection::setBreathing(std::function<void()> breathing)
+{
+    constexpr int steps = 10'000; // of the engine's machine, some tenths of a millisecond
+    m_breathing = std::move(breathing);
+    const auto tell = [](void* connection) {
+        static_cast<const Connection*>(connection)->breathe();
+        return 0;
+    };
+    sqlite3_progress_handler(m_handle, steps, m_breathing ? +tell : nullptr, this);
+}
+
 /// The file was written anew and has the present structure.
 Result Connection::markStructure(const QByteArray& hostFile)
 {

@@ -219,6 +219,7 @@ Result DatabaseCare::compact(const QString& source, const QString& target)
         return opened.result;
     if (Result idle = checkJournal(*opened.connection, m_context.services.gate); !idle)
         return idle;
+    opened.connection->setBreathing(m_context.services.gate.breathing);
     const Result compacted = opened.connection->compactInto(*host);
     m_context.services.files.noteChanged(target);
     return compacted;

@@ -302,6 +302,7 @@ Result Recordset::update()
     m_error = {};
     const bool adding = m_writing == Writing::Adding;
     m_writing = Writing::No;
+    m_connection.breathe();
     return adding ? updateAdded() : updateEdited();
 }
 

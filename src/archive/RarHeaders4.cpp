@@ -1,9 +1,8 @@
 // RAR 1.5 to 4: blocks of check sum (2 bytes), type (1), flags (2), size (2), and for some the size
 // of the data that follow (4).
+#include "archive/LowFirst.h"
 #include "archive/RarHeaders.h"
 #include "archive/RarNames.h"
-
-#include <QtEndian>
 
 #include <libdeflate.h>
 
@@ -42,16 +41,6 @@ constexpr quint16 endMore = 0x0001;
 constexpr qint64 blockBytes = 7;
 constexpr qint64 fileBytes = 32;
 
-quint16 rar16(const char* p)
-{
-    return qFromLittleEndian<quint16>(p);
-}
-
-quint32 rar32(const char* p)
-{
-    return qFromLittleEndian<quint32>(p);
-}
-
 EntryKind kindOf4(quint16 flags, int host, quint32 attributes)
 {
     const quint32 type = attributes >> 12 & 0xF;
@@ -71,7 +60,7 @@ QDateTime exactTime(quint32 stamp, QByteArrayView field)
     const QDateTime even = rarnames::stampOf(stamp);
     if (field.size() < 2 || !even.isValid())
         return even;
-    const int modified = rar16(field.data()) >> 12;
+    const int modified = low<quint16>(field.data()) >> 12;
     return (modified & 0x8) != 0 && (modified & 0x4) != 0 ? even.addSecs(1) : even;
 }
 
@@ -89,13 +78,13 @@ bool RarDirectory::Reader4::read(qint64 at)
         }
         if (!take(at, blockBytes, header))
             return false;
-        const quint16 size = rar16(header.constData() + 5);
+        const quint16 size = low<quint16>(header.constData() + 5);
         if (size < blockBytes)
             return damaged(u"a header is shorter than headers are."_s);
         if (!take(at, size, header))
             return false;
         const auto type = quint8(header[2]);
-        const quint16 flags = rar16(header.constData() + 3);
+        const quint16 flags = low<quint16>(header.constData() + 3);
         if (!checkHeader(type, flags, header))
             return false;
         if (!main && type != typeMain)
@@ -120,7 +109,7 @@ bool RarDirectory::Reader4::read(qint64 at)
         } else if ((flags & flagData) != 0) {
             if (size < blockBytes + 4)
                 return damaged(u"a header is shorter than headers are."_s);
-            next += rar32(header.constData() + 7);
+            next += low<quint32>(header.constData() + 7);
         }
         at = next;
     }
@@ -134,7 +123,7 @@ bool RarDirectory::Reader4::checkHeader(quint8 type, quint16 flags, QByteArrayVi
     if (commented || (type >= typeOldFirst && type <= typeOldLast))
         return true;
     const quint32 sum = libdeflate_crc32(0, header.data() + 2, size_t(header.size() - 2));
-    if ((sum & 0xFFFF) == rar16(header.data()))
+    if ((sum & 0xFFFF) == low<quint16>(header.data()))
         return true;
     return damaged(u"the check sum of a header is wrong."_s);
 }
@@ -146,27 +135,27 @@ bool RarDirectory::Reader4::readEntry(
     const qint64 fixed = fileBytes + ((flags & fileLarge) != 0 ? 8 : 0);
     if (header.size() < fixed)
         return damaged(u"a header is shorter than headers are."_s);
-    const qint64 nameBytes = rar16(p + 26);
+    const qint64 nameBytes = low<quint16>(p + 26);
     if (fixed + nameBytes > header.size())
         return damaged(u"a name is cut off."_s);
     RarEntry entry;
-    quint64 packed = rar32(p + 7);
-    quint64 size = rar32(p + 11);
+    quint64 packed = low<quint32>(p + 7);
+    quint64 size = low<quint32>(p + 11);
     bool unknown = size == 0xFFFFFFFF;
     if ((flags & fileLarge) != 0) {
-        packed |= quint64(rar32(p + 32)) << 32;
-        size |= quint64(rar32(p + 36)) << 32;
+        packed |= quint64(low<quint32>(p + 32)) << 32;
+        size |= quint64(low<quint32>(p + 36)) << 32;
         unknown = size == ~quint64(0);
     }
     entry.flags = flags;
     entry.host = quint8(p[15]);
-    entry.crc = rar32(p + 16);
+    entry.crc = low<quint32>(p + 16);
     entry.hasCrc = true;
-    entry.dosStamp = rar32(p + 20);
+    entry.dosStamp = low<quint32>(p + 20);
     entry.version = quint8(p[24]);
     entry.method = quint8(p[25]);
     entry.stored = entry.method == 0x30;
-    entry.attributes = rar32(p + 28);
+    entry.attributes = low<quint32>(p + 28);
     entry.dosAttributes = entry.host != 3 && entry.host != 5;
     entry.packed = qint64(packed);
     entry.size = unknown ? -1 : qint64(size);

@@ -1,6 +1,6 @@
 #include "archive/RarUnpack.h"
 
-#include "archive/PutBytes.h"
+#include "archive/LowFirst.h"
 
 #include <archive.h>
 #include <archive_entry.h>

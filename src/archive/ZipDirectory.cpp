@@ -1,9 +1,8 @@
 #include "archive/ZipDirectory.h"
 
+#include "archive/LowFirst.h"
 #include "archive/ZipNames.h"
 #include "platform/Text.h"
-
-#include <QtEndian>
 
 #include <algorithm>
 #include <zip.h>
@@ -25,21 +24,6 @@ constexpr qint64 endBytes = 22;
 constexpr qint64 end64Bytes = 56;
 constexpr qint64 locatorBytes = 20;
 constexpr qint64 longestComment = 0xFFFF;
-
-quint16 at16(const char* p)
-{
-    return qFromLittleEndian<quint16>(p);
-}
-
-quint32 at32(const char* p)
-{
-    return qFromLittleEndian<quint32>(p);
-}
-
-quint64 at64(const char* p)
-{
-    return qFromLittleEndian<quint64>(p);
-}
 
 EntryKind kindOf(QByteArrayView name, quint16 madeBy, quint32 attributes)
 {
@@ -153,8 +137,10 @@ QByteArrayView ZipDirectory::record(const ZipEntry& entry) const
 {
     const qsizetype at = qsizetype(entry.nameAt) - centralHeaderBytes;
     const char* header = m_bytes.constData() + at;
-    return QByteArrayView(m_bytes).sliced(
-        at, centralHeaderBytes + entry.nameBytes + at16(header + 30) + at16(header + 32));
+    return QByteArrayView(m_bytes).sliced(at,
+                                          centralHeaderBytes + entry.nameBytes +
+                                              low<quint16>(header + 30) +
+                                              low<quint16>(header + 32));
 }
 
 Result ZipDirectory::Parser::run()
@@ -207,11 +193,11 @@ Result ZipDirectory::Parser::findEnd(EndRecord& end)
     Result problem = noArchive(QByteArrayView(beginning, head));
     for (qint64 at = tailBytes - endBytes; at >= 0; --at) {
         const char* record = tail.constData() + at;
-        if (record[0] != 'P' || at32(record) != endSignature)
+        if (record[0] != 'P' || low<quint32>(record) != endSignature)
             continue;
         if (!readEnd(source.size() - tailBytes + at, record, end, problem))
             continue;
-        m_d.m_comment = tail.sliced(at + endBytes, at16(record + 20));
+        m_d.m_comment = tail.sliced(at + endBytes, low<quint16>(record + 20));
         return Result::success();
     }
     return problem;
@@ -219,16 +205,16 @@ Result ZipDirectory::Parser::findEnd(EndRecord& end)
 
 bool ZipDirectory::Parser::readEnd(qint64 at, const char* record, EndRecord& end, Result& problem)
 {
-    if (at16(record + 20) > m_d.m_source->size() - at - endBytes) {
+    if (low<quint16>(record + 20) > m_d.m_source->size() - at - endBytes) {
         problem = damaged(u"its comment is cut off."_s);
         return false;
     }
-    const quint16 disk = at16(record + 4);
-    const quint16 directoryDisk = at16(record + 6);
-    const quint16 here = at16(record + 8);
-    const quint16 all = at16(record + 10);
-    const quint32 bytes = at32(record + 12);
-    const quint32 offset = at32(record + 16);
+    const quint16 disk = low<quint16>(record + 4);
+    const quint16 directoryDisk = low<quint16>(record + 6);
+    const quint16 here = low<quint16>(record + 8);
+    const quint16 all = low<quint16>(record + 10);
+    const quint32 bytes = low<quint32>(record + 12);
+    const quint32 offset = low<quint32>(record + 16);
     end = {};
     if (disk == 0xFFFF || here == 0xFFFF || all == 0xFFFF || bytes == 0xFFFFFFFF ||
         offset == 0xFFFFFFFF) {
@@ -258,15 +244,15 @@ bool ZipDirectory::Parser::readEnd64(qint64 endAt, EndRecord& end, Result& probl
     const ByteSource& source = *m_d.m_source;
     char locator[locatorBytes];
     if (endAt < locatorBytes || !source.read(endAt - locatorBytes, locator, locatorBytes) ||
-        at32(locator) != locatorSignature)
+        low<quint32>(locator) != locatorSignature)
         return false;
     // The record usually stands directly before its locator, whatever a prefix did to its offset.
-    const qint64 stated = qint64(at64(locator + 8));
+    const qint64 stated = qint64(low<quint64>(locator + 8));
     char record[end64Bytes];
     qint64 at = -1;
     for (const qint64 candidate : {endAt - locatorBytes - end64Bytes, stated}) {
         if (candidate >= 0 && candidate <= endAt - locatorBytes - end64Bytes &&
-            source.read(candidate, record, end64Bytes) && at32(record) == end64Signature) {
+            source.read(candidate, record, end64Bytes) && low<quint32>(record) == end64Signature) {
             at = candidate;
             break;
         }
@@ -275,14 +261,14 @@ bool ZipDirectory::Parser::readEnd64(qint64 endAt, EndRecord& end, Result& probl
         problem = damaged(u"its ZIP64 end record is missing."_s);
         return false;
     }
-    if (at32(record + 16) != 0 || at32(record + 20) != 0 ||
-        at64(record + 24) != at64(record + 32)) {
+    if (low<quint32>(record + 16) != 0 || low<quint32>(record + 20) != 0 ||
+        low<quint64>(record + 24) != low<quint64>(record + 32)) {
         problem = damaged(u"it is one part of an archive that was split over several files."_s);
         return false;
     }
     end.exactCount = true;
-    end.entries = qint64(qMin<quint64>(at64(record + 32), quint64(1) << 62));
-    if (locate(at, at64(record + 40), at64(record + 48), end))
+    end.entries = qint64(qMin<quint64>(low<quint64>(record + 32), quint64(1) << 62));
+    if (locate(at, low<quint64>(record + 40), low<quint64>(record + 48), end))
         return true;
     problem = damaged(u"its directory does not lie where its end record says."_s);
     return false;
@@ -307,7 +293,7 @@ bool ZipDirectory::Parser::locate(qint64 directoryEnd,
             return true;
         if (bytes >= quint64(centralHeaderBytes) &&
             m_d.m_source->read(end.directoryOffset, signature, 4) &&
-            at32(signature) == centralSignature)
+            low<quint32>(signature) == centralSignature)
             return true;
     }
     return false;
@@ -319,7 +305,7 @@ Result ZipDirectory::Parser::readEntries(const EndRecord& end)
     const qint64 total = m_d.m_bytes.size();
     m_d.m_entries.reserve(size_t(qMin(total / centralHeaderBytes, end.entries)));
     qint64 at = 0;
-    while (total - at >= centralHeaderBytes && at32(bytes + at) == centralSignature) {
+    while (total - at >= centralHeaderBytes && low<quint32>(bytes + at) == centralSignature) {
         if (qint64(m_d.m_entries.size()) == ziplimits::entries)
             return tooMuch(u"it holds more entries than the limit of 200,000."_s);
         qint64 used = 0;
@@ -340,20 +326,21 @@ Result ZipDirectory::Parser::readEntries(const EndRecord& end)
 Result
 ZipDirectory::Parser::readEntry(const char* header, qint64 room, ZipEntry& entry, qint64& used)
 {
-    entry.nameBytes = at16(header + 28);
-    const qint64 extraBytes = at16(header + 30);
-    const qint64 commentBytes = at16(header + 32);
+    entry.nameBytes = low<quint16>(header + 28);
+    const qint64 extraBytes = low<quint16>(header + 30);
+    const qint64 commentBytes = low<quint16>(header + 32);
     used = centralHeaderBytes + entry.nameBytes + extraBytes + commentBytes;
     if (used > room)
         return damaged(u"an entry of its directory is cut off."_s);
-    const quint16 madeBy = at16(header + 4);
-    const quint16 disk = at16(header + 34);
-    entry.flags = at16(header + 8);
-    entry.method = at16(header + 10);
-    entry.stamp = quint32(at16(header + 14)) << 16 | at16(header + 12);
-    entry.crc = at32(header + 16);
-    entry.attributes = at32(header + 38);
-    quint64 values[3] = {at32(header + 24), at32(header + 20), at32(header + 42)};
+    const quint16 madeBy = low<quint16>(header + 4);
+    const quint16 disk = low<quint16>(header + 34);
+    entry.flags = low<quint16>(header + 8);
+    entry.method = low<quint16>(header + 10);
+    entry.stamp = quint32(low<quint16>(header + 14)) << 16 | low<quint16>(header + 12);
+    entry.crc = low<quint32>(header + 16);
+    entry.attributes = low<quint32>(header + 38);
+    quint64 values[3] = {
+        low<quint32>(header + 24), low<quint32>(header + 20), low<quint32>(header + 42)};
 
     const QByteArrayView stored(header + centralHeaderBytes, entry.nameBytes);
     const QByteArrayView extra(header + centralHeaderBytes + entry.nameBytes, extraBytes);
@@ -387,8 +374,8 @@ ZipDirectory::Parser::applyExtra64(QByteArrayView extra, ZipEntry& entry, quint6
     if (values[0] != saturated && values[1] != saturated && values[2] != saturated)
         return Result::success();
     while (extra.size() >= 4) {
-        const quint16 id = at16(extra.data());
-        const qsizetype length = at16(extra.data() + 2);
+        const quint16 id = low<quint16>(extra.data());
+        const qsizetype length = low<quint16>(extra.data() + 2);
         if (length > extra.size() - 4)
             break;
         QByteArrayView field = extra.sliced(4, length);
@@ -401,7 +388,7 @@ ZipDirectory::Parser::applyExtra64(QByteArrayView extra, ZipEntry& entry, quint6
             if (field.size() < 8)
                 return damaged(u"the sizes of the entry '"_s + entry.folder + entry.name +
                                u"' are cut off."_s);
-            value = at64(field.data());
+            value = low<quint64>(field.data());
             field = field.sliced(8);
         }
         break;

@@ -1,6 +1,6 @@
 #include "archive/ZipStream.h"
 
-#include "archive/PutBytes.h"
+#include "archive/LowFirst.h"
 
 #include <cstring>
 #include <memory>

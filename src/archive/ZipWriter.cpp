@@ -1,6 +1,6 @@
 #include "archive/ZipWriter.h"
 
-#include "archive/PutBytes.h"
+#include "archive/LowFirst.h"
 
 #include <QDateTime>
 #include <QtEndian>

@@ -13,7 +13,7 @@ namespace vt::catalogue {
 namespace {
 
 constexpr char magic[8] = {'V', 'T', 'C', 'A', 'T', 'L', 'G', '\n'};
-constexpr quint32 version = 1;
+constexpr quint32 version = 2;
 constexpr qint64 cacheLimit = 256 * 1024 * 1024;
 constexpr qsizetype sumSize = 16;
 

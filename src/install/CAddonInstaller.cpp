@@ -37,8 +37,7 @@ Result moveFile(Services& services, const QString& from, const QString& to)
     return kept ? services.actions.remove(from) : kept;
 }
 
-/// Under a name of its own when there is one of that name already.
-/// Where it lies now.
+/// Under a name of its own when there is one of that name already. Returns where it lies now.
 ResultOf<QString> moveArchive(Services& services, const QString& archive, const QString& folder)
 {
     QString target = folder + winpath::name(archive);
@@ -50,7 +49,7 @@ ResultOf<QString> moveArchive(Services& services, const QString& archive, const 
 }
 
 /// Volumes find each other by their names, so when one is taken they all go to a new folder there.
-/// Where the first one lies now.
+/// Returns where the first one lies now.
 ResultOf<QString> moveVolumes(Services& services, const QStringList& volumes, const QString& folder)
 {
     const auto taken = [&](const QString& into) {

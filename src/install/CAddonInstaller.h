@@ -15,6 +15,7 @@
 #include "shell/Results.h"
 
 #include <QList>
+#include <QSet>
 #include <QString>
 
 #include <functional>
@@ -289,7 +290,7 @@ private:
     QString m_movieToPlay;
     QString m_archive;              ///< in the File Cabinet, when the add-on goes there
     QString m_keptFolder;           ///< below Originals
-    QString m_madeFolder;           ///< exists or is staged: the last file went there
+    QSet<QString> m_filledFolders;  ///< they exist or are staged: files went there
     QList<OuterLink> m_closedLinks; ///< nothing is written behind them
     bool m_cancelled = false;
     bool m_replaceAll = false;

@@ -407,7 +407,7 @@ Result CAddonInstaller::InstallFile(File& file)
         }
     }
     m_log.line(u"   Copy source file to destination.");
-    if (!file.exists && item.sFolder_Installation != m_madeFolder &&
+    if (!file.exists && !m_filledFolders.contains(item.sFolder_Installation) &&
         !m_actions->info(item.sFolder_Installation))
         m_log.line(QString(u"      Creating destination folder "_s + item.sFolder_Installation));
     const ResultOf<Fingerprint> placed = m_actions->placeOver(target, *content, file.before);
@@ -421,7 +421,7 @@ Result CAddonInstaller::InstallFile(File& file)
         return placed.error();
     }
     file.after = *placed;
-    m_madeFolder = item.sFolder_Installation;
+    m_filledFolders.insert(item.sFolder_Installation);
     return Result::success();
 }
 

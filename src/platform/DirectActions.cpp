@@ -70,8 +70,8 @@ ResultOf<Fingerprint> DirectActions::place(const QString& path, const Content& c
     unsigned mode = exists && S_ISREG(st.st_mode) ? st.st_mode & 0777 : 0644;
     if (content.writable)
         mode |= 0200;
-    ResultOf<Fingerprint> print =
-        hostfile::create(folder.get(), temporary, content, m_sync == Sync::Each, mode);
+    ResultOf<Fingerprint> print = hostfile::create(
+        folder.get(), temporary, content, m_sync == Sync::Each, mode, m_gate.breathing);
     if (!print)
         return Result::failure(
             hostfile::withCause(u"'"_s + path + u"' could not be written"_s, print.text),

@@ -48,6 +48,7 @@ FileTransaction::~FileTransaction()
 Result FileTransaction::begin(OperationKind kind, const QString& label)
 {
     Q_ASSERT(m_operation == 0);
+    m_syncEach = !m_gate.breathing;
     // Its steps would meet what this one does.
     const ResultOf<QList<JournalOperation>> unfinished = m_journal.unfinished();
     if (!unfinished)
@@ -73,7 +74,8 @@ Result FileTransaction::begin(OperationKind kind, const QString& label)
 
 Result FileTransaction::announce(const QStringList& targetFolders, qsizetype expectedFiles)
 {
-    m_syncEach = expectedFiles <= manyFiles;
+    // A sync of everything can be left to a child, one for each file cannot.
+    m_syncEach = expectedFiles <= manyFiles && !m_gate.breathing;
     QList<JournalStep> steps;
     for (const QString& folder : targetFolders) {
         QString existing = withoutTrailing(folder);
@@ -279,7 +281,7 @@ ResultOf<Fingerprint>
 FileTransaction::placeOver(const QString& path, const Content& content, const Fingerprint& before)
 {
     return stage(path, before, [&](int folder, const QByteArray& name, unsigned mode) {
-        return hostfile::create(folder, name, content, m_syncEach, mode);
+        return hostfile::create(folder, name, content, m_syncEach, mode, m_gate.breathing);
     });
 }
 
@@ -408,7 +410,7 @@ ResultOf<Fingerprint> FileTransaction::keepPrinted(const QString& from, const QS
     const QByteArray name = winpath::name(from).toUtf8();
     std::optional<Fingerprint> print;
     if (source && !source->staged)
-        print = hostfile::fingerprintAt(source->fd->get(), name);
+        print = hostfile::fingerprintAt(source->fd->get(), name, m_gate.breathing);
     if (print) {
         const ResultOf<Folder> folder = keptFolderFor(from, to);
         if (!folder)
@@ -737,8 +739,9 @@ Result FileTransaction::syncStaged()
             continue;
         seen.insert(st.st_dev);
         const int fault = m_gate.fault("sync folder", folder.host);
-        const Result synced = m_syncEach ? hostfile::syncFolder(folder.fd->get(), fault)
-                                         : hostfile::syncFileSystem(folder.host, fault);
+        const Result synced = m_syncEach
+                                  ? hostfile::syncFolder(folder.fd->get(), fault)
+                                  : hostfile::syncFileSystem(folder.host, fault, m_gate.breathing);
         if (!synced)
             return Result::failure(u"What was prepared in '"_s + it.key().text +
                                        u"' is not safe: "_s + synced.text,

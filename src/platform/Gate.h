@@ -84,6 +84,16 @@ public:
     /// Whether the user confirmed that this link may be followed; unset: none.
     std::function<bool(const OuterLink&)> linkConfirmed;
 
+    /// Called often while something long is written or waited for, where windows are to answer;
+    /// unset: nobody waits for an answer.
+    std::function<void()> breathing;
+
+    void breathe() const
+    {
+        if (breathing)
+            breathing();
+    }
+
     /// Asked before each action that changes the disk ("place", "rename", "commit", ...): 0, or the
     /// errno that the action is to fail with. Set by tests alone, which also end the process in it.
     std::function<int(const char* action, const QByteArray& host)> faultHook;

@@ -7,9 +7,11 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -54,7 +56,7 @@ Result cannotRead(const QByteArray& host, int error)
                            errorText(error));
 }
 
-bool writeAll(int fd, QByteArrayView bytes, int& error)
+bool writeAll(int fd, QByteArrayView bytes, int& error, const Breath& breath)
 {
     while (!bytes.isEmpty()) {
         const ssize_t n = write(fd, bytes.data(), size_t(qMin(bytes.size(), writePiece)));
@@ -65,6 +67,8 @@ bool writeAll(int fd, QByteArrayView bytes, int& error)
             return false;
         }
         bytes = bytes.sliced(n);
+        if (breath)
+            breath();
     }
     return true;
 }
@@ -127,7 +131,7 @@ Fingerprint linkPrint(const QByteArray& text, const struct stat& st)
 }
 
 /// Writes the content into the open file and names the failure, if any.
-ResultOf<Fingerprint> fill(int fd, const Content& content, bool sync)
+ResultOf<Fingerprint> fill(int fd, const Content& content, bool sync, const Breath& breath = {})
 {
     PassingHash hash(content.size);
     int error = 0;
@@ -138,7 +142,7 @@ ResultOf<Fingerprint> fill(int fd, const Content& content, bool sync)
             return false;
         }
         hash.add(piece);
-        return writeAll(fd, piece, error);
+        return writeAll(fd, piece, error, breath);
     };
     const Result given = content.transfer(sink);
     if (error != 0)
@@ -170,6 +174,26 @@ ResultOf<Fingerprint> fill(int fd, const Content& content, bool sync)
     if (sync && fsync(fd) != 0)
         return notSynced(errno);
     return print;
+}
+
+/// syncfs of the file system that \a fd lies on, by a child; 0 or the error.
+int syncInChild(int fd, const Breath& breath)
+{
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(syncfs(fd) == 0 ? 0 : errno);
+    if (child < 0)
+        return syncfs(fd) == 0 ? 0 : errno;
+    constexpr timespec pause{0, 2'000'000};
+    int status = 0;
+    pid_t ended = 0;
+    while ((ended = waitpid(child, &status, WNOHANG)) == 0 || (ended < 0 && errno == EINTR)) {
+        breath();
+        (void)nanosleep(&pause, nullptr);
+    }
+    if (ended == child && WIFEXITED(status))
+        return WEXITSTATUS(status);
+    return syncfs(fd) == 0 ? 0 : errno; // somebody ended the child
 }
 
 Result removeTreeAt(int above, const char* name)
@@ -260,8 +284,12 @@ Descriptor openFolder(const QByteArray& host)
     return Descriptor(open(host.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-ResultOf<Fingerprint>
-create(int folder, const QByteArray& name, const Content& content, bool sync, unsigned mode)
+ResultOf<Fingerprint> create(int folder,
+                             const QByteArray& name,
+                             const Content& content,
+                             bool sync,
+                             unsigned mode,
+                             const Breath& breath)
 {
     const Descriptor fd(openat(
         folder, name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
@@ -269,7 +297,7 @@ create(int folder, const QByteArray& name, const Content& content, bool sync, un
         return failed(errno);
     if (content.mode < 0 && mode != 0644)
         (void)!fchmod(fd.get(), mode); // what is replaced had it in spite of the mask
-    ResultOf<Fingerprint> print = fill(fd.get(), content, sync);
+    ResultOf<Fingerprint> print = fill(fd.get(), content, sync, breath);
     if (!print)
         unlinkat(folder, name.constData(), 0);
     return print;
@@ -442,13 +470,14 @@ Result syncFolder(int folder, int fault)
     return error == 0 || unknown ? Result::success() : notSynced(error);
 }
 
-Result syncFileSystem(const QByteArray& host, int fault)
+Result syncFileSystem(const QByteArray& host, int fault, const Breath& breath)
 {
     const Descriptor fd = openFolder(host);
     if (!fd.valid())
         return errno == ENOENT ? Result::success() : notSynced(errno);
-    return fault == 0 && syncfs(fd.get()) == 0 ? Result::success()
-                                               : notSynced(fault != 0 ? fault : errno);
+    if (fault == 0)
+        fault = breath ? syncInChild(fd.get(), breath) : (syncfs(fd.get()) == 0 ? 0 : errno);
+    return fault == 0 ? Result::success() : notSynced(fault);
 }
 
 ResultOf<Fingerprint> fingerprint(const QByteArray& host)
@@ -475,7 +504,7 @@ ResultOf<Fingerprint> fingerprint(const QByteArray& host)
     return print;
 }
 
-std::optional<Fingerprint> fingerprintAt(int folder, const QByteArray& name)
+std::optional<Fingerprint> fingerprintAt(int folder, const QByteArray& name, const Breath& breath)
 {
     const Descriptor file(
         openat(folder, name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
@@ -495,6 +524,8 @@ std::optional<Fingerprint> fingerprintAt(int folder, const QByteArray& name)
             return std::nullopt;
         if (n > 0)
             hash.add({piece.data(), n});
+        if (breath)
+            breath();
         if (n < ssize_t(piece.size()) && hash.total() >= st.st_size)
             break; // a file ends in a short read
         if (n == 0)

@@ -15,6 +15,9 @@ namespace vt::hostfile {
 // A parameter "fault" is the error that the system call is to meet instead of being made, 0 for
 // none: tests set it through the gate.
 
+/// Called often during long work and long waits; empty where nobody is to be answered meanwhile.
+using Breath = std::function<void()>;
+
 /// An owned file descriptor, closed with its owner.
 class Descriptor
 {
@@ -52,8 +55,12 @@ private:
 /// Creates \a name in a folder (it must not exist), writes the content and sets its time. \a sync:
 /// fsync before closing. On failure the file is gone again. \a mode as for open(), where the
 /// content does not say.
-[[nodiscard]] ResultOf<Fingerprint>
-create(int folder, const QByteArray& name, const Content& content, bool sync, unsigned mode = 0644);
+[[nodiscard]] ResultOf<Fingerprint> create(int folder,
+                                           const QByteArray& name,
+                                           const Content& content,
+                                           bool sync,
+                                           unsigned mode = 0644,
+                                           const Breath& breath = {});
 
 /// The folder with its missing parents; \a made is called for each folder made, outermost first.
 [[nodiscard]] Result makeFolders(const QByteArray& host,
@@ -86,8 +93,10 @@ renameNew(int folder, const QByteArray& from, int toFolder, const QByteArray& to
 /// cannot sync folders.
 [[nodiscard]] Result syncFolder(const QByteArray& host, int fault = 0);
 [[nodiscard]] Result syncFolder(int folder, int fault = 0);
-/// syncfs of the file system that holds the folder.
-[[nodiscard]] Result syncFileSystem(const QByteArray& host, int fault = 0);
+/// syncfs of the file system that holds the folder; with a \a breath a child makes the call, and
+/// this process breathes until it has ended.
+[[nodiscard]] Result
+syncFileSystem(const QByteArray& host, int fault = 0, const Breath& breath = {});
 
 /// Bytes of an open or named file as content; the file is opened when the transfer begins.
 [[nodiscard]] Content contentOf(const QByteArray& host);
@@ -96,6 +105,7 @@ renameNew(int folder, const QByteArray& from, int toFolder, const QByteArray& to
 [[nodiscard]] ResultOf<Fingerprint> fingerprint(const QByteArray& host);
 
 /// Of an ordinary file in an open folder; nothing when it is none, is missing or cannot be read.
-[[nodiscard]] std::optional<Fingerprint> fingerprintAt(int folder, const QByteArray& name);
+[[nodiscard]] std::optional<Fingerprint>
+fingerprintAt(int folder, const QByteArray& name, const Breath& breath = {});
 
 } // namespace vt::hostfile

@@ -21,6 +21,9 @@ public:
     /// to tell (a large file, a child process) calls it often: every 20 ms is not too much, since
     /// most calls cost a look at the clock.
     virtual void breathe() {}
+
+    /// Whether breathe() does anything: then long waits are made in pieces, or beside a child.
+    [[nodiscard]] virtual bool breathes() const { return false; }
 };
 
 /// Says nothing to nobody.

@@ -122,6 +122,7 @@ StepRunner::Completion StepRunner::complete(Journal& journal, const QList<Journa
     // What others made since the steps were planned is to be seen.
     m_gate.files().newOperation();
     for (const JournalStep& step : steps) {
+        m_gate.breathe();
         const Result done = carryOut(step);
         if (done)
             continue;
@@ -403,7 +404,7 @@ void StepRunner::removeFolder(const Target& target)
 Result StepRunner::syncFolders()
 {
     constexpr qsizetype oneByOne = 64;
-    const bool each = m_changedFolders.size() <= oneByOne;
+    const bool each = m_changedFolders.size() <= oneByOne && !m_gate.breathing;
     QSet<dev_t> seen;
     Result first = Result::success();
     for (const QByteArray& folder : std::as_const(m_changedFolders)) {
@@ -414,8 +415,8 @@ Result StepRunner::syncFolders()
             continue;
         seen.insert(st.st_dev);
         const int fault = m_gate.fault("sync folder", folder);
-        Result synced =
-            each ? hostfile::syncFolder(folder, fault) : hostfile::syncFileSystem(folder, fault);
+        Result synced = each ? hostfile::syncFolder(folder, fault)
+                             : hostfile::syncFileSystem(folder, fault, m_gate.breathing);
         if (!synced && first)
             first =
                 Result::failure(u"what was changed in '"_s +

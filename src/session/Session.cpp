@@ -87,6 +87,8 @@ void Session::Parts::buildContext()
     context = std::unique_ptr<Context>(new Context{*services, global, *settings, *errors});
     settings->Registry_LoadSettings();
     outerlinks::attach(*gate, *settings);
+    if (status.breathes())
+        gate->breathing = [this] { status.breathe(); };
     (void)CTrafficTools(*context).Tool_Find(); // its folder may hold interrupted work
 }
 

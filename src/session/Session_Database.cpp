@@ -53,6 +53,7 @@ Result Session::Parts::openForWriting(bool fresh, bool repair)
     if (!opened.connection)
         return unfit(opened.result.text);
     database = std::move(opened.connection);
+    database->setBreathing(gate->breathing);
     const qint64 bytes = files->info(global.databaseFile).value_or(FileInfo{}).size;
     if (const QString text = databaseSizeText(global.names, bytes); !text.isEmpty())
         prompts.ask(announcement(u"Database Warning"_s, text, Icon::Warning));

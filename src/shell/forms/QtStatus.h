@@ -24,6 +24,9 @@ public:
     bool cancelled() override;
     void breathe() override;
 
+    [[nodiscard]] bool breathes() const override { return true; }
+
+
     /// Between these two a long operation runs that may be cancelled; calls nest. Outside of them
     /// windows are drawn, but take no input while something works.
     void beginWork();

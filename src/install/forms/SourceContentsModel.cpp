@@ -2,6 +2,7 @@
 
 #include "install/CAddonInstallationDetails.h"
 #include "platform/Text.h"
+#include "shell/forms/Icons.h"
 
 #include <QLocale>
 
@@ -42,6 +43,8 @@ QVariant SourceContentsModel::fileData(qint32 id, int column, int role) const
     const CAddon_Item& item = *m_details->addon().Search(id);
     if (column == SizeColumn && role == Qt::TextAlignmentRole)
         return int(Qt::AlignRight | Qt::AlignVCenter);
+    if (column == NameColumn && role == Qt::DecorationRole)
+        return icons::kind(icons::Kind::File);
     if (role != Qt::DisplayRole)
         return {};
     switch (column) {
@@ -60,6 +63,8 @@ QVariant SourceContentsModel::folderData(qsizetype files, qint64 bytes, int colu
 {
     if (column == SizeColumn && role == Qt::TextAlignmentRole)
         return int(Qt::AlignRight | Qt::AlignVCenter);
+    if (column == NameColumn && role == Qt::DecorationRole)
+        return icons::kind(icons::Kind::Folder);
     if (role != Qt::DisplayRole)
         return {};
     if (column == TypeColumn)

@@ -100,6 +100,7 @@ QWidget* frmInstall_ConfigureOptions::nameAndDescription()
     m_description->setObjectName(u"txtDescription"_s);
     m_description->setTabChangesFocus(true);
     m_description->setMinimumHeight(4 * fontMetrics().lineSpacing());
+    m_description->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
     grid->addWidget(
         captionOf(u"Provide an optional description for the addon by entering one below"_s,
                   u'p',

@@ -23,7 +23,6 @@ namespace vt {
 
 namespace {
 
-
 enum Tab
 {
     FilesTab,
@@ -52,10 +51,10 @@ frmInstall_Summary::frmInstall_Summary(WizardState& state, QWidget* parent)
     m_tabs->addTab(additionsTab(), QString());
     m_tabs->addTab(problemsTab(), QString());
     layout->addWidget(m_tabs, 1);
-    m_space = new QLabel;
-    m_space->setObjectName(u"lblSpace"_s);
-    m_space->setWordWrap(true);
-    layout->addWidget(m_space);
+    m_remark = new QLabel;
+    m_remark->setObjectName(u"lblRemark"_s);
+    m_remark->setWordWrap(true);
+    layout->addWidget(m_remark);
     setFocusProxy(m_files);
 }
 
@@ -93,7 +92,9 @@ QWidget* frmInstall_Summary::filesTab()
     m_files->setAccessibleName(u"Files and where they go"_s);
     m_files->setRootIsDecorated(true);
     m_files->setHiddenAtFirst({PlannedFilesModel::FolderColumn});
-    m_files->setPathColumns({PlannedFilesModel::SourceColumn, PlannedFilesModel::FolderColumn});
+    m_files->setPathColumns({PlannedFilesModel::NameColumn,
+                             PlannedFilesModel::SourceColumn,
+                             PlannedFilesModel::FolderColumn});
     m_files->setModel(m_model);
     m_files->setEmptyText(u"No file is of this kind."_s);
     m_files->restoreLayout(state().session.context().settings, section(), ViewPrefix::Files);
@@ -164,12 +165,11 @@ void frmInstall_Summary::InstallationSummary_UpdateInstallationClass()
                        withCount(u"Confi&guration Changes"_s, facts.configChanges().size()));
     showAdditions(facts);
     showProblems(facts);
-    const bool cabinet = details().installTo() == InstallTo::Cabinet;
-    const qint64 available = details().bytesFree();
-    m_space->setText(
-        (cabinet ? u"The files go to the File Cabinet and nowhere else. "_s : QString()) +
-        sizeText(details().bytesNeeded()) + u" are needed"_s +
-        (available < 0 ? u"."_s : QString(u", "_s + sizeText(available) + u" are free."_s)));
+    const QString space = details().spaceProblem();
+    m_remark->setText(details().installTo() == InstallTo::Cabinet
+                          ? u"The files go to the File Cabinet and nowhere else. "_s + space
+                          : space);
+    m_remark->setVisible(!m_remark->text().isEmpty());
     context.services.status.text(u"Primary"_s, {});
 }
 

@@ -49,7 +49,7 @@ private:
     QTabWidget* m_tabs = nullptr;
     QComboBox* m_filter = nullptr;
     QLabel* m_counts = nullptr;
-    QLabel* m_space = nullptr;
+    QLabel* m_remark = nullptr;
     ColumnView* m_files = nullptr;
     PlannedFilesModel* m_model = nullptr;
     ConfigChangesView* m_changes = nullptr;

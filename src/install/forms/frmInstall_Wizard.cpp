@@ -75,7 +75,7 @@ bool frmInstall_Wizard::showStep(InstallStep step)
         (!currentPage()->advance(int(step) > currentStep()) || !leaveCurrentPage()))
         return false;
     // Leaving the first page may have chosen an add-on without files for that step.
-    if (stepState(int(step)) == StepState::Off || !page(step))
+    if (!mayVisit(int(step)) || !page(step))
         return false;
     enterPage(step);
     return true;
@@ -155,7 +155,7 @@ void frmInstall_Wizard::SubForms_Unload()
         if (step == size_t(InstallStep::SelectFiles) || !m_pages[step])
             continue;
         m_pages[step]->Form_Settings_Save();
-        m_pages[step]->deleteLater();
+        delete m_pages[step];
         m_pages[step] = nullptr;
     }
 }
@@ -245,7 +245,9 @@ void frmInstall_Wizard::refreshSteps()
             m_visited.contains(i) && (!first || m_details) ? StepState::Done : StepState::Open;
         if (!why.isEmpty())
             state = StepState::NeedsAttention;
-        if (!first && (!m_details || (family != MappedGroup::None && !m_families.contains(family))))
+        if (!first && !m_details)
+            state = StepState::Later;
+        else if (family != MappedGroup::None && !m_families.contains(family))
             state = StepState::Off;
         Step_SetGraphic(i, state, why);
     }

@@ -37,7 +37,7 @@ void StepButton::setState(StepState state, const QString& why)
 {
     m_state = state;
     m_why = why;
-    setEnabled(state != StepState::Off);
+    setEnabled(state != StepState::Off && state != StepState::Later);
     refresh();
 }
 
@@ -70,11 +70,11 @@ void StepButton::refresh()
         setIcon(icons::state(icons::State::Attention));
     else if (isChecked())
         setIcon(icons::state(icons::State::Here));
-    else if (m_state == StepState::Open)
+    else if (m_state == StepState::Open || m_state == StepState::Later)
         setIcon(emptyIcon(iconSize().width()));
     else
-        setIcon(icons::state(m_state == StepState::Done ? icons::State::Done
-                                                        : icons::State::Nothing));
+        setIcon(
+            icons::state(m_state == StepState::Done ? icons::State::Done : icons::State::Nothing));
     const QString state = m_why.isEmpty() ? stateWord() : stateWord() + u": "_s + m_why;
     setAccessibleDescription(state);
     QStringList lines = {m_hint, m_why};

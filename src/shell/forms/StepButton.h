@@ -10,7 +10,8 @@ enum class StepState
     Open, ///< may be visited, and nothing is known against it
     Done,
     NeedsAttention,
-    Off, ///< there is nothing of this kind
+    Off,   ///< there is nothing of this kind
+    Later, ///< what it is about is not chosen yet
 };
 
 class StepButton : public QToolButton

@@ -81,15 +81,17 @@ void WizardFrame::buildPageArea()
     row->addWidget(m_noticeText, 1);
     m_notice->hide();
     area->addWidget(m_notice);
+    auto* grid = qobject_cast<QGridLayout*>(layout());
+    grid->addLayout(area, 0, 1);
 
     m_hint = new QLabel;
     m_hint->setObjectName(u"lblHint"_s);
     m_hint->setWordWrap(true);
     m_hint->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    // Two lines always, so that the page keeps its height from step to step.
+    // Two lines always, so that the page keeps its height from step to step; below the column too,
+    // so that two lines are enough in a small window.
     m_hint->setMinimumHeight(2 * m_hint->fontMetrics().lineSpacing());
-    area->addWidget(m_hint);
-    qobject_cast<QGridLayout*>(layout())->addLayout(area, 0, 1);
+    grid->addWidget(m_hint, 1, 0, 1, 2);
 }
 
 void WizardFrame::buildButtons()
@@ -97,14 +99,14 @@ void WizardFrame::buildButtons()
     auto* grid = qobject_cast<QGridLayout*>(layout());
     auto* line = new QFrame;
     line->setFrameStyle(QFrame::HLine | QFrame::Sunken);
-    grid->addWidget(line, 1, 0, 1, 2);
+    grid->addWidget(line, 2, 0, 1, 2);
 
     m_footerRow = new QHBoxLayout;
     m_footer = new QLabel;
     m_footer->setObjectName(u"lblFooter"_s);
     m_footer->setWordWrap(true);
     m_footerRow->addWidget(m_footer, 1);
-    grid->addLayout(m_footerRow, 2, 0, 1, 2);
+    grid->addLayout(m_footerRow, 3, 0, 1, 2);
 
     auto* row = new QHBoxLayout;
     const auto button = [this, row](const QString& text, const QString& name) {
@@ -129,7 +131,7 @@ void WizardFrame::buildButtons()
     connect(cmdNext, &QPushButton::clicked, this, [this] { go(1); });
     connect(cmdOK, &QPushButton::clicked, this, [this] { finishChosen(); });
     connect(cmdCancel, &QPushButton::clicked, this, &QWidget::close);
-    grid->addLayout(row, 3, 0, 1, 2);
+    grid->addLayout(row, 4, 0, 1, 2);
 }
 
 void WizardFrame::buildShortcuts()
@@ -210,7 +212,7 @@ void WizardFrame::setFinishEnabled(bool enabled)
 int WizardFrame::neighbour(int from, int direction) const
 {
     for (int step = from + direction; step >= 0 && step < m_steps.size(); step += direction)
-        if (stepState(step) != StepState::Off)
+        if (m_steps.at(step)->isEnabled())
             return step;
     return -1;
 }

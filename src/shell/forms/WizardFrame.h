@@ -39,6 +39,9 @@ public:
     [[nodiscard]] int currentStep() const { return m_current; }
 
     [[nodiscard]] StepState stepState(int step) const;
+
+    [[nodiscard]] bool mayVisit(int step) const { return m_steps.at(step)->isEnabled(); }
+
     /// The button of the step that is shown; null before the first.
     [[nodiscard]] StepButton* cmdCurrentStep() const;
 

@@ -7,6 +7,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 
 using namespace Qt::StringLiterals;
 
@@ -33,7 +34,11 @@ ProgressStrip::ProgressStrip(StatusSink& status, QWidget* parent)
     m_bar->setAccessibleName(u"Progress"_s);
     grid->addWidget(m_text, 0, 0);
     grid->addWidget(m_amount, 0, 1);
+    auto* cancel = new QPushButton(u"Stop"_s);
+    cancel->setObjectName(u"cancelWork"_s); // the main window lets it through during work
+    cancel->setToolTip(u"Click here to cancel."_s);
     grid->addWidget(m_bar, 1, 0, 1, 2);
+    grid->addWidget(cancel, 0, 2, 2, 1);
     grid->setColumnStretch(0, 1);
     hide();
     if (!m_status)
@@ -43,6 +48,7 @@ ProgressStrip::ProgressStrip(StatusSink& status, QWidget* parent)
             if (panel == u"Primary")
                 m_text->setText(text);
         });
+    connect(cancel, &QPushButton::clicked, m_status, &QtStatus::requestCancel);
     connect(m_status, &QtStatus::progressChanged, this, &ProgressStrip::showProgress);
     connect(m_status, &QtStatus::idle, this, &QWidget::hide);
 }

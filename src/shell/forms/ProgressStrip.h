@@ -1,5 +1,5 @@
-// How far the running operation is: what it does, a bar, how much of how much, how long yet. Shows
-// itself while there is progress, and hides again.
+// How far the running operation is: what it does, a bar, how much of how much, how long yet, and
+// the button that cancels it. Shows itself while there is progress, and hides again.
 #pragma once
 
 #include "platform/Status.h"

@@ -7,6 +7,7 @@
 #include "session/Session.h"
 #include "shell/Settings.h"
 #include "shell/forms/ColumnView.h"
+#include "shell/forms/Icons.h"
 #include "shell/forms/folderchooser.h"
 
 #include <QDragEnterEvent>
@@ -98,7 +99,7 @@ void frmInstall_SelectFiles::buildProblem()
     row->setContentsMargins({});
     auto* icon = new QLabel;
     const int extent = style()->pixelMetric(QStyle::PM_SmallIconSize);
-    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(extent, extent));
+    icon->setPixmap(icons::state(icons::State::Attention).pixmap(extent, extent));
     row->addWidget(icon, 0, Qt::AlignTop);
     m_problemText = new QLabel;
     m_problemText->setObjectName(u"lblProblem"_s);

@@ -200,6 +200,12 @@ void frmInstall_Summary::filterChanged()
         m_files->expandAll();
     else
         m_files->expandToDepth(0);
+    // By what is seen now that the folders are open, where the user has no widths of his own.
+    Settings& settings = state().session.context().settings;
+    if (!m_sized &&
+        settings.layoutText(section(), LayoutValue::CurrentColumns, ViewPrefix::Files).isEmpty())
+        m_files->autoSizeColumns();
+    m_sized = true;
 }
 
 void frmInstall_Summary::showAdditions(const PlanFacts& facts)

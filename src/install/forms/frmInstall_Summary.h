@@ -46,6 +46,7 @@ private:
     void showProblems(const PlanFacts& facts);
     void filterChanged();
 
+    bool m_sized = false; ///< the columns were
     QTabWidget* m_tabs = nullptr;
     QComboBox* m_filter = nullptr;
     QLabel* m_counts = nullptr;

@@ -26,7 +26,7 @@ void frmInstall_Wizard::tell(const QString& text, Icon icon)
 void frmInstall_Wizard::showFamily(MappedGroup family)
 {
     const InstallStep step = stepOfFamily(family);
-    if (int(step) != currentStep())
+    if (int(step) != currentStep() && page(step))
         enterPage(step);
 }
 

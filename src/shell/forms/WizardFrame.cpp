@@ -1,6 +1,7 @@
 #include "shell/forms/WizardFrame.h"
 
 #include "shell/forms/Frame.h"
+#include "shell/forms/Icons.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -250,9 +251,10 @@ void WizardFrame::setFooter(const QString& text)
 void WizardFrame::setNotice(const QString& text, bool problem)
 {
     const int extent = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
-    const QStyle::StandardPixmap icon =
-        problem ? QStyle::SP_MessageBoxWarning : QStyle::SP_MessageBoxInformation;
-    m_noticeIcon->setPixmap(style()->standardIcon(icon, nullptr, this).pixmap(extent, extent));
+    const QIcon icon = problem
+                           ? icons::state(icons::State::Attention)
+                           : style()->standardIcon(QStyle::SP_MessageBoxInformation, nullptr, this);
+    m_noticeIcon->setPixmap(icon.pixmap(extent, extent));
     m_noticeText->setText(text);
     m_notice->setVisible(!text.isEmpty());
 }

@@ -1,5 +1,6 @@
 #include "install/forms/frmInstall_SelectFiles.h"
 
+#include "archive/forms/frmSelectFSO.h"
 #include "install/CAddonInstallationDetails.h"
 #include "install/forms/SourceContentsModel.h"
 #include "platform/Text.h"
@@ -8,7 +9,6 @@
 #include "shell/Settings.h"
 #include "shell/forms/ColumnView.h"
 #include "shell/forms/Icons.h"
-#include "shell/forms/folderchooser.h"
 
 #include <QDragEnterEvent>
 #include <QGridLayout>
@@ -67,14 +67,10 @@ void frmInstall_SelectFiles::buildPath()
         row->addWidget(made);
         return made;
     };
-    connect(button(u"Choose &File..."_s, u"cmdChooseFile"_s),
+    connect(button(u"Choose &File or Folder..."_s, u"cmdChoose"_s),
             &QPushButton::clicked,
             this,
-            &frmInstall_SelectFiles::chooseFile);
-    connect(button(u"Choose Folde&r..."_s, u"cmdChooseFolder"_s),
-            &QPushButton::clicked,
-            this,
-            &frmInstall_SelectFiles::chooseFolder);
+            &frmInstall_SelectFiles::chooseInWindow);
     m_recentButton = new QToolButton;
     m_recentButton->setObjectName(u"cmdRecent"_s);
     m_recentButton->setText(u"Re&cent"_s);
@@ -124,9 +120,10 @@ void frmInstall_SelectFiles::buildContents()
     m_contents->setModel(m_model);
     m_contents->setEmptyText(
         u"The files of the add-on are listed here before anything is installed."_s,
-        u"Choose File..."_s);
+        u"Choose File or Folder..."_s);
     m_contents->restoreLayout(state().session.context().settings, section(), ViewPrefix::Zip);
-    connect(m_contents, &ColumnView::emptyButtonClicked, this, &frmInstall_SelectFiles::chooseFile);
+    connect(
+        m_contents, &ColumnView::emptyButtonClicked, this, &frmInstall_SelectFiles::chooseInWindow);
     qobject_cast<QVBoxLayout*>(layout())->addWidget(m_contents, 1);
 }
 
@@ -222,36 +219,9 @@ void frmInstall_SelectFiles::Form_Settings_Save()
 
 // Ways to choose.
 
-QString frmInstall_SelectFiles::startFolder()
+void frmInstall_SelectFiles::chooseInWindow()
 {
-    if (state().details)
-        return winpath::parent(state().details->source().path());
-    return state().session.context().settings.text(SettingKey::LastBrowseFolder);
-}
-
-void frmInstall_SelectFiles::chooseFile()
-{
-    const auto chosen =
-        folderchooser::chooseFile(this,
-                                  state().session.services().files,
-                                  {u"Select Addon Files"_s,
-                                   u"Select the archive or the file of an add-on."_s,
-                                   startFolder(),
-                                   {},
-                                   {u"Archives (*.zip *.rar *.exe)"_s, u"All files (*)"_s}});
-    if (!chosen)
-        return;
-    (void)state().session.context().settings.setText(SettingKey::LastBrowseFolder,
-                                                     winpath::parent(*chosen));
-    (void)choose(*chosen); // told on the page
-}
-
-void frmInstall_SelectFiles::chooseFolder()
-{
-    const auto chosen = folderchooser::chooseFolder(
-        this,
-        state().session.services().files,
-        {u"Select Addon Files"_s, u"Select the folder of an add-on."_s, startFolder()});
+    const auto chosen = frmSelectFSO::choose(this, state().session, u"Select Addon Files"_s);
     if (chosen)
         (void)choose(*chosen); // told on the page
 }

@@ -52,11 +52,9 @@ private:
     void Form_Addon_Selections_Restore();
     void showContents();
     void showProblem(const QString& text);
-    void chooseFile();
-    void chooseFolder();
+    void chooseInWindow();
     void fillRecent();
     [[nodiscard]] bool isPending() const;
-    [[nodiscard]] QString startFolder();
 
     CRecentItemsManager m_recent;
     QString m_shown; ///< what the line held when it was chosen or restored

@@ -4,6 +4,8 @@
 #include "addondb/DatabaseSteps.h"
 #include "platform/Text.h"
 
+#include <QHash>
+
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -47,15 +49,6 @@ QString shownDate(const QDateTime& time)
     return time.isValid() ? time.toString(u"yyyy-MM-dd HH:mm"_s) : QString();
 }
 
-/// Of the folder of the add-on's first file.
-QDateTime folderDateOf(Recordset& details, const Files& files, qint64 masterKey)
-{
-    if (!details.seek({masterKey}))
-        return {};
-    const std::optional<FileInfo> folder = files.info(details.text(Field::Installed_To_Location));
-    return folder ? folder->modified() : QDateTime();
-}
-
 } // namespace
 
 QString addonColumnTitle(AddonColumn column)
@@ -70,9 +63,13 @@ SortDataType addonColumnDataType(AddonColumn column)
 
 QString originWord(const AddonRecord& addon)
 {
+    if (addon.original)
+        return u"Flight Simulator"_s;
+    if (addon.status == InstallationStatus::FileCabinet)
+        return u"File Cabinet"_s;
     if (addon.sourceType == SourceType::Imported || addon.status == InstallationStatus::Imported)
         return u"Imported"_s;
-    return addon.sourceType == SourceType::Unknown ? u"Unknown"_s : u"Installed"_s;
+    return u"Installed"_s;
 }
 
 QString ratingText(qint64 rating)
@@ -139,32 +136,41 @@ QVariant AddonListRow::key(AddonColumn column, qsizetype position) const
     return {};
 }
 
-ResultOf<QList<AddonListRow>> addonListRows(Connection& database,
-                                            const Files& files,
-                                            StatusSink& status,
-                                            const ListFilter& filter)
+ResultOf<QList<AddonListRow>>
+addonListRows(Connection& database, StatusSink& status, const ListFilter& filter)
 {
     status.text(u"Primary"_s, u"Building display..."_s);
     const ResultOf<QList<AddonRow>> addons = addonRows(database, filter);
     if (!addons)
         return addons.error();
-    QList<AddonListRow> rows;
-    rows.reserve(addons->size());
+    QHash<std::pair<qint64, QDateTime>, QDateTime> removed;
     Recordset history(database, Table::Addon_History);
-    Recordset details(database, Table::Addon_Details);
-    details.setIndex(Index::Addon_Details_Addon_Master_Key);
-    for (const AddonRow& row : *addons) {
-        AddonListRow shown{row.addon, row.files, {}, {}};
-        if (history.seek({row.addon.key, row.addon.dateInstalled}))
-            shown.dateRemoved = history.date(Field::Date_Uninstalled);
-        shown.folderDate = folderDateOf(details, files, row.addon.key);
-        rows.append(std::move(shown));
-    }
+    for (bool more = history.moveFirst(); more; more = history.moveNext())
+        if (const QDateTime date = history.date(Field::Date_Uninstalled); date.isValid())
+            removed.insert(
+                {history.number(Field::Addon_Master_Key), history.date(Field::Date_Installed)},
+                date);
     if (!history.error())
         return databaseFailure(u"Could not open the addon history table."_s);
-    if (!details.error())
-        return databaseFailure(u"Could not open the addon details table."_s);
+    QList<AddonListRow> rows;
+    rows.reserve(addons->size());
+    for (const AddonRow& row : *addons)
+        rows.append(
+            {row.addon, row.files, removed.value({row.addon.key, row.addon.dateInstalled}), {}});
     return rows;
+}
+
+QDateTime newestInFolder(Connection& database, const Files& files, qint64 masterKey)
+{
+    Recordset details(database, Table::Addon_Details);
+    details.setIndex(Index::Addon_Details_Addon_Master_Key);
+    QDateTime newest;
+    if (!details.seek({masterKey}))
+        return newest;
+    for (const FileInfo& file : files.list(details.text(Field::Installed_To_Location)))
+        if (!file.folder && (!newest.isValid() || file.modified() > newest))
+            newest = file.modified();
+    return newest;
 }
 
 } // namespace vt

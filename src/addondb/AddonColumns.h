@@ -49,7 +49,7 @@ struct AddonListRow
     AddonRecord addon;
     qint64 files = 0;
     QDateTime dateRemoved; ///< invalid while the add-on is there
-    QDateTime folderDate;  ///< of the folder that holds its first file; invalid without one
+    QDateTime folderDate;  ///< as newestInFolder() gives it, where that was asked
 
     [[nodiscard]] AddonIcon icon() const;
     /// What the column shows; \a position is the row's, from 0.
@@ -58,15 +58,19 @@ struct AddonListRow
     [[nodiscard]] QVariant key(AddonColumn column, qsizetype position) const;
 };
 
-/// "Installed", "Imported" or "Unknown".
+/// "Flight Simulator" for the simulator's own content, else "File Cabinet", "Imported" or
+/// "Installed".
 [[nodiscard]] QString originWord(const AddonRecord& addon);
 /// "(unrated)", "1" to "5".
 [[nodiscard]] QString ratingText(qint64 rating);
 
-/// The recorded add-ons that pass, in the order of keys; "Building display..." meanwhile.
-[[nodiscard]] ResultOf<QList<AddonListRow>> addonListRows(Connection& database,
-                                                          const Files& files,
-                                                          StatusSink& status,
-                                                          const ListFilter& filter);
+/// The recorded add-ons that pass, in the order of keys; "Building display..." meanwhile. Folder
+/// dates are left to newestInFolder(), since each costs a look at the disk.
+[[nodiscard]] ResultOf<QList<AddonListRow>>
+addonListRows(Connection& database, StatusSink& status, const ListFilter& filter);
+
+/// Time of the newest file in the add-on's own folder (that of its first file); invalid without
+/// one.
+[[nodiscard]] QDateTime newestInFolder(Connection& database, const Files& files, qint64 masterKey);
 
 } // namespace vt

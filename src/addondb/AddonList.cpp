@@ -28,19 +28,8 @@ bool passesStatus(InstallationStatus status, StatusFilter filter)
 
 bool passes(const AddonRecord& addon, const ListFilter& filter)
 {
-    if (!passesStatus(addon.status, filter.status))
-        return false;
-    if (filter.category && !addon.categories.testFlag(*filter.category))
-        return false;
-    if (filter.since.isValid() && addon.dateInstalled < filter.since)
-        return false;
-    if (filter.search.isEmpty())
-        return true;
-    for (const QString& text : {addon.name, addon.description, addon.authors, addon.sourceName}) {
-        if (containsNoCase(text, filter.search))
-            return true;
-    }
-    return false;
+    return passesWithoutSearch(addon, filter) &&
+           (filter.search.isEmpty() || searchedText(addon).contains(foldCase(filter.search)));
 }
 
 qint64 filesOf(Recordset& details, qint64 masterKey)
@@ -75,6 +64,19 @@ bool isAsLastWritten(Connection& database,
 }
 
 } // namespace
+
+bool passesWithoutSearch(const AddonRecord& addon, const ListFilter& filter)
+{
+    return passesStatus(addon.status, filter.status) &&
+           (!filter.category || addon.categories.testFlag(*filter.category)) &&
+           (!filter.since.isValid() || addon.dateInstalled >= filter.since);
+}
+
+QString searchedText(const AddonRecord& addon)
+{
+    return foldCase(QString(addon.name + u'\n' + addon.description + u'\n' + addon.authors + u'\n' +
+                            addon.sourceName));
+}
 
 ResultOf<QList<AddonRow>> addonRows(Connection& database, const ListFilter& filter)
 {

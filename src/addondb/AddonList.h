@@ -31,6 +31,12 @@ struct ListFilter
     QDateTime since; ///< installed then or later; invalid: at any time
 };
 
+/// By status, category and date; the search is not looked at.
+[[nodiscard]] bool passesWithoutSearch(const AddonRecord& addon, const ListFilter& filter);
+/// The texts that are searched, folded, parted by line ends. The add-on passes a search when
+/// foldCase() of what is looked for is a part of this.
+[[nodiscard]] QString searchedText(const AddonRecord& addon);
+
 struct AddonRow
 {
     AddonRecord addon;

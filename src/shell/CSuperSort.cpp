@@ -1,5 +1,5 @@
-// The keys are brought to a form that compares quickly before they are partitioned; every exchange
-// is made in all arrays.
+// The keys are brought to a form that compares quickly before they are partitioned, together with
+// their places, by which both arrays are put in order in the end.
 #include "shell/CSuperSort.h"
 
 #include "platform/Text.h"
@@ -29,39 +29,55 @@ qint64 dateOf(const QVariant& value)
     return date.isValid() ? date.toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
 }
 
+/// A text without regard to case, by its first characters as one number where these decide.
+struct TextKey
+{
+    explicit TextKey(const QVariant& value) : text(foldCase(value.toString()))
+    {
+        for (qsizetype i = 0; i < 4; ++i)
+            beginning = beginning << 16 | (i < text.size() ? text.at(i).unicode() : 0);
+    }
+
+    friend bool operator<(const TextKey& a, const TextKey& b)
+    {
+        return a.beginning != b.beginning ? a.beginning < b.beginning : a.text < b.text;
+    }
+
+    quint64 beginning = 0;
+    QString text;
+};
+
 template <typename Key> class Partition
 {
 public:
-    Partition(std::vector<Key> prepared,
-              QList<QVariant>& keys,
-              QList<qsizetype>& rows,
-              bool descending)
-        : m_prepared(std::move(prepared)), m_keys(keys), m_rows(rows), m_descending(descending)
+    struct Entry
+    {
+        const Key* key;
+        qsizetype place;
+    };
+
+    Partition(std::vector<Entry>& entries, bool descending)
+        : m_entries(entries), m_descending(descending)
     {}
 
-    void run() { sort(0, qsizetype(m_prepared.size()) - 1); }
+    void run() { sort(0, qsizetype(m_entries.size()) - 1); }
 
 private:
-    [[nodiscard]] bool before(const Key& a, const Key& b) const
+    [[nodiscard]] bool before(const Entry& a, const Entry& b) const
     {
-        return m_descending ? b < a : a < b;
-    }
-
-    void exchange(qsizetype a, qsizetype b)
-    {
-        if (a == b)
-            return;
-        std::swap(m_prepared[size_t(a)], m_prepared[size_t(b)]);
-        m_keys.swapItemsAt(a, b);
-        m_rows.swapItemsAt(a, b);
+        if (*a.key < *b.key)
+            return !m_descending;
+        if (*b.key < *a.key)
+            return m_descending;
+        return a.place < b.place;
     }
 
     /// The median of first, middle and last: sorted arrays are the usual ones.
-    [[nodiscard]] Key pivot(qsizetype first, qsizetype last) const
+    [[nodiscard]] Entry pivot(qsizetype first, qsizetype last) const
     {
-        const Key* a = &m_prepared[size_t(first)];
-        const Key* b = &m_prepared[size_t(first + (last - first) / 2)];
-        const Key* c = &m_prepared[size_t(last)];
+        const Entry* a = &m_entries[size_t(first)];
+        const Entry* b = &m_entries[size_t(first + (last - first) / 2)];
+        const Entry* c = &m_entries[size_t(last)];
         if (before(*b, *a))
             std::swap(a, b);
         if (before(*c, *b))
@@ -73,16 +89,16 @@ private:
     void sort(qsizetype first, qsizetype last)
     {
         while (first < last) {
-            const Key middle = pivot(first, last);
+            const Entry middle = pivot(first, last);
             qsizetype low = first;
             qsizetype high = last;
             while (low <= high) {
-                while (before(m_prepared[size_t(low)], middle))
+                while (before(m_entries[size_t(low)], middle))
                     ++low;
-                while (before(middle, m_prepared[size_t(high)]))
+                while (before(middle, m_entries[size_t(high)]))
                     --high;
                 if (low <= high)
-                    exchange(low++, high--);
+                    std::swap(m_entries[size_t(low++)], m_entries[size_t(high--)]);
             }
             if (high - first < last - low) {
                 sort(first, high);
@@ -94,20 +110,27 @@ private:
         }
     }
 
-    std::vector<Key> m_prepared;
-    QList<QVariant>& m_keys;
-    QList<qsizetype>& m_rows;
+    std::vector<Entry>& m_entries;
     const bool m_descending;
 };
 
-template <typename Prepare>
-void sortBy(QList<QVariant>& keys, QList<qsizetype>& rows, bool descending, Prepare&& prepare)
+template <typename Key, typename Prepare>
+std::vector<qsizetype> orderBy(const QList<QVariant>& keys, bool descending, const Prepare& prepare)
 {
-    std::vector<decltype(prepare(QVariant()))> prepared;
+    std::vector<Key> prepared;
     prepared.reserve(size_t(keys.size()));
-    for (const QVariant& key : std::as_const(keys))
+    for (const QVariant& key : keys)
         prepared.push_back(prepare(key));
-    Partition(std::move(prepared), keys, rows, descending).run();
+    std::vector<typename Partition<Key>::Entry> entries;
+    entries.reserve(prepared.size());
+    for (const Key& key : prepared)
+        entries.push_back({&key, qsizetype(entries.size())});
+    Partition<Key>(entries, descending).run();
+    std::vector<qsizetype> order;
+    order.reserve(entries.size());
+    for (const auto& entry : entries)
+        order.push_back(entry.place);
+    return order;
 }
 
 } // namespace
@@ -121,20 +144,29 @@ bool CSuperSort::Sort(QList<QVariant>& keys, QList<qsizetype>& rows)
             Icon::Critical));
         return false;
     }
-    const bool descending = lngSort_Direction == SortDirection::Descending;
-    switch (lngSort_Column_DataType) {
-    case SortDataType::General:
-        sortBy(
-            keys, rows, descending, [](const QVariant& key) { return foldCase(key.toString()); });
-        break;
-    case SortDataType::Number:
-        sortBy(keys, rows, descending, numberOf);
-        break;
-    case SortDataType::Date:
-        sortBy(keys, rows, descending, dateOf);
-        break;
+    const std::vector<qsizetype> order = Order(keys, lngSort_Column_DataType, lngSort_Direction);
+    const QList<QVariant> keysBefore = keys;
+    const QList<qsizetype> rowsBefore = rows;
+    for (qsizetype i = 0; i < keys.size(); ++i) {
+        keys[i] = keysBefore.at(order[size_t(i)]);
+        rows[i] = rowsBefore.at(order[size_t(i)]);
     }
     return true;
+}
+
+std::vector<qsizetype>
+CSuperSort::Order(const QList<QVariant>& keys, SortDataType type, SortDirection direction)
+{
+    const bool descending = direction == SortDirection::Descending;
+    switch (type) {
+    case SortDataType::General:
+        return orderBy<TextKey>(keys, descending, [](const QVariant& key) { return TextKey(key); });
+    case SortDataType::Number:
+        return orderBy<double>(keys, descending, numberOf);
+    case SortDataType::Date:
+        return orderBy<qint64>(keys, descending, dateOf);
+    }
+    Q_UNREACHABLE();
 }
 
 } // namespace vt

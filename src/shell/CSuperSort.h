@@ -6,6 +6,8 @@
 #include <QList>
 #include <QVariant>
 
+#include <vector>
+
 namespace vt {
 
 /// How the values of a column compare.
@@ -32,7 +34,12 @@ public:
     SortDataType lngSort_Column_DataType = SortDataType::General;
     SortDirection lngSort_Direction = SortDirection::Ascending;
 
-    /// Not stable. Arrays of unequal length are told ("Error") and left alone: false.
+    /// The places of \a keys in the order that Sort() would give them: what a list keeps that sorts
+    /// references to its rows. Equal keys stay as they stand.
+    [[nodiscard]] static std::vector<qsizetype>
+    Order(const QList<QVariant>& keys, SortDataType type, SortDirection direction);
+
+    /// Arrays of unequal length are told ("Error") and left alone: false.
     bool Sort(QList<QVariant>& keys, QList<qsizetype>& rows);
 
 private:

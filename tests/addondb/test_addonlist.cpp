@@ -70,8 +70,7 @@ private Q_SLOTS:
                 QCOMPARE(row.files, row.addon.key == jet.key ? 2 : 0);
 
             SilentStatus silent;
-            const auto shown =
-                addonListRows(database, m_world->files, silent, {status, wanted, search, {}});
+            const auto shown = addonListRows(database, silent, {status, wanted, search, {}});
             QCOMPARE(shown->size(), found->size());
             for (qsizetype i = 0; i < shown->size(); ++i) {
                 const AddonListRow& row = (*shown)[i];
@@ -81,7 +80,9 @@ private Q_SLOTS:
                 QCOMPARE(row.text(AddonColumn::DateRemoved, i), QString());
                 QCOMPARE(row.text(AddonColumn::Rating, i), u"(unrated)"_s);
                 QCOMPARE(row.text(AddonColumn::Origin, i),
-                         names[i] == u"Town" ? u"Imported"_s : u"Unknown"_s);
+                         names[i] == u"Town"     ? u"Imported"_s
+                         : names[i] == u"Stored" ? u"File Cabinet"_s
+                                                 : u"Installed"_s);
                 QCOMPARE(row.key(AddonColumn::Files, i).toLongLong(), (*found)[i].files);
                 QCOMPARE(row.icon(), names[i] == u"Stored" ? AddonIcon::TrashCan : AddonIcon::Own);
             }

@@ -61,4 +61,20 @@ changeAddon(Context& context, Connection& database, qint64 masterKey, const Addo
     return database.together([&] { return changeTexts(database, masterKey, changes); });
 }
 
+Result forgetInstallation(Connection& database, const HistoryRecord& record)
+{
+    const AddonRecord& gone = record.addon;
+    const auto present = modDatabase_Addon::addon(database, gone.key);
+    if (present && present->dateInstalled == gone.dateInstalled)
+        return Result::failure(
+            u"'"_s + gone.name +
+            u"' stays in the history while the add-on is recorded; remove the add-on first."_s);
+    return database.together([&]() -> Result {
+        if (Result done = modDatabase_Addon::deleteHistory(database, gone.key, gone.dateInstalled);
+            !done)
+            return done;
+        return modDatabase_Addon::deleteHistoryDescription(database, gone.key, gone.dateInstalled);
+    });
+}
+
 } // namespace vt

@@ -1,6 +1,7 @@
 // Changes what is recorded about an add-on, all or nothing.
 #pragma once
 
+#include "addondb/AddonRecords.h"
 #include "addondb/Connection.h"
 #include "shell/Context.h"
 
@@ -32,5 +33,9 @@ struct AddonChanges
 /// Kind Failed for an unknown key.
 Result
 changeAddon(Context& context, Connection& database, qint64 masterKey, const AddonChanges& changes);
+
+/// Takes the installation out of the history, with its description. Refused while the add-on is
+/// there, whose removal is told by this row.
+Result forgetInstallation(Connection& database, const HistoryRecord& record);
 
 } // namespace vt

@@ -58,4 +58,12 @@ std::optional<AddonListChoice> addonListOf(const QString& controlName)
     return std::nullopt;
 }
 
+QString addonListTitle(const ListFilter& filter)
+{
+    for (const Entry& entry : entries)
+        if (entry.status == filter.status && entry.category == filter.category)
+            return QStringView(entry.title).toString();
+    return u"Addons"_s;
+}
+
 } // namespace vt

@@ -18,4 +18,7 @@ struct AddonListChoice
 /// The list that the entry of that control name opens ("mnuFileCabinet"); nothing for others.
 [[nodiscard]] std::optional<AddonListChoice> addonListOf(const QString& controlName);
 
+/// The title of the list of that status and category; "Addons" where no menu entry names it.
+[[nodiscard]] QString addonListTitle(const ListFilter& filter);
+
 } // namespace vt

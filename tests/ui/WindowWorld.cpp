@@ -28,6 +28,8 @@ QString keyTexts(const QList<qint64>& keys)
 void RecordingFrame::command(const QString& controlName)
 {
     calls.append(u"command "_s + controlName);
+    if (controlName == "mnuCloseAll"_L1)
+        toolsOpen = 0;
 }
 
 void RecordingFrame::installAddon(const QString& source)

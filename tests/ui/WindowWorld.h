@@ -31,12 +31,15 @@ public:
     void showResults(const QString& caption, const Results& results) override;
     void startFlying(const QString& file, bool afterChange) override;
     void recordsChanged() override;
+    [[nodiscard]] int openTools() const override { return toolsOpen; }
+
     void showHelp(const QString& topic) override;
     void beginWork() override;
     void endWork() override;
 
     QStringList calls;
     Results results;   ///< the last that were to be shown
+    int toolsOpen = 0; ///< until "mnuCloseAll" is commanded
     int working = 0;   ///< begun and not ended
     int everBegun = 0; ///< how often work was begun
 };

@@ -69,6 +69,7 @@ void ColumnView::buildHeader()
     columns->setAccessibleName(u"Columns"_s);
     columns->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(columns, &QWidget::customContextMenuRequested, this, &ColumnView::showHeaderMenu);
+    columns->setSortIndicator(-1, Qt::AscendingOrder); // until somebody sorts
     setSortingEnabled(true);
 }
 

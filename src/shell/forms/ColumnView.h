@@ -140,7 +140,7 @@ private:
     ViewType m_viewType = ViewType::Details;
     QList<int> m_shownInDetails; ///< while another view type hides them
     bool m_showsIcons = true;
-    bool m_sized = true; ///< false: columns are sized when the first rows come
+    bool m_sized = false; ///< false: columns are sized when the first rows come
     QAction* m_selectAll = nullptr;
     QAction* m_selectNone = nullptr;
     QAction* m_invert = nullptr;

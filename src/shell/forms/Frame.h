@@ -29,6 +29,8 @@ public:
     virtual void startFlying(const QString& file = {}, bool afterChange = false) = 0;
     /// Records changed: every open tool is told.
     virtual void recordsChanged() = 0;
+    /// How many tools are open; "mnuCloseAll" closes them.
+    [[nodiscard]] virtual int openTools() const = 0;
     /// Opens a topic of the help.
     virtual void showHelp(const QString& topic = {}) = 0;
 

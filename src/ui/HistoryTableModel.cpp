@@ -1,0 +1,172 @@
+#include "ui/HistoryTableModel.h"
+
+#include "addondb/AddonColumns.h"
+#include "platform/Text.h"
+
+#include <QLocale>
+
+#include <array>
+#include <numeric>
+
+using namespace Qt::StringLiterals;
+
+namespace vt {
+
+namespace {
+
+struct ColumnAbout
+{
+    const char16_t* title;
+    SortDataType type;
+};
+
+constexpr std::array<ColumnAbout, HistoryTableModel::ColumnCount> columnsAbout{{
+    {u"Addon Name", SortDataType::General},
+    {u"Status", SortDataType::General},
+    {u"Date Installed", SortDataType::Date},
+    {u"Date Removed", SortDataType::Date},
+    {u"Group", SortDataType::General},
+    {u"Author(s)", SortDataType::General},
+    {u"Source Name", SortDataType::General},
+    {u"Size", SortDataType::Number},
+    {u"Files", SortDataType::Number},
+    {u"Rating", SortDataType::Number},
+}};
+
+QVariant historyKey(const HistoryRecord& record, int column)
+{
+    const AddonRecord& addon = record.addon;
+    switch (column) {
+    case HistoryTableModel::NameColumn:
+        return addon.name;
+    case HistoryTableModel::StatusColumn:
+        return statusTitle(addon.status);
+    case HistoryTableModel::InstalledColumn:
+        return addon.dateInstalled;
+    case HistoryTableModel::RemovedColumn:
+        return record.dateUninstalled;
+    case HistoryTableModel::GroupColumn:
+        return categoryWords(addon.categories).join(u", "_s);
+    case HistoryTableModel::AuthorsColumn:
+        return addon.authors;
+    case HistoryTableModel::SourceColumn:
+        return addon.sourceName;
+    case HistoryTableModel::SizeColumn:
+        return addon.sourceSize;
+    case HistoryTableModel::FilesColumn:
+        return addon.sourceTotalFiles;
+    case HistoryTableModel::RatingColumn:
+        return addon.rating;
+    default:
+        return {};
+    }
+}
+
+QVariant historyText(const HistoryRecord& record, int column)
+{
+    const QVariant key = historyKey(record, column);
+    if (columnsAbout[size_t(column)].type == SortDataType::Date) {
+        const QDateTime date = key.toDateTime();
+        return date.isValid() ? QLocale().toString(date, QLocale::ShortFormat) : QString();
+    }
+    if (column == HistoryTableModel::SizeColumn)
+        return sizeText(key.toLongLong());
+    return column == HistoryTableModel::RatingColumn ? ratingText(key.toLongLong())
+                                                     : key.toString();
+}
+
+bool alignsRight(int column)
+{
+    return column == HistoryTableModel::SizeColumn || column == HistoryTableModel::FilesColumn;
+}
+
+} // namespace
+
+QString statusTitle(InstallationStatus status)
+{
+    switch (status) {
+    case InstallationStatus::Installed:
+        return u"Installed"_s;
+    case InstallationStatus::FileCabinet:
+        return u"File Cabinet"_s;
+    case InstallationStatus::Removed:
+        return u"Removed"_s;
+    case InstallationStatus::Imported:
+        return u"Imported"_s;
+    }
+    Q_UNREACHABLE();
+}
+
+void HistoryTableModel::setRows(QList<HistoryRecord> rows)
+{
+    beginResetModel();
+    m_rows = std::move(rows);
+    putInOrder();
+    endResetModel();
+}
+
+void HistoryTableModel::putInOrder()
+{
+    m_order.resize(size_t(m_rows.size()));
+    std::iota(m_order.begin(), m_order.end(), 0);
+    if (m_sortColumn < 0)
+        return;
+    QList<QVariant> keys;
+    keys.reserve(m_rows.size());
+    for (const HistoryRecord& record : std::as_const(m_rows))
+        keys.append(historyKey(record, m_sortColumn));
+    m_order = CSuperSort::Order(keys,
+                                columnsAbout[size_t(m_sortColumn)].type,
+                                m_sortOrder == Qt::DescendingOrder ? SortDirection::Descending
+                                                                   : SortDirection::Ascending);
+}
+
+void HistoryTableModel::sort(int column, Qt::SortOrder order)
+{
+    if (column >= ColumnCount)
+        return;
+    beginResetModel();
+    m_sortColumn = column;
+    m_sortOrder = order;
+    putInOrder();
+    endResetModel();
+}
+
+const HistoryRecord& HistoryTableModel::at(int row) const
+{
+    return m_rows.at(m_order[size_t(row)]);
+}
+
+int HistoryTableModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+int HistoryTableModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant HistoryTableModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid())
+        return {};
+    if (role == Qt::DisplayRole)
+        return historyText(at(index.row()), index.column());
+    if (role == Qt::TextAlignmentRole && alignsRight(index.column()))
+        return int(Qt::AlignRight | Qt::AlignVCenter);
+    return {};
+}
+
+QVariant HistoryTableModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || section < 0 || section >= ColumnCount)
+        return {};
+    if (role == Qt::DisplayRole)
+        return QStringView(columnsAbout[size_t(section)].title).toString();
+    if (role == Qt::TextAlignmentRole)
+        return int((alignsRight(section) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    return {};
+}
+
+} // namespace vt

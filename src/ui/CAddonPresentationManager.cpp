@@ -128,7 +128,6 @@ void CAddonPresentationManager::announceEnd(const QString& caption,
                                             const QStringList& causes)
 {
     say(end.text);
-    m_session.services().status.progress(0, 0);
     if (end.good)
         return;
     Prompt prompt = announcement(caption, end.text, Icon::Warning);
@@ -252,7 +251,6 @@ AddonCommandEnd CAddonPresentationManager::Addons_Validate(const QList<qint64>& 
     end.caption = u"Validation Results"_s;
     if (keys.size() > 1)
         end.text = end.good ? u"The addons are whole."_s : u"At least one addon is not whole."_s;
-    m_session.services().status.progress(0, 0);
     say(end.text);
     return end;
 }

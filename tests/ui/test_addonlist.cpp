@@ -1,6 +1,7 @@
 // The list of add-ons over a real database and simulator: filters, sorting, every command of its
 // menu, search, layout.
 #include "addondb/AddonDatabase.h"
+#include "addondb/Pictures.h"
 #include "shell/Settings.h"
 #include "support/TestMain.h"
 #include "support/TreeSnapshot.h"
@@ -11,6 +12,7 @@
 #include "ui/forms/frmWorkWithAddons.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -359,9 +361,18 @@ private Q_SLOTS:
             world.database(),
             world.keys[0],
             u"Two harbours with their breakwaters, cranes and ferries, and night lights."_s));
+        QImage picture(320, 180, QImage::Format_RGB32);
+        picture.fill(QColor(70, 110, 160));
+        QBuffer bytes;
+        QVERIFY(picture.save(&bytes, "JPG"));
+        writeHostFile(QString::fromUtf8(world.context().services.files.hostPath(
+                          pictures::addonPicture(world.context().global, world.keys[0]))),
+                      bytes.data());
+        world.context().services.files.newOperation();
         world.window->recordsChanged();
         world.window->selectAddons({world.keys[0]});
         QTRY_VERIFY(world.child<QTabWidget>(u"tabDetails")->isVisible());
+        QTRY_VERIFY(world.child<QLabel>(u"picAddon")->isVisible());
         screenshot(*world.window, u"addons"_s, {1280, 800});
         screenshot(*world.window, u"addons-800x600"_s, {780, 480});
         QMenu* menu = world.menu();

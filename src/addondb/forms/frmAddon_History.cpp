@@ -79,7 +79,7 @@ QLayout* frmAddon_History::buildFilters()
         m_date->addItem(text, int(period));
     m_count = new QLabel;
     m_count->setObjectName(u"lblCount"_s);
-    auto* label = new QLabel(u"&Filter:"_s);
+    auto* label = new QLabel(u"Fi&lter:"_s);
     label->setBuddy(m_status);
     auto* line = new QHBoxLayout;
     line->addWidget(label);
@@ -150,7 +150,7 @@ void frmAddon_History::buildPanes()
 
 QLayout* frmAddon_History::buildButtons()
 {
-    m_openButton = new QPushButton(u"&Open Addon"_s);
+    m_openButton = new QPushButton(u"Ope&n Addon"_s);
     m_openButton->setObjectName(u"cmdOpen"_s);
     m_deleteButton = new QPushButton(u"&Delete From History"_s);
     m_deleteButton->setObjectName(u"cmdDelete"_s);

@@ -126,7 +126,6 @@ void frmDatabase_Optimize::optimize()
                 u" saved; the damaged file is kept as '"_s + report.damagedFile + u"'."_s;
     m_said->setText(said);
     m_session.services().status.text(u"Primary"_s, report.result.text);
-    m_session.services().status.progress(0, 0);
     showSize();
     m_frame.recordsChanged();
 }

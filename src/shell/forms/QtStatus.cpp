@@ -71,7 +71,8 @@ void QtStatus::breathe()
 
 void QtStatus::tellProgress()
 {
-    if (!m_sinceStart.isValid() || m_sinceStart.elapsed() < appearsAfterMs)
+    const bool nothingToCount = m_depth == 0 && m_total == 0; // a remark that stays
+    if (nothingToCount || !m_sinceStart.isValid() || m_sinceStart.elapsed() < appearsAfterMs)
         return;
     Q_EMIT progressChanged(m_done, m_total);
 }

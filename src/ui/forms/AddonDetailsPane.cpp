@@ -7,6 +7,7 @@
 #include "shell/forms/Icons.h"
 #include "simconfig/AddonVariations.h"
 
+#include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
 #include <QPlainTextEdit>
@@ -109,6 +110,7 @@ QWidget* AddonDetailsPane::buildFiles()
     m_filesView->setObjectName(u"lvwAddonFiles"_s);
     m_filesView->setAccessibleName(u"Files"_s);
     m_filesView->setModel(&m_files);
+    m_filesView->header()->setStretchLastSection(true);
     m_filesView->setPathColumns({AddonFilesModel::FolderColumn});
     m_filesView->setEmptyText(u"No files are recorded for this add-on."_s);
     return m_filesView;
@@ -124,6 +126,7 @@ QWidget* AddonDetailsPane::buildPlain(QStandardItemModel*& model,
     view->setObjectName(u"lvw"_s + name);
     view->setAccessibleName(name);
     view->setModel(model);
+    view->header()->setStretchLastSection(true);
     view->setPathColumns({int(titles.size()) - 1});
     view->setEmptyText(name == "Areas"_L1 ? u"The add-on added no areas to the scenery library."_s
                                           : u"The add-on added no variations to aircraft."_s);

@@ -155,7 +155,7 @@ void CControlMgr_lvwAddons::fill()
         const QScopedValueRollback guard(m_loadInProgress, true);
         return addonListRows(*m_session.database(), m_session.services().status, {});
     }();
-    m_session.services().status.text(u"Primary"_s, rows ? u"Ready"_s : rows.text);
+    m_session.services().status.text(u"Primary"_s, rows ? QString() : rows.text);
     if (rows)
         m_model.setRows(std::move(*rows));
 }
@@ -303,7 +303,7 @@ void CControlMgr_lvwAddons::afterCommand(const AddonCommandEnd& end, SettingKey 
         return;
     if (!end.changed.isEmpty())
         m_frame.recordsChanged();
-    m_session.services().status.text(u"Primary"_s, end.text); // after "Ready" of a new filling
+    m_session.services().status.text(u"Primary"_s, end.text); // the filling ended it
     Settings& settings = m_session.context().settings;
     if (settings.flag(showReport) || !end.good)
         m_frame.showResults(end.caption, end.results);

@@ -85,7 +85,7 @@ QLayout* frmWorkWithAddons::buildFilters()
     m_count->setObjectName(u"lblCount"_s);
     m_showDetails = new QToolButton;
     m_showDetails->setObjectName(u"cmdDetails"_s);
-    m_showDetails->setText(u"De&tails"_s);
+    m_showDetails->setText(u"&Details"_s);
     m_showDetails->setCheckable(true);
     m_showDetails->setChecked(true);
     m_showDetails->setToolTip(u"Show or hide the details of the selected add-on"_s);
@@ -239,7 +239,7 @@ void frmWorkWithAddons::showCounts()
             u"No add-on is recorded yet. Install one from an archive or a folder, or drop it here."_s,
             u"&Install an Addon..."_s);
     else
-        m_list->setEmptyText(u"No add-on fits the search and the filters."_s, u"Show &All"_s);
+        m_list->setEmptyText(u"No add-on fits the search and the filters."_s, u"Show A&ll"_s);
     context().services.status.text(u"Secondary"_s, totalsText(model.totals()));
 }
 

@@ -44,6 +44,14 @@ constexpr Entry entries[] = {
 
 } // namespace
 
+QStringList addonListControls()
+{
+    QStringList controls;
+    for (const Entry& entry : entries)
+        controls.append(QStringView(entry.control).toString());
+    return controls;
+}
+
 std::optional<AddonListChoice> addonListOf(const QString& controlName)
 {
     for (const Entry& entry : entries) {
@@ -53,6 +61,10 @@ std::optional<AddonListChoice> addonListOf(const QString& controlName)
         choice.filter.status = entry.status;
         choice.filter.category = entry.category;
         choice.title = QStringView(entry.title).toString();
+        const bool worksWith =
+            !entry.category && entry.status != StatusFilter::FileCabinet; // as at the start
+        choice.openingText =
+            (worksWith ? u"Opening Work With "_s : u"Opening "_s) + choice.title + u"..."_s;
         return choice;
     }
     return std::nullopt;

@@ -4,6 +4,7 @@
 #include "addondb/AddonList.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -12,9 +13,12 @@ namespace vt {
 struct AddonListChoice
 {
     ListFilter filter;
-    QString title; ///< of the window: "Aircraft Addons"
+    QString title;       ///< of the window: "Aircraft Addons"
+    QString openingText; ///< "Opening File Cabinet..."
 };
 
+/// The control names of the entries that name a list, in the menu's order.
+[[nodiscard]] QStringList addonListControls();
 /// The list that the entry of that control name opens ("mnuFileCabinet"); nothing for others.
 [[nodiscard]] std::optional<AddonListChoice> addonListOf(const QString& controlName);
 

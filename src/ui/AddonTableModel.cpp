@@ -3,7 +3,6 @@
 #include "platform/Text.h"
 
 #include <QLocale>
-#include <QStringMatcher>
 
 #include <algorithm>
 
@@ -23,12 +22,6 @@ bool isDate(AddonColumn column)
     return addonColumnDataType(column) == SortDataType::Date;
 }
 
-/// A matcher that is set up once for all rows.
-QStringMatcher matcherFor(const QString& search)
-{
-    return QStringMatcher(foldCase(search), Qt::CaseSensitive);
-}
-
 } // namespace
 
 QString totalsText(const AddonTotals& totals)
@@ -44,17 +37,27 @@ void AddonTableModel::setRows(QList<AddonListRow> rows)
     beginResetModel();
     m_rows.assign(std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
     m_dated.assign(m_rows.size(), false);
-    m_searched.clear();
     m_leftOut.clear();
     for (Places& places : m_ascending)
         places.clear();
+    prepareSearch();
+    passWithoutSearch();
     m_shown = passing();
     endResetModel();
 }
 
 void AddonTableModel::setFilter(const ListFilter& filter)
 {
+    const bool onlySearch = filter.status == m_filter.status &&
+                            filter.category == m_filter.category && filter.since == m_filter.since;
     m_filter = filter;
+    if (!onlySearch)
+        passWithoutSearch();
+    showPassing();
+}
+
+void AddonTableModel::showPassing()
+{
     Places shown = passing();
     if (shown == m_shown)
         return;
@@ -67,36 +70,70 @@ void AddonTableModel::leaveOut(const QList<qint64>& masterKeys)
 {
     for (const qint64 key : masterKeys)
         m_leftOut.insert(key);
-    setFilter(m_filter);
+    passWithoutSearch();
+    showPassing();
 }
 
 void AddonTableModel::prepareSearch()
 {
-    if (m_searched.size() == m_rows.size())
-        return;
-    m_searched.reserve(m_rows.size());
-    for (const AddonListRow& row : m_rows)
-        m_searched.push_back(searchedText(row.addon));
+    m_searched.clear();
+    m_searchedBegins.clear();
+    m_searchedBegins.reserve(m_rows.size() + 1);
+    for (const AddonListRow& row : m_rows) {
+        m_searchedBegins.push_back(m_searched.size());
+        m_searched += searchedText(row.addon).toStdString();
+        m_searched += '\n';
+    }
+    m_searchedBegins.push_back(m_searched.size());
+}
+
+void AddonTableModel::passWithoutSearch()
+{
+    m_passing.resize(m_rows.size());
+    for (size_t place = 0; place < m_rows.size(); ++place) {
+        const AddonRecord& addon = m_rows[place].addon;
+        m_passing[place] = passesWithoutSearch(addon, m_filter) &&
+                           (m_leftOut.isEmpty() || !m_leftOut.contains(addon.key));
+    }
+}
+
+/// Takes those out that do not hold the text.
+void AddonTableModel::passSearch(std::vector<char>& passes) const
+{
+    const std::string wanted = foldCase(m_filter.search).toStdString();
+    size_t place = 0;
+    for (size_t at = m_searched.find(wanted); at != std::string::npos;) {
+        const size_t begin = place;
+        while (m_searchedBegins[place + 1] <= at)
+            ++place;
+        std::fill(passes.begin() + qsizetype(begin), passes.begin() + qsizetype(place), 0);
+        ++place; // one hit is enough
+        if (place == passes.size())
+            break;
+        at = m_searched.find(wanted, m_searchedBegins[place]);
+    }
+    std::fill(passes.begin() + qsizetype(place), passes.end(), 0);
+}
+
+AddonTableModel::Places AddonTableModel::inOrder(const std::vector<char>& passes)
+{
+    Places shown;
+    shown.reserve(passes.size());
+    for (const int place : ascending(m_sortColumn))
+        if (passes[size_t(place)])
+            shown.push_back(place);
+    if (m_sortOrder == Qt::DescendingOrder)
+        std::reverse(shown.begin(), shown.end());
+    return shown;
 }
 
 AddonTableModel::Places AddonTableModel::passing()
 {
-    const bool searching = !m_filter.search.isEmpty();
-    if (searching)
-        prepareSearch();
-    const QStringMatcher matcher = matcherFor(m_filter.search);
-    Places shown;
-    shown.reserve(m_rows.size());
-    for (const int place : ascending(m_sortColumn)) {
-        const AddonRecord& addon = m_rows[size_t(place)].addon;
-        if (passesWithoutSearch(addon, m_filter) &&
-            (!searching || matcher.indexIn(m_searched[size_t(place)]) >= 0) &&
-            (m_leftOut.isEmpty() || !m_leftOut.contains(addon.key)))
-            shown.push_back(place);
-    }
-    if (m_sortOrder == Qt::DescendingOrder)
-        std::reverse(shown.begin(), shown.end());
-    return shown;
+    if (m_filter.search.isEmpty())
+        return inOrder(m_passing);
+    std::vector<char> passes = m_passing;
+    passSearch(passes);
+    return inOrder(passes);
 }
 
 // --- sorting ---
@@ -281,8 +318,7 @@ bool AddonTableModel::setData(const QModelIndex& index, const QVariant& value, i
         return false;
     text = wanted;
     m_ascending[size_t(index.column())].clear();
-    if (!m_searched.empty())
-        m_searched[size_t(m_shown[size_t(index.row())])] = searchedText(addon);
+    prepareSearch();
     Q_EMIT dataChanged(index, index);
     return true;
 }

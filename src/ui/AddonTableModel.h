@@ -10,6 +10,7 @@
 
 #include <array>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace vt {
@@ -74,12 +75,21 @@ private:
     [[nodiscard]] QString shownText(int row, AddonColumn column) const;
     [[nodiscard]] AddonListRow& withFolderDate(int place) const;
     const Places& ascending(AddonColumn column);
+    /// Places of the rows that pass the filter, in the order of the sorting.
     [[nodiscard]] Places passing();
     void prepareSearch();
+    void showPassing();
+    void passWithoutSearch();
+    void passSearch(std::vector<char>& passes) const;
+    [[nodiscard]] Places inOrder(const std::vector<char>& passes);
 
     mutable std::vector<AddonListRow> m_rows; ///< folder dates are added when they are asked for
     mutable std::vector<bool> m_dated;
-    std::vector<QString> m_searched; ///< by place; empty until the first search
+    /// The searched texts of all rows behind each other, in UTF-8, and where each begins: one walk
+    /// through memory finds every row that holds a text.
+    std::string m_searched;
+    std::vector<size_t> m_searchedBegins;
+    std::vector<char> m_passing;                                ///< by place, without the search
     std::array<Places, size_t(AddonColumn::Count)> m_ascending; ///< empty until asked for
     Places m_shown;
     QSet<qint64> m_leftOut;

@@ -153,6 +153,8 @@ QVariant HistoryTableModel::data(const QModelIndex& index, int role) const
         return {};
     if (role == Qt::DisplayRole)
         return historyText(at(index.row()), index.column());
+    if (role == Qt::DecorationRole && index.column() == NameColumn && picture)
+        return picture(at(index.row()).addon.status);
     if (role == Qt::TextAlignmentRole && alignsRight(index.column()))
         return int(Qt::AlignRight | Qt::AlignVCenter);
     return {};

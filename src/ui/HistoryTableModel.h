@@ -6,6 +6,7 @@
 
 #include <QAbstractTableModel>
 
+#include <functional>
 #include <vector>
 
 namespace vt {
@@ -31,6 +32,9 @@ public:
     };
 
     using QAbstractTableModel::QAbstractTableModel;
+
+    /// The small picture of a row, as Qt::DecorationRole gives it. Unset: none.
+    std::function<QVariant(InstallationStatus)> picture;
 
     void setRows(QList<HistoryRecord> rows);
 

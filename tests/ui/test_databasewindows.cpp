@@ -1,14 +1,18 @@
 // The two windows on the records themselves: the history under its filters, and the optimisation
 // with its questions.
 #include "addondb/AddonDatabase.h"
+#include "addondb/forms/DatabaseCommands.h"
 #include "addondb/forms/frmAddon_History.h"
 #include "addondb/forms/frmDatabase_Optimize.h"
 #include "shell/Settings.h"
 #include "shell/forms/ColumnView.h"
 #include "support/Rows.h"
 #include "support/TestMain.h"
+#include "ui/AddonLists.h"
 #include "ui/Screenshot.h"
 #include "ui/WindowWorld.h"
+#include "ui/forms/AddonListCommands.h"
+#include "ui/forms/frmWorkWithAddons.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -204,6 +208,40 @@ private Q_SLOTS:
         QCOMPARE(world.names(), QStringList({u"Just now"_s, u"Cabinet"_s, u"Old"_s}));
         world.window->recordsChanged();
         QCOMPARE(world.names().size(), 3);
+    }
+
+    /// By the real main window: one list under many names, the hook, every tool closed.
+    void mainWindow_opensThem()
+    {
+        WindowWorld world;
+        const qint64 gauges = world.install(u"barograph-gauges"_s);
+        const qint64 manuals = world.install(u"kestrel-manuals"_s);
+        QtStatus status(world.prompts);
+        frmControl control(world.context(), status);
+        wireAddonLists(control, *world.session);
+        wireDatabaseTools(control, *world.session);
+        control.showAtStart();
+        for (const QString& name : addonListControls())
+            QVERIFY2(control.hasCommand(name), qUtf8Printable(name));
+        control.command(u"mnuWorkWithPanelAddons"_s);
+        control.command(u"mnuAddonHistory"_s);
+        control.workWithAddons({manuals});
+        QCOMPARE(control.openTools(), 2);
+        auto* list = control.findChild<frmWorkWithAddons*>();
+        QCOMPARE(list->windowTitle(), u"All Addons"_s);
+        QCOMPARE(list->manager().selectedKeys(), QList<qint64>{manuals});
+        QVERIFY(modDatabase_Addon::setName(world.database(), gauges, u"Renamed"_s));
+        control.recordsChanged();
+        QCOMPARE(list->manager().model().at(0).addon.name, u"Renamed"_s);
+        control.resize(1280, 800);
+        screenshot(control, u"main-with-list"_s, {1280, 800});
+        frmDatabase_Optimize window(*world.session, control);
+        world.prompts.expect(u"Close open windows?"_s, Button::Ok);
+        window.optimize();
+        QCOMPARE(control.openTools(), 0);
+        QVERIFY(window.findChild<QLabel*>(u"lblSaid"_s)
+                    ->text()
+                    .startsWith(u"The database was optimized."_s));
     }
 
     void optimisation_asksAndTells()

@@ -5,6 +5,7 @@
 #include "platform/Text.h"
 #include "shell/Settings.h"
 #include "shell/forms/ColumnView.h"
+#include "shell/forms/Icons.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -37,6 +38,20 @@ Prompt confirmForgetting(const QStringList& names)
     }
     prompt.advice = u"That the add-on was ever installed is then recorded nowhere."_s;
     return prompt;
+}
+
+icons::State iconOf(InstallationStatus status)
+{
+    switch (status) {
+    case InstallationStatus::FileCabinet:
+        return icons::State::Cabinet;
+    case InstallationStatus::Removed:
+        return icons::State::TrashCan;
+    case InstallationStatus::Installed:
+    case InstallationStatus::Imported:
+        return icons::State::Own;
+    }
+    Q_UNREACHABLE();
 }
 
 } // namespace
@@ -79,17 +94,12 @@ QLayout* frmAddon_History::buildFilters()
         m_date->addItem(text, int(period));
     m_count = new QLabel;
     m_count->setObjectName(u"lblCount"_s);
-    auto* label = new QLabel(u"Fi&lter:"_s);
-    label->setBuddy(m_status);
     auto* line = new QHBoxLayout;
-    line->addWidget(label);
     for (QComboBox* box : {m_status, m_category, m_date}) {
-        box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        box->setMinimumContentsLength(16);
         connect(box, &QComboBox::currentIndexChanged, this, &frmAddon_History::fill);
-        line->addWidget(box, 1);
+        line->addWidget(box);
     }
-    line->addWidget(m_count);
+    line->addStretch();
     return line;
 }
 
@@ -98,6 +108,9 @@ void frmAddon_History::buildPanes()
     m_list = new ColumnView;
     m_list->setObjectName(u"lvwHistory"_s);
     m_list->setAccessibleName(u"History"_s);
+    m_model.picture = [](InstallationStatus status) {
+        return QVariant(icons::state(iconOf(status)));
+    };
     m_list->setModel(&m_model);
     m_list->setPathColumns({HistoryTableModel::SourceColumn});
     m_list->setFirstSort(HistoryTableModel::InstalledColumn, Qt::DescendingOrder);
@@ -141,11 +154,13 @@ void frmAddon_History::buildPanes()
     for (QWidget* part : {static_cast<QWidget*>(m_name), static_cast<QWidget*>(m_facts)})
         layout->addWidget(part);
     layout->addWidget(m_description, 1);
+    layout->addStretch();
     m_panes = new QSplitter;
     m_panes->addWidget(m_list);
     m_panes->addWidget(details);
     m_panes->setChildrenCollapsible(false);
-    m_panes->setStretchFactor(0, 1);
+    m_panes->setStretchFactor(0, 3);
+    m_panes->setStretchFactor(1, 1);
 }
 
 QLayout* frmAddon_History::buildButtons()
@@ -157,6 +172,7 @@ QLayout* frmAddon_History::buildButtons()
     connect(m_openButton, &QPushButton::clicked, m_open, &QAction::trigger);
     connect(m_deleteButton, &QPushButton::clicked, m_delete, &QAction::trigger);
     auto* row = new QHBoxLayout;
+    row->addWidget(m_count);
     row->addStretch();
     row->addWidget(m_openButton);
     row->addWidget(m_deleteButton);
@@ -174,6 +190,7 @@ void frmAddon_History::Form_PrepareToShow()
     if (m_model.rowCount() > 0)
         m_list->setCurrentIndex(m_model.index(0, 0));
     showSelection();
+    say({}); // it is open
     m_list->setFocus();
 }
 

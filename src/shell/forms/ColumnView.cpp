@@ -209,7 +209,9 @@ void ColumnView::autoSizeColumns()
 {
     const int widest = widestByItself * fontMetrics().averageCharWidth();
     for (int column = 0; column < header()->count(); ++column) {
-        if (isColumnHidden(column))
+        const bool stretched = header()->stretchLastSection() &&
+                               header()->visualIndex(column) == header()->count() - 1;
+        if (isColumnHidden(column) || stretched)
             continue;
         resizeColumnToContents(column);
         setColumnWidth(column, std::min(columnWidth(column), widest));

@@ -1,6 +1,14 @@
 #include "install/forms/WizardSteps.h"
 
+#include "install/forms/frmInstall_ConfigureAI.h"
+#include "install/forms/frmInstall_ConfigureAircraft.h"
+#include "install/forms/frmInstall_ConfigureMissions.h"
 #include "install/forms/frmInstall_ConfigureOptions.h"
+#include "install/forms/frmInstall_ConfigureOther.h"
+#include "install/forms/frmInstall_ConfigurePanel.h"
+#include "install/forms/frmInstall_ConfigureScenery.h"
+#include "install/forms/frmInstall_ConfigureSound.h"
+#include "install/forms/frmInstall_ConfigureTextures.h"
 #include "install/forms/frmInstall_SelectFiles.h"
 #include "install/forms/frmInstall_Summary.h"
 
@@ -112,13 +120,30 @@ WizardPage* newPage(InstallStep step, WizardState& state)
     switch (step) {
     case InstallStep::SelectFiles:
         return new frmInstall_SelectFiles(state);
+    case InstallStep::Aircraft:
+        return new frmInstall_ConfigureAircraft(state);
+    case InstallStep::Panel:
+        return new frmInstall_ConfigurePanel(state);
+    case InstallStep::Sound:
+        return new frmInstall_ConfigureSound(state);
+    case InstallStep::Missions:
+        return new frmInstall_ConfigureMissions(state);
+    case InstallStep::Scenery:
+        return new frmInstall_ConfigureScenery(state);
+    case InstallStep::Textures:
+        return new frmInstall_ConfigureTextures(state);
+    case InstallStep::AI:
+        return new frmInstall_ConfigureAI(state);
+    case InstallStep::Other:
+        return new frmInstall_ConfigureOther(state);
     case InstallStep::Options:
         return new frmInstall_ConfigureOptions(state);
     case InstallStep::Summary:
         return new frmInstall_Summary(state);
-    default:
-        return nullptr;
+    case InstallStep::Count:
+        break;
     }
+    return nullptr;
 }
 
 } // namespace vt

@@ -2,10 +2,12 @@
 
 #include "platform/WinPath.h"
 #include "shell/RecentFolders.h"
+#include "shell/forms/WrappedLabel.h"
 
 #include <QAction>
 #include <QEvent>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -56,7 +58,9 @@ void FolderBox::makeButtons(QGridLayout* grid)
     m_choose->setFocusPolicy(Qt::StrongFocus);
     m_choose->setAccessibleName(u"Choose folder"_s);
     m_choose->setToolTip(u"Choose a folder in a dialog"_s);
-    grid->addWidget(m_choose, 0, 2);
+    m_buttons = new QHBoxLayout;
+    m_buttons->addWidget(m_choose);
+    grid->addLayout(m_buttons, 0, 2);
     connect(m_choose, &QToolButton::clicked, this, &FolderBox::choose);
     m_picks = new QMenu(this);
     m_picks->setToolTipsVisible(true);
@@ -69,7 +73,7 @@ void FolderBox::makeButtons(QGridLayout* grid)
     m_quickPicks->setFocusPolicy(Qt::StrongFocus);
     m_quickPicks->setMenu(m_picks);
     m_quickPicks->hide();
-    grid->addWidget(m_quickPicks, 0, 3);
+    m_buttons->addWidget(m_quickPicks);
     connect(m_picks, &QMenu::aboutToShow, this, &FolderBox::fillQuickPicks);
 }
 
@@ -78,15 +82,15 @@ void FolderBox::makeTexts(QGridLayout* grid)
     m_problemIcon = new QLabel(this);
     m_problemText = new QLabel(this);
     m_problemText->setObjectName(u"lblFolderProblem"_s);
-    m_problemText->setWordWrap(true);
+    wrap(m_problemText);
     auto* problem = new QHBoxLayout;
     problem->addWidget(m_problemIcon, 0, Qt::AlignTop);
     problem->addWidget(m_problemText, 1);
-    grid->addLayout(problem, 1, 1, 1, 3);
+    grid->addLayout(problem, 1, 1, 1, 2);
     m_hint = new QLabel(this);
     m_hint->setObjectName(u"lblFolderHint"_s);
-    m_hint->setWordWrap(true);
-    grid->addWidget(m_hint, 2, 1, 1, 3);
+    wrap(m_hint);
+    grid->addWidget(m_hint, 2, 1, 1, 2);
     m_problemIcon->hide();
     m_problemText->hide();
     m_hint->hide();
@@ -103,6 +107,12 @@ void FolderBox::setQuickPicks(Section window)
 {
     m_recent = window;
     m_quickPicks->show();
+}
+
+void FolderBox::addButton(QWidget* button)
+{
+    m_buttons->addWidget(button);
+    setTabOrder(m_quickPicks, button);
 }
 
 void FolderBox::setHint(const QString& hint)

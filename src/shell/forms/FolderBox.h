@@ -12,6 +12,7 @@
 #include <functional>
 #include <optional>
 
+class QBoxLayout;
 class QGridLayout;
 class QLabel;
 class QLineEdit;
@@ -48,6 +49,18 @@ public:
     /// Takes what was typed and not taken yet. A failure says why the line cannot be left.
     Result commit();
 
+    /// Why the folder that was given last was refused; empty when none was.
+    [[nodiscard]] const QString& problem() const { return m_problem; }
+
+    /// Opens the dialog, as the button does.
+    void choose();
+
+    /// As if the user had typed it.
+    Result give(const QString& folder) { return takeFolder(folder); }
+
+    /// Puts a button of the window's own behind the others.
+    void addButton(QWidget* button);
+
     [[nodiscard]] QLineEdit* line() const { return m_line; }
 
 Q_SIGNALS:
@@ -63,7 +76,6 @@ private:
     void makeLine(const QString& label, QGridLayout* grid);
     void makeButtons(QGridLayout* grid);
     void makeTexts(QGridLayout* grid);
-    void choose();
     void fillQuickPicks();
     Result takeFolder(const QString& typed);
     void showProblem(const QString& problem);
@@ -80,6 +92,7 @@ private:
     QToolButton* m_choose = nullptr;
     QToolButton* m_quickPicks = nullptr;
     QMenu* m_picks = nullptr;
+    QBoxLayout* m_buttons = nullptr;
     QLabel* m_problemIcon = nullptr;
     QLabel* m_problemText = nullptr;
     QLabel* m_hint = nullptr;

@@ -1,0 +1,51 @@
+// Step 8: files for computer-controlled traffic, and the two outside tools that take them.
+#pragma once
+
+#include "install/forms/CInstallWizardSubFormManager.h"
+#include "install/forms/WizardPage.h"
+
+class QGroupBox;
+class QLabel;
+
+namespace vt {
+
+class FolderBox;
+struct OutsideTool;
+
+class frmInstall_ConfigureAI : public WizardPage
+{
+    Q_OBJECT
+
+public:
+    explicit frmInstall_ConfigureAI(WizardState& state, QWidget* parent = nullptr);
+
+    [[nodiscard]] QString header() const override;
+
+    [[nodiscard]] Section section() const override { return Section::InstallConfigureAITraffic; }
+
+    void enter() override;
+    Result leave() override;
+    bool advance(bool forward) override;
+    void Form_Settings_Save() override;
+
+private:
+    /// One outside tool with its folder.
+    struct Tool
+    {
+        MappedGroup family = MappedGroup::None;
+        QGroupBox* frame = nullptr;
+        FolderBox* folder = nullptr;
+        QLabel* state = nullptr;
+    };
+
+    [[nodiscard]] Tool makeTool(MappedGroup family, const QString& title, const QString& label);
+    [[nodiscard]] OutsideTool outsideTool(MappedGroup family) const;
+    void showTool(const Tool& tool);
+    [[nodiscard]] QString outcome(MappedGroup family) const;
+
+    CInstallWizardSubFormManager* m_manager = nullptr;
+    Tool m_airports;
+    Tool m_traffic;
+};
+
+} // namespace vt

@@ -23,6 +23,13 @@ using namespace Qt::StringLiterals;
 
 namespace vt {
 
+namespace {
+
+/// Height of a page on which nothing has to move closer, in lines.
+constexpr int comfortableLines = 34;
+
+} // namespace
+
 ConfigurePage::ConfigurePage(WizardState& state, const ConfigurePageLook& look, QWidget* parent)
     : WizardPage(state, parent), m_look(look)
 {
@@ -45,14 +52,16 @@ void ConfigurePage::build(QLabel* title, const std::function<QWidget*()>& extra)
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);
     column->setContentsMargins({});
+    m_column = column;
+    m_spacing = column->spacing();
     if (title)
         column->addWidget(title);
     m_manager->addTabs(column);
     if (!m_look.prompt.isEmpty()) {
-        auto* prompt = new QLabel(m_look.prompt, content);
-        prompt->setObjectName(u"lblPrompt"_s);
-        wrap(prompt);
-        column->addWidget(prompt);
+        m_prompt = new QLabel(m_look.prompt, content);
+        m_prompt->setObjectName(u"lblPrompt"_s);
+        wrap(m_prompt);
+        column->addWidget(m_prompt);
     }
     m_methodRow = new QBoxLayout(QBoxLayout::LeftToRight);
     if (!m_look.methodName.isEmpty())
@@ -75,10 +84,28 @@ void ConfigurePage::build(QLabel* title, const std::function<QWidget*()>& extra)
     whole->addWidget(scroll);
 }
 
+/// On a low page everything stands closer, and the prompt, which the frames say again, gives way.
+void ConfigurePage::fitHeight()
+{
+    const bool low = height() < fontMetrics().lineSpacing() * comfortableLines;
+    if (m_prompt)
+        m_prompt->setVisible(!low);
+    m_column->setSpacing(low ? m_spacing / 2 : m_spacing);
+    const auto frames = findChildren<QGroupBox*>();
+    for (QGroupBox* frame : frames) {
+        const int margin = style()->pixelMetric(QStyle::PM_LayoutTopMargin, nullptr, frame);
+        QMargins margins = frame->layout()->contentsMargins();
+        margins.setTop(low ? margin / 3 : margin);
+        margins.setBottom(low ? margin / 3 : margin);
+        frame->layout()->setContentsMargins(margins);
+    }
+}
+
 /// On a narrow page the picture lies below the methods instead of beside them.
 void ConfigurePage::resizeEvent(QResizeEvent* event)
 {
     WizardPage::resizeEvent(event);
+    fitHeight();
     if (!m_picture || !m_methodFrame)
         return;
     const int beside =

@@ -84,6 +84,7 @@ private:
     [[nodiscard]] QWidget* methods();
     [[nodiscard]] QWidget* folderFrame();
     [[nodiscard]] QWidget* pictureFrame();
+    void fitHeight();
     void showAll();
     void showMethod(const InstallationGroup* group);
     void showPicture(const InstallationGroup* group);
@@ -101,6 +102,9 @@ private:
     bool m_pending = false;
     CInstallWizardSubFormManager* m_manager = nullptr;
     QButtonGroup* m_methods = nullptr;
+    QLabel* m_prompt = nullptr;
+    QVBoxLayout* m_column = nullptr;
+    int m_spacing = 0; ///< of the column, on a page that is high enough
     QBoxLayout* m_methodRow = nullptr;
     QGroupBox* m_folderFrame = nullptr;
     QGroupBox* m_methodFrame = nullptr;

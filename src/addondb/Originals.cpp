@@ -4,6 +4,8 @@
 #include "platform/Hash.h"
 #include "platform/WinPath.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace vt::originals {
@@ -135,6 +137,21 @@ bool isRecorded(const Files& files,
     return print && print->xxh3 == check.xxh3;
 }
 
+Fate fateOf(const DetailRecord& detail,
+            const std::optional<OriginalRecord>& original,
+            const QList<DetailRecord>& sharers)
+{
+    const bool covered =
+        std::any_of(sharers.begin(), sharers.end(), [&](const DetailRecord& other) {
+            return other.key > detail.key;
+        });
+    if (covered)
+        return Fate::Stays;
+    if (original && !original->keptFile.isEmpty())
+        return Fate::Restored;
+    return sharers.isEmpty() ? Fate::Deleted : Fate::Stays;
+}
+
 ResultOf<Release> release(const ReleaseContext& context,
                           const DetailRecord& detail,
                           const Fingerprint& check,
@@ -150,11 +167,10 @@ ResultOf<Release> release(const ReleaseContext& context,
 
     Release out;
     out.shared = !sharers.isEmpty();
-    const bool restores = original && !original->keptFile.isEmpty();
-    if (out.shared && !restores) {
-        out.fate = Fate::Stays;
+    out.fate = fateOf(detail, original, sharers);
+    if (out.fate == Fate::Stays)
         return out;
-    }
+    const bool restores = out.fate == Fate::Restored;
     const QString keptPath =
         restores ? context.global.originalsFolder + original->keptFile : QString();
     if (restores && !context.gate.files().entry(keptPath))
@@ -167,13 +183,11 @@ ResultOf<Release> release(const ReleaseContext& context,
         out.setAside = *aside;
     }
     if (restores) {
-        out.fate = Fate::Restored;
         out.keptGone = keptPath;
         if (Result moved = context.actions.move(keptPath, path, printOf(now)); !moved)
             return moved;
         return out;
     }
-    out.fate = Fate::Deleted;
     if (now) {
         if (Result gone = context.actions.removeKnown(path, printOf(now)); !gone)
             return gone;

@@ -75,6 +75,11 @@ setAsideFolder(const Files& files, const GlobalRecord& global, const AddonRecord
 [[nodiscard]] ResultOf<QString>
 setAside(const ReleaseContext& context, const QString& from, const QString& path);
 
+/// What release() would decide, by the records alone.
+[[nodiscard]] Fate fateOf(const DetailRecord& detail,
+                          const std::optional<OriginalRecord>& original,
+                          const QList<DetailRecord>& sharers);
+
 /// Decides what becomes of the file of \a detail and gives the actions their work. \a check is what
 /// was recorded when it was installed (size -1: nothing), \a original what it had replaced, \a now
 /// the entry that lies there, a link as itself (nothing: it is gone already).

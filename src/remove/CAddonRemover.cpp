@@ -85,8 +85,7 @@ bool CAddonRemover::Remove_Begin()
     // user, a disk that fails, or a move that cannot be made safe ends everything while nothing has
     // changed.
     if (m_failure && takesAway()) {
-        if (m_whole) // the lines of one file are not told from those of the others
-            (void)step(u"Private Sub FlightPlans_Remove"_s, &R::FlightPlans_Remove);
+        (void)step(u"Private Sub FlightPlans_Remove"_s, &R::FlightPlans_Remove);
         (void)step(u"Private Sub AircraftVariants_Remove"_s, &R::AircraftVariants_Remove);
     }
     if (m_failure) {

@@ -46,6 +46,15 @@ enum class RemovalOutcome : quint8
 [[nodiscard]] QString
 removalPhrase(RemovalMethod method, RemovalOutcome outcome, const QString& target);
 
+/// Where a removal or copy with a folder of the user's is to put the add-on's files: a folder
+/// (ending in "\\") or a zip file there that does not exist yet.
+[[nodiscard]] QString
+recreateTarget(const Files& files, const AddonRecord& addon, const RemovalOptions& options);
+
+/// Whether installed aircraft, panels or sounds may use the file: it lies below the simulator and
+/// is of a type that configuration files name.
+[[nodiscard]] bool mayBeUsed(const GlobalRecord& global, const QString& path);
+
 /// "Removal Results - '<add-on>'".
 [[nodiscard]] QString removalResultsCaption(const QString& addon);
 
@@ -138,6 +147,7 @@ private:
     Result repoint(Catalogue::Kind kind, const QString& file, const QString& alias);
     void tellReferences(const QList<StepFailure>& failures);
 
+    [[nodiscard]] bool allFlightPlansGo() const;
     [[nodiscard]] bool takesAway() const;
     [[nodiscard]] bool goesRow(qint64 detailKey) const;
     Result loadRecords();
@@ -170,7 +180,6 @@ private:
     Result recordVariants();
     void tellVariants(const QList<StepFailure>& failures);
     void findUsers();
-    [[nodiscard]] bool mayBeUsed(const QString& path) const;
     [[nodiscard]] bool isUsedByOthers(const QString& path) const;
     Result RemoveFile(File& file);
     void prepareRelease();

@@ -42,6 +42,12 @@ QString removalActionText(RemovalMethod method, const QString& target)
     return u"Delete"_s;
 }
 
+QString recreateTarget(const Files& files, const AddonRecord& addon, const RemovalOptions& options)
+{
+    const QString base = options.toFolder + FileCabinet::targetName(addon.name, addon.key);
+    return options.zip ? freeName(files, base, u".zip"_s) : freeName(files, base, {}) + u'\\';
+}
+
 /// Where the files go, and what of them lies in the File Cabinet already.
 Result CAddonRemover::findTarget()
 {
@@ -70,9 +76,7 @@ Result CAddonRemover::findTarget()
                                    u"': name a folder outside of those of the simulator and the "
                                    u"program."_s,
                                ErrorKind::Usage);
-    const QString base = m_options.toFolder + FileCabinet::targetName(m_record.name, m_masterKey);
-    m_target = m_options.zip ? freeName(services.files, base, u".zip"_s)
-                             : freeName(services.files, base, {}) + u'\\';
+    m_target = recreateTarget(services.files, m_record, m_options);
     return Result::success();
 }
 

@@ -18,6 +18,23 @@ constexpr qsizetype progressEvery = 64;
 
 } // namespace
 
+bool mayBeUsed(const GlobalRecord& global, const QString& path)
+{
+    if (!winpath::isBelow(path, global.simulatorFolder))
+        return false;
+    switch (classify(winpath::name(path), global.generation)) {
+    case FileType::BitmapImage:
+    case FileType::Effects:
+    case FileType::PanelGauge:
+    case FileType::CabinetArchive:
+    case FileType::XmlFile:
+    case FileType::Sound:
+        return true;
+    default:
+        return false;
+    }
+}
+
 QString removalPhrase(RemovalMethod method, RemovalOutcome outcome, const QString& target)
 {
     const bool cabinet = method == RemovalMethod::FileCabinet;
@@ -132,7 +149,7 @@ void CAddonRemover::findUsers()
     for (const File& file : m_files) {
         const QString path = file.detail.location + file.detail.name;
         m_going.files.insert(NoCase{path});
-        if (mayBeUsed(path))
+        if (mayBeUsed(m_context.global, path))
             asked.append(path);
         const TypeGroup type = typeGroupOf(classify(file.detail.name, m_context.global.generation));
         const bool part =
@@ -152,27 +169,9 @@ void CAddonRemover::findUsers()
     m_used = std::make_unique<UsedFiles>(*m_catalogue, m_going.files, asked);
 }
 
-/// Files below the simulator of the types that configuration files name.
-bool CAddonRemover::mayBeUsed(const QString& path) const
-{
-    if (!winpath::isBelow(path, m_context.global.simulatorFolder))
-        return false;
-    switch (classify(winpath::name(path), m_context.global.generation)) {
-    case FileType::BitmapImage:
-    case FileType::Effects:
-    case FileType::PanelGauge:
-    case FileType::CabinetArchive:
-    case FileType::XmlFile:
-    case FileType::Sound:
-        return true;
-    default:
-        return false;
-    }
-}
-
 bool CAddonRemover::isUsedByOthers(const QString& path) const
 {
-    return m_used && mayBeUsed(path) && m_used->isUsed(path);
+    return m_used && mayBeUsed(m_context.global, path) && m_used->isUsed(path);
 }
 
 Result CAddonRemover::RemoveFile(File& file)

@@ -1,10 +1,14 @@
 // What a removal does for computer-controlled traffic: the add-on's flight plans go out of the
 // traffic tools' source files, and airport files that it had replaced come back.
 #include "addondb/AddonDatabase.h"
+#include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "remove/CAddonRemover.h"
 #include "traffic/CAFCAD.h"
 #include "traffic/CTrafficTools.h"
+#include "traffic/TrafficAddon.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -13,13 +17,49 @@ namespace vt {
 namespace {
 
 constexpr qint64 airportFileLimit = 64LL * 1024 * 1024;
+constexpr qint64 trafficFileLimit = 64LL * 1024 * 1024;
+
+/// Of a file that cannot be read any more, its name decides.
+bool holdsFlightPlans(const Services& services, const DetailRecord& detail)
+{
+    if (!mayBeTrafficFile(detail.name))
+        return false;
+    const ResultOf<QByteArray> bytes =
+        services.files.read(detail.location + detail.name, trafficFileLimit);
+    if (!bytes)
+        return startsWithNoCase(detail.name, trafficBaseName(TrafficKind::FlightPlans));
+    TrafficKind kind{};
+    return isTrafficFile(detail.name, *bytes, services.ansi, kind) &&
+           kind == TrafficKind::FlightPlans;
+}
 
 } // namespace
+
+/// The lines of one file are not told from those of the others: they go, with the aircraft and
+/// airports that only they need, when the last file of plans does.
+bool CAddonRemover::allFlightPlansGo() const
+{
+    if (m_whole)
+        return true;
+    bool any = false;
+    for (const DetailRecord& detail : m_details) {
+        if (!holdsFlightPlans(m_context.services, detail))
+            continue;
+        const bool goes =
+            std::any_of(m_files.cbegin(), m_files.cend(), [&detail](const File& file) {
+                return file.detail.key == detail.key;
+            });
+        if (!goes)
+            return false;
+        any = true;
+    }
+    return any;
+}
 
 Result CAddonRemover::FlightPlans_Remove()
 {
     CTrafficTools tools(m_context);
-    if (!m_whole || !(m_record.categories & Category::AI_Flight_Plans) ||
+    if (!(m_record.categories & Category::AI_Flight_Plans) || !allFlightPlansGo() ||
         !tools.names().hasSources() || !tools.Tool_Find())
         return Result::success(); // they were never incorporated, or are gone with the tool
     Result done = tools.Sources_Read(*m_actions, CTrafficTools::Missing::Ignore);

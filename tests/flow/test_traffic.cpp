@@ -79,6 +79,7 @@ class TestTraffic : public QObject
 private Q_SLOTS:
     void anyOrder_endsAtTheBeginning();
     void cabinet_takesPlansAlong();
+    void lastFileOfPlans_takesThemAlong();
     void plan_saysWhatIsAdded();
     void withoutTool_areDocuments();
     void failedSource_restIsInstalled();
@@ -137,6 +138,32 @@ void TestTraffic::cabinet_takesPlansAlong()
     QCOMPARE(plansIn(w), plans);
     QVERIFY(w.world.remove(*key).ok && !w.world.anyFailed);
     QCOMPARE(differences(before, hashTree(w.tools())), QStringList());
+}
+
+void TestTraffic::lastFileOfPlans_takesThemAlong()
+{
+    TrafficWorld w;
+    w.putTools();
+    const TreeSnapshot before = hashTree(w.tools());
+    const ResultOf<qint64> key = w.world.install(w.pack(1));
+    QVERIFY(key.ok());
+    const QByteArray plans = plansIn(w);
+    for (const QString& name : {u"readme.txt"_s, u"FlightPlans_A.txt"_s, u"FlightPlans_B.txt"_s}) {
+        QCOMPARE(plansIn(w), plans);
+        const auto details = modDatabase_Addon::detailsOf(*w.world.database, *key);
+        const auto file =
+            std::find_if(details->begin(), details->end(), [&name](const DetailRecord& detail) {
+                return detail.name == name;
+            });
+        QVERIFY2(file != details->end(), qPrintable(name));
+        RemovalOptions options;
+        options.files = {file->location + file->name};
+        QVERIFY(w.world.remove(*key, options).ok && !w.world.anyFailed);
+    }
+    QVERIFY(w.world.results.texts(resultgroup::specialActions)
+                .contains(u"The A.I. flight plans were removed."_s));
+    QCOMPARE(differences(before, hashTree(w.tools())), QStringList());
+    QVERIFY(w.world.remove(*key).ok && !w.world.anyFailed);
 }
 
 void TestTraffic::plan_saysWhatIsAdded()

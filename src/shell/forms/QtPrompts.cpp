@@ -1,16 +1,16 @@
 #include "shell/forms/QtPrompts.h"
 
+#include "shell/forms/ChoiceQuestion.h"
+#include "shell/forms/ListQuestion.h"
+#include "shell/forms/PromptLook.h"
 #include "shell/forms/frmYesYesToAllNoNoToAllCancel.h"
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QDialogButtonBox>
 #include <QInputDialog>
 #include <QLabel>
-#include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 #include <array>
 
@@ -19,9 +19,6 @@ using namespace Qt::StringLiterals;
 namespace vt {
 
 namespace {
-
-/// So many names of a list stand in the box itself; all of them are among the details then.
-constexpr qsizetype listedInPlace = 12;
 
 struct ButtonRow
 {
@@ -68,15 +65,6 @@ QMessageBox::Icon iconOf(Icon icon)
     return QMessageBox::NoIcon;
 }
 
-/// What Escape and the window's cross stand for: the answer that does the least.
-Button escapeOf(const Prompt& prompt)
-{
-    for (const Button button : {Button::Cancel, Button::No, Button::Ok})
-        if (prompt.buttons.contains(button))
-            return button;
-    return prompt.defaultButton;
-}
-
 void addTexts(QMessageBox& box, const Prompt& prompt)
 {
     QStringList below;
@@ -85,15 +73,6 @@ void addTexts(QMessageBox& box, const Prompt& prompt)
     } else {
         box.setText(prompt.heading);
         below.append(prompt.text);
-    }
-    if (!prompt.list.isEmpty()) {
-        QStringList shown = prompt.list.mid(0, listedInPlace);
-        if (prompt.list.size() > listedInPlace) {
-            shown.append(u"and "_s + QString::number(prompt.list.size() - listedInPlace) +
-                         u" more"_s);
-            box.setDetailedText(prompt.list.join(u'\n'));
-        }
-        below.append(u"    "_s + shown.join(u"\n    "_s));
     }
     below.append(prompt.advice);
     below.removeAll(QString());
@@ -105,7 +84,7 @@ void addButtons(QMessageBox& box, const Prompt& prompt)
     for (const Button button : prompt.buttons)
         box.addButton(standardOf(button));
     box.setDefaultButton(standardOf(prompt.defaultButton));
-    box.setEscapeButton(standardOf(escapeOf(prompt)));
+    box.setEscapeButton(standardOf(leastAnswer(prompt)));
     // What each answer does stands beside its name, and again at the button.
     QStringList lines;
     for (qsizetype i = 0; i < prompt.buttonTexts.size() && i < prompt.buttons.size(); ++i) {
@@ -153,36 +132,17 @@ Button QtPrompts::ask(const Prompt& prompt)
 {
     if (prompt.replacing)
         return frmYesYesToAllNoNoToAllCancel::ask(prompt, parent());
-    return show(prompt).button;
+    return askChecked(prompt).button;
 }
 
 CheckedAnswer QtPrompts::askChecked(const Prompt& prompt)
 {
-    return show(prompt);
+    return prompt.list.isEmpty() ? show(prompt) : ListQuestion::ask(prompt, parent());
 }
 
 std::optional<qsizetype> QtPrompts::choose(const ChoicePrompt& prompt)
 {
-    QDialog dialog(parent());
-    dialog.setObjectName(u"prompt"_s);
-    dialog.setWindowTitle(prompt.caption);
-    auto* list = new QListWidget;
-    list->addItems(prompt.choices);
-    list->setAccessibleName(prompt.caption);
-    list->setCurrentRow(prompt.choices.isEmpty() ? -1 : 0);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setEnabled(!prompt.choices.isEmpty());
-    auto* column = new QVBoxLayout(&dialog);
-    column->addWidget(list);
-    column->addWidget(buttons);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    QObject::connect(list, &QListWidget::itemActivated, &dialog, &QDialog::accept);
-    const QFontMetrics metrics = dialog.fontMetrics();
-    dialog.resize(metrics.averageCharWidth() * 64, metrics.lineSpacing() * 18);
-    if (dialog.exec() != QDialog::Accepted || list->currentRow() < 0)
-        return std::nullopt;
-    return list->currentRow();
+    return ChoiceQuestion::ask(prompt, parent());
 }
 
 std::optional<QString> QtPrompts::askText(const TextPrompt& prompt)

@@ -1,6 +1,5 @@
 // Questions as message boxes over the window that is in use: the only place where such boxes are
-// made. The question about replacing a file has a window
-// of its own.
+// made. A replaced file, questions with lists, and choices have windows of their own.
 #pragma once
 
 #include "platform/Prompt.h"

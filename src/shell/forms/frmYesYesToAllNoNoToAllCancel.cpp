@@ -2,6 +2,7 @@
 
 #include "platform/Text.h"
 #include "shell/forms/ElidedLabel.h"
+#include "shell/forms/PromptLook.h"
 
 #include <QFontMetrics>
 #include <QGridLayout>
@@ -74,20 +75,6 @@ QLabel* boldLabel(const QString& text)
     return label;
 }
 
-QStyle::StandardPixmap pixmapOf(Icon icon)
-{
-    switch (icon) {
-    case Icon::Warning:
-        return QStyle::SP_MessageBoxWarning;
-    case Icon::Critical:
-        return QStyle::SP_MessageBoxCritical;
-    case Icon::Information:
-        return QStyle::SP_MessageBoxInformation;
-    default:
-        return QStyle::SP_MessageBoxQuestion;
-    }
-}
-
 } // namespace
 
 frmYesYesToAllNoNoToAllCancel::frmYesYesToAllNoNoToAllCancel(const Prompt& prompt, QWidget* parent)
@@ -112,6 +99,11 @@ frmYesYesToAllNoNoToAllCancel::frmYesYesToAllNoNoToAllCancel(const Prompt& promp
     layout->addLayout(answers(prompt));
     layout->addStretch();
     setMinimumWidth(fontMetrics().averageCharWidth() * 68);
+    // Only now the buttons know their window.
+    if (m_default) {
+        m_default->setDefault(true);
+        m_default->setFocus();
+    }
 }
 
 /// The icon, what is the matter, and the file's place.
@@ -119,7 +111,7 @@ QLayout* frmYesYesToAllNoNoToAllCancel::headline(const Prompt& prompt)
 {
     auto* icon = new QLabel;
     const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
-    icon->setPixmap(style()->standardIcon(pixmapOf(prompt.icon)).pixmap(size));
+    icon->setPixmap(style()->standardIcon(promptIcon(prompt.icon)).pixmap(size));
     auto* texts = new QVBoxLayout;
     // The first line of the text says what is the matter; the rest is shown side by side.
     const QString matter = prompt.replacing ? prompt.text.section(u':', 0, 0) : prompt.text;
@@ -188,10 +180,8 @@ void frmYesYesToAllNoNoToAllCancel::addAnswer(QGridLayout* grid,
         m_answer = chosen;
         done(chosen == Button::Cancel ? Rejected : Accepted);
     });
-    if (answer.button == prompt.defaultButton) {
-        button->setDefault(true);
-        button->setFocus();
-    }
+    if (answer.button == prompt.defaultButton)
+        m_default = button;
     auto* label = new QLabel(sentence);
     label->setWordWrap(true);
     grid->addWidget(button, int(number), 0);

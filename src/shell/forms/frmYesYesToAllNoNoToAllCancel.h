@@ -33,6 +33,7 @@ private:
     void addAnswer(QGridLayout* grid, const Prompt& prompt, qsizetype number);
 
     Button m_answer = Button::Cancel;
+    QPushButton* m_default = nullptr;
 };
 
 } // namespace vt

@@ -21,7 +21,8 @@ template <typename Groups> auto groupNamed(Groups& groups, QStringView name)
 
 bool resultgroup::tellsProblems(QStringView group)
 {
-    return group.startsWith(u"Not ") || group.startsWith(u"Failed ");
+    return group.startsWith(u"Not ") || group.startsWith(u"Failed ") || group == u"Missing" ||
+           group == u"Changed";
 }
 
 Results::Results(const QStringList& groups)

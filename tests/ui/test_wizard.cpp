@@ -1,5 +1,6 @@
 // The installation wizard as its user sees it: steps, pages, the plan, the installation.
 #include "addondb/AddonDatabase.h"
+#include "demo/ZipMaker.h"
 #include "install/CAddonInstaller.h"
 #include "install/forms/PlannedFilesModel.h"
 #include "install/forms/frmInstall_Wizard.h"
@@ -118,6 +119,7 @@ private Q_SLOTS:
     void summary_tellsThePlan();
     void documentsAlone_enableTheirSteps();
     void nothingMarked_installsNothing();
+    void invalidFolder_bringsBackItsPage();
     void badSource_isToldOnThePage();
     void otherSource_startsAnew();
     void cancelAtAQuestion_keepsWhatCameBefore();
@@ -136,8 +138,8 @@ void TestWizard::installation_endsAsWithoutWindow()
     wizard.type(world.sample(u"kestrel-repaint"_s));
     QCOMPARE(wizard.text(u"lblHeader"_s),
              u"Customize the configuration then press Finish to install the addon."_s);
-    wizard.press(u"cmdConfigureOptions"_s);
-    wizard.press(u"cmdNext"_s);
+    for (int i = 0; i < steps && wizard.button(u"cmdNext"_s)->isVisible(); ++i)
+        wizard.press(u"cmdNext"_s);
     QCOMPARE(wizard.text(u"lblHeader"_s), u"Review installation summary."_s);
     QVERIFY(wizard.text(u"lblFooter"_s).endsWith(u"Nothing has been written yet."_s));
     QCOMPARE(test::differences(before, hashTree(world.demo.simulatorHost)), QStringList());
@@ -219,6 +221,29 @@ void TestWizard::nothingMarked_installsNothing()
     wizard.press(u"cmdFinish"_s);
     QVERIFY(wizard.window->isVisible());
     QCOMPARE(test::differences(before, hashTree(world.dir.path())), QStringList());
+}
+
+void TestWizard::invalidFolder_bringsBackItsPage()
+{
+    WindowWorld world;
+    const QByteArray archive =
+        zipOf({{u"Zeta/aircraft.cfg"_s, "[fltsim.0]\r\ntitle=Zeta\r\nsim=zeta\r\n"},
+               {u"Zeta/zeta.air"_s, "air"},
+               {u"Zeta/sound/sound.cfg"_s, "[SOUND_ENGINE]\r\n"}});
+    test::writeHostFile(world.host(u"zeta.zip"_s), archive);
+    Wizard wizard(world);
+    QVERIFY(wizard.window->choose(world.windows(u"zeta.zip"_s)));
+    for (CAddon_Item& item : wizard.details().addon().colAddonItems_Edit()) {
+        if (item.IsMappedToSound())
+            item.sFolder_Installation.clear();
+    }
+    world.prompts.expect(u"Correct the problem with the sound configuration and try again."_s,
+                         Button::Ok);
+    wizard.press(u"cmdFinish"_s);
+    QCOMPARE(wizard.window->currentStep(), int(InstallStep::Sound));
+    QCOMPARE(wizard.window->cmdCurrentStep()->state(), StepState::NeedsAttention);
+    QVERIFY(wizard.text(u"lblNotice"_s)
+                .startsWith(u"A file you are installing does not have a valid target folder."_s));
 }
 
 void TestWizard::badSource_isToldOnThePage()

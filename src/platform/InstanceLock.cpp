@@ -5,6 +5,7 @@
 #include "platform/WinPath.h"
 
 #include <QDateTime>
+#include <QFile>
 #include <QSysInfo>
 
 #include <cerrno>
@@ -29,8 +30,11 @@ QString holderText(int descriptor)
 
 void writeHolder(int descriptor)
 {
+    QFile name(u"/proc/self/comm"_s); // "vantrel" or "vantrelctl"
+    const QByteArray program =
+        name.open(QIODevice::ReadOnly) ? name.readAll().trimmed() + ", " : QByteArray();
     const QByteArray text =
-        "process " + QByteArray::number(qint64(getpid())) + " on " +
+        program + "process " + QByteArray::number(qint64(getpid())) + " on " +
         QSysInfo::machineHostName().toUtf8() + " since " +
         QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH:mm:ss"_s).toUtf8() + '\n';
     // Only for people to read: the lock holds without it.

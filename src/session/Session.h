@@ -74,6 +74,19 @@ public:
     /// database up to the present structure. Does not require a simulator unless interrupted work
     /// does.
     [[nodiscard]] Result needWriting(const WritingNeeds& needs = {});
+    // The stages of needWriting() one by one, for a start-up that asks and shows a window in
+    // between; each needs those before it, and prepareFolders() a located simulator as well.
+
+    /// Takes the lock and deletes the old logs. A failure of the lock tells who holds it.
+    [[nodiscard]] Result hold();
+    /// Makes missing folders, a database where nothing was ever recorded, the first copies.
+    [[nodiscard]] Result prepareFolders();
+    /// Opens the database and finishes interrupted work. One that is damaged is a success without
+    /// a database.
+    [[nodiscard]] Result openDatabase();
+    /// Adds what an older database lacks; needWriting() has succeeded then.
+    [[nodiscard]] Result bringUpToDate();
+
     /// For whoever writes after needWriting(): closes the database, has it cared for, opens it
     /// again.
     [[nodiscard]] CareReport careForDatabase(const std::function<CareReport(DatabaseCare&)>& work);

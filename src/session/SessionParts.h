@@ -34,6 +34,8 @@ struct Session::Parts
     void enterProgramFolder();
     Result locate(bool interact);
 
+    Result hold();
+    void warnOfSize() const;
     Result prepareWriting(const WritingNeeds& needs);
     Result openForWriting(bool fresh, bool repair);
     Result openDatabase(const WritingNeeds& needs, bool fresh);
@@ -75,6 +77,7 @@ struct Session::Parts
     LocatedSimulator located;
 
     InstanceLock lock;
+    bool fresh = false; ///< nothing was ever recorded when the lock was taken
     std::optional<Result> writingResult;
     std::unique_ptr<Connection> database;
     std::optional<Result> databaseResult;

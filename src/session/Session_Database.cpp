@@ -54,9 +54,6 @@ Result Session::Parts::openForWriting(bool fresh, bool repair)
         return unfit(opened.result.text);
     database = std::move(opened.connection);
     database->setBreathing(gate->breathing);
-    const qint64 bytes = files->info(global.databaseFile).value_or(FileInfo{}).size;
-    if (const QString text = databaseSizeText(global.names, bytes); !text.isEmpty())
-        prompts.ask(announcement(u"Database Warning"_s, text, Icon::Warning));
     return Result::success();
 }
 
@@ -147,7 +144,8 @@ Result Session::Parts::finishInterrupted()
     return Result::success();
 }
 
-Result Session::Parts::prepareWriting(const WritingNeeds& needs)
+/// The lock, and what is done first under it.
+Result Session::Parts::hold()
 {
     buildContext();
     if (!registryResult)
@@ -159,16 +157,79 @@ Result Session::Parts::prepareWriting(const WritingNeeds& needs)
     files->newOperation();
     (void)actions->remove(global.programFile(u"DEVTEST.LOG"_s));
     errors->startWriting();
-    const bool fresh = programFolderIsFresh(*files, global);
+    fresh = programFolderIsFresh(*files, global);
+    return Result::success();
+}
+
+void Session::Parts::warnOfSize() const
+{
+    const qint64 bytes = files->info(global.databaseFile).value_or(FileInfo{}).size;
+    if (const QString text = databaseSizeText(global.names, bytes); !text.isEmpty())
+        prompts.ask(announcement(u"Database Warning"_s, text, Icon::Warning));
+}
+
+Result Session::Parts::prepareWriting(const WritingNeeds& needs)
+{
+    if (Result held = hold(); !held)
+        return held;
     (void)locate(false); // a command that needs a simulator says so itself
     if (Result made = createProgramFolders(*context); !made)
         return made;
     // Before the first copies: a folder that holds those without a database is a damaged one.
     if (Result opened = openDatabase(needs, fresh); !opened)
         return opened;
+    warnOfSize();
     (void)keepOriginals(*context); // logged; no reason to refuse the command
     return located.valid() ? offerRegistryUpdate(*context, *registryClass, located)
                            : Result::success();
+}
+
+Result Session::hold()
+{
+    return m->hold();
+}
+
+Result Session::prepareFolders()
+{
+    if (Result made = createProgramFolders(*m->context); !made)
+        return made;
+    if (m->fresh)
+        if (Result opened = m->openForWriting(true, false); !opened)
+            return opened;
+    (void)keepOriginals(*m->context); // logged, and told where it matters
+    return Result::success();
+}
+
+Result Session::openDatabase()
+{
+    if (Result finished = DatabaseCare(*m->context).finishReplacement(); !finished)
+        return unfit(finished.text);
+    if (!m->database) {
+        if (!m->files->isFile(m->global.databaseFile))
+            return unfit(missingDatabase(m->global).text.trimmed());
+        OpenedDatabase opened =
+            Connection::open(*m->files, m->global.databaseFile, OpenMode::ReadWrite);
+        if (opened.fault == DatabaseFault::Damaged)
+            return Result::success();
+        if (!opened.connection)
+            return unfit(opened.result.text);
+        m->database = std::move(opened.connection);
+        m->database->setBreathing(m->gate->breathing);
+    }
+    if (Result finished = m->finishInterrupted(); !finished)
+        return withCause(finished);
+    for (const Recovery& recovery : std::as_const(m->recoveries))
+        m->tell(recoverySentence(recovery));
+    return Result::success();
+}
+
+Result Session::bringUpToDate()
+{
+    m->writingResult = m->database ? m->bringUpToDate()
+                                   : unfit(u"The addon database, '"_s + m->global.databaseFile +
+                                           u"', cannot be used as it is."_s);
+    m->databaseResult = m->writingResult;
+    return *m->writingResult;
 }
 
 Result Session::needWriting(const WritingNeeds& needs)

@@ -89,7 +89,8 @@ WindowWorld::WindowWorld()
 
 WindowWorld::~WindowWorld()
 {
-    session->close();
+    if (session)
+        session->close();
 }
 
 void WindowWorld::restart()

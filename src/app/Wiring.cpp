@@ -1,0 +1,104 @@
+#include "app/Wiring.h"
+
+#include "archive/forms/frmSelectFSO.h"
+#include "install/forms/frmInstall_Wizard.h"
+#include "shell/forms/frmAbout.h"
+#include "shell/forms/frmProgramInfo.h"
+#include "shell/startup/CommandLine.h"
+#include "shell/startup/Preparation.h"
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace vt::app {
+
+namespace {
+
+void openInstallation(frmControl& window, Session& session, const QString& source)
+{
+    ToolWindow* open =
+        window.openTool(u"install"_s, u"Opening Install An Addon..."_s, [&]() -> ToolWindow* {
+            return new frmInstall_Wizard(session, window);
+        });
+    auto* wizard = qobject_cast<frmInstall_Wizard*>(open);
+    if (!wizard || source.isEmpty())
+        return;
+    if (const Result chosen = wizard->choose(source); !chosen)
+        session.services().prompts.ask(
+            announcement(session.context().global.names.productTitle, chosen.text, Icon::Warning));
+}
+
+/// Also where a second start's file is picked up.
+void installFromMenu(frmControl& window, Session& session)
+{
+    Services& services = session.services();
+    services.files.newOperation();
+    const QString handedOver =
+        takeStartupFile(services.files, services.actions, session.context().global);
+    window.installAddon(handedOver);
+}
+
+void wireFile(frmControl& window, Session& session)
+{
+    window.setCommand(u"mnuFile_InstallAnAddon"_s,
+                      [&window, &session] { installFromMenu(window, session); });
+    window.setCommand(u"mnuFile_FSO_Browse"_s, [&window, &session] {
+        window.openTool(u"browse"_s, u"Opening Browse Folders..."_s, [&]() -> ToolWindow* {
+            return new frmSelectFSO(session, &window, frmSelectFSO::Purpose::Browse);
+        });
+    });
+    window.setCommand(u"mnuFile_ProgramInfo"_s, [&window, &session] {
+        window.openTool(u"program info"_s, u"Opening Program Info..."_s, [&]() -> ToolWindow* {
+            return new frmProgramInfo(session.context(), QStringLiteral(VANTREL_VERSION));
+        });
+    });
+    window.setCommand(u"mnuAbout"_s, [&window, &session] {
+        frmAbout(session.context().global.names, QStringLiteral(VANTREL_VERSION), &window).exec();
+    });
+}
+
+/// The command that each value of "Open With" stands for.
+constexpr std::array<const char16_t*, 13> firstCommands = {u"mnuAddonWizard",
+                                                           u"mnuFile_InstallAnAddon",
+                                                           u"mnuFile_RemoveAnAddon",
+                                                           u"mnuWorkWithAllAddons",
+                                                           u"mnuInstalledAddons",
+                                                           u"mnuFileCabinet",
+                                                           u"mnuEditAircraft",
+                                                           u"mnuEditPanels",
+                                                           u"mnuEditSounds",
+                                                           u"mnuScenery",
+                                                           u"mnuAddonHistory",
+                                                           u"mnuFS9CFGManager",
+                                                           u"mnuAITrafficManager"};
+constexpr int addonWizard = 0;
+
+} // namespace
+
+void wire(frmControl& window, Session& session)
+{
+    window.hooks.installAddon = [&window, &session](const QString& source) {
+        openInstallation(window, session, source);
+    };
+    window.hooks.processes = [&session]() -> const Processes& { return session.processes(); };
+    wireFile(window, session);
+}
+
+void openFirst(frmControl& window, Session& session, int openWith)
+{
+    Context& context = session.context();
+    const QString text =
+        openWithStatus(openWith, context.global.generation, u"FS Configuration Manager"_s);
+    if (text.isEmpty())
+        return; // values that open nothing
+    const QString name = QString::fromUtf16(firstCommands[static_cast<size_t>(openWith)]);
+    if (window.hasCommand(name)) {
+        context.services.status.text(u"Primary"_s, text);
+        window.command(name);
+    }
+    if (openWith == addonWizard)
+        context.services.status.text(u"Primary"_s, welcomeText(context.global.names));
+}
+
+} // namespace vt::app

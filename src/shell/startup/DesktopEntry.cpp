@@ -1,0 +1,77 @@
+#include "shell/startup/DesktopEntry.h"
+
+#include "platform/Gate.h"
+#include "platform/WinPath.h"
+#include "shell/Settings.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vt::desktopentry {
+
+namespace {
+
+/// An argument of "Exec", quoted; then escaped once more as every text of such a file.
+QString quoted(const QString& argument)
+{
+    QString out;
+    for (const QChar c : argument) {
+        if (c == u'"' || c == u'`' || c == u'$' || c == u'\\')
+            out += u'\\';
+        out += c;
+        if (c == u'%')
+            out += u'%';
+    }
+    return u'"' + out.replace(u'\\', u"\\\\"_s) + u'"';
+}
+
+Result bring(Context& context, const QString& file, const QByteArray& content)
+{
+    constexpr qint64 limit = 1024 * 1024;
+    Services& services = context.services;
+    const ResultOf<QByteArray> present = services.files.read(file, limit);
+    if (present && *present == content)
+        return Result::success();
+    if (Result made = services.actions.makeFolder(winpath::parent(file)); !made)
+        return made;
+    return services.actions.replace(file, content);
+}
+
+Result takeBack(Context& context, const QString& file)
+{
+    Services& services = context.services;
+    return services.files.isFile(file) ? services.actions.remove(file) : Result::success();
+}
+
+} // namespace
+
+QByteArray entry(const GlobalRecord& global, const QString& executable)
+{
+    const QString edition = global.generation == FSX ? u"FSX"_s : global.names.simShort;
+    const QString text = u"[Desktop Entry]\nType=Application\nName=Install to "_s + edition +
+                         u" using Vantrel\nComment=Installs an add-on from an archive\nExec="_s +
+                         quoted(executable) +
+                         u" -file %f\nIcon=vantrel\nTerminal=false\nNoDisplay=true\n"_s +
+                         u"StartupWMClass=vantrel\n"_s +
+                         u"MimeType=application/zip;application/x-zip-compressed;"_s +
+                         u"application/vnd.rar;application/x-rar;application/x-rar-compressed;\n"_s;
+    return text.toUtf8();
+}
+
+Result apply(Context& context, const Surroundings& surroundings)
+{
+    Services& services = context.services;
+    const QString data =
+        winpath::asFolder(services.files.drives().toWindows(surroundings.dataHome));
+    services.gate.setRoot(RootId::Chosen, data);
+    const QString file = data + u"applications\\vantrel-install.desktop"_s;
+    const QString icon = data + u"icons\\hicolor\\scalable\\apps\\vantrel.svg"_s;
+    if (!context.settings.flag(SettingKey::WindowsExplorerContextMenuOn)) {
+        const Result gone = takeBack(context, file);
+        return gone ? takeBack(context, icon) : gone;
+    }
+    if (Result written = bring(context, icon, surroundings.icon); !written)
+        return written;
+    return bring(context, file, entry(context.global, surroundings.executable));
+}
+
+} // namespace vt::desktopentry

@@ -1,0 +1,248 @@
+// The start of the real program: a second start beside it, what stops it, its first window.
+#include "app/StartUp.h"
+#include "shell/Settings.h"
+#include "shell/forms/ControlStatusBar.h"
+#include "shell/forms/ToolWindow.h"
+#include "shell/forms/WizardFrame.h"
+#include "support/TestMain.h"
+#include "ui/WindowWorld.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProcess>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace vt::test {
+
+namespace {
+
+/// Program and simulator of a WindowWorld whose own session has ended.
+struct Started
+{
+    Started() { world.session->close(); }
+
+    app::Options options(const QString& file = {}) const
+    {
+        app::Options options;
+        options.session.home = world.host(u"home"_s);
+        options.session.prefix = world.host(u"prefix"_s);
+        if (!file.isEmpty())
+            options.arguments = {u"-file="_s + file};
+        return options;
+    }
+
+    bool start(const QString& file = {})
+    {
+        world.session.reset();
+        program = std::make_unique<app::StartUp>(options(file));
+        return program->Main();
+    }
+
+    /// A second start of its own process; its exit status.
+    int second(const QStringList& more) const
+    {
+        QProcess process;
+        process.start(
+            QStringLiteral(VT_BIN "/vantrel"),
+            QStringList{
+                u"--home"_s, world.host(u"home"_s), u"--prefix"_s, world.host(u"prefix"_s)} +
+                more);
+        const bool ended =
+            QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 15'000);
+        return ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+
+    [[nodiscard]] bool startupFile() const
+    {
+        return QFile::exists(world.host(u"home/Startup.txt"_s));
+    }
+
+    WindowWorld world;
+    std::unique_ptr<app::StartUp> program;
+};
+
+/// Answers every box that opens by \a button where it has one, else by Ok; keeps their texts.
+class Answers
+{
+public:
+    explicit Answers(QMessageBox::StandardButton button)
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this, button] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box)
+                return;
+            texts.append(box->windowTitle() + u'|' + box->text());
+            QAbstractButton* wanted = box->button(button);
+            (wanted ? wanted : box->button(QMessageBox::Ok))->click();
+        });
+        m_timer.start(10);
+    }
+
+    QStringList texts;
+
+private:
+    QTimer m_timer;
+};
+
+} // namespace
+
+class TestStartUp : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void secondStart_handsItsFileOver();
+    void secondStart_withoutFileOpensTheWizard();
+    void heldFolder_isToldAndLeftAlone();
+    void missingDatabase_stops();
+    void damagedDatabase_isRepairedOrLeft();
+    void firstWindow_isTheSettings();
+    void everyEnabledEntry_opensSomething();
+};
+
+void TestStartUp::secondStart_handsItsFileOver()
+{
+    Started started;
+    const QString sample = started.world.sample(u"swift-aircraft"_s);
+    writeHostFile(started.world.host(u"home/Startup.txt"_s),
+                  "[STARTUP]\r\nFileToInstall=C:\\x\r\n");
+    QVERIFY(started.start());
+    QVERIFY(!started.startupFile()); // a leftover is nobody's wish
+    frmControl* window = started.program->window();
+    QVERIFY(window->tools().isEmpty());
+    QVERIFY(window->findChild<ControlStatusBar*>()
+                ->panel(u"Primary"_s)
+                .startsWith(u"Welcome to Vantrel for FS X!"_s));
+    QCOMPARE(started.second({u"-file="_s + started.world.host(u"swift-aircraft.zip"_s)}), 0);
+    QTRY_COMPARE(window->tools().size(), 1);
+    QTRY_VERIFY(!started.startupFile());
+    auto* wizard = qobject_cast<WizardFrame*>(window->tools().first());
+    QVERIFY(wizard);
+    QVERIFY(window->close());
+}
+
+void TestStartUp::secondStart_withoutFileOpensTheWizard()
+{
+    Started started;
+    QVERIFY(started.start());
+    QCOMPARE(started.second({}), 0);
+    QTRY_COMPARE(started.program->window()->tools().size(), 1);
+    QVERIFY(!started.startupFile());
+}
+
+void TestStartUp::heldFolder_isToldAndLeftAlone()
+{
+    WindowWorld world; // holds the folder, and has no window to answer
+    app::Options options;
+    options.session.home = world.host(u"home"_s);
+    options.session.prefix = world.host(u"prefix"_s);
+    options.arguments = {u"-file="_s + world.host(u"a.zip"_s)};
+    app::StartUp other(options);
+    const Answers answers(QMessageBox::Ok);
+    QVERIFY(!other.Main());
+    const QString told = answers.texts.join(u'\n');
+    QCOMPARE(other.exitStatus(), 3);
+    QVERIFY2(told.contains(u"in use by another Vantrel"_s) && told.contains(u"process"_s),
+             qPrintable(told));
+    QVERIFY(!QFile::exists(world.host(u"home/Startup.txt"_s)));
+}
+
+void TestStartUp::missingDatabase_stops()
+{
+    Started started;
+    started.world.session.reset();
+    for (const QString& name : {u"home/Vantrel.mdb"_s, u"home/Vantrel.mdb-wal"_s})
+        QFile::remove(started.world.host(name));
+    const Answers answers(QMessageBox::Ok);
+    QVERIFY(!started.start());
+    const QString told = answers.texts.join(u'\n');
+    QCOMPARE(started.program->exitStatus(), 3);
+    QVERIFY2(told.startsWith(u"Vantrel for FS X Database File Error|The addon database, '"_s),
+             qPrintable(told));
+}
+
+void TestStartUp::damagedDatabase_isRepairedOrLeft()
+{
+    Started started;
+    started.world.restart();
+    (void)started.world.install(u"swift-aircraft"_s);
+    started.world.session->close();
+    started.world.session.reset();
+    QFile file(started.world.host(u"home/Vantrel.mdb"_s));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.seek(4096 * 6)); // one page in the midst of the tables
+    file.write(QByteArray(4096, '\x55'));
+    file.close();
+    const QByteArray damaged = readHostFile(file.fileName());
+    {
+        const Answers answers(QMessageBox::Cancel);
+        QVERIFY(!started.start());
+        QCOMPARE(answers.texts.size(), 1);
+        QCOMPARE(readHostFile(file.fileName()), damaged);
+        started.program.reset();
+    }
+    const Answers answers(QMessageBox::Yes);
+    QVERIFY2(started.start(), qPrintable(answers.texts.join(u'\n')));
+    QVERIFY(started.program->window()->isVisible());
+}
+
+void TestStartUp::firstWindow_isTheSettings()
+{
+    Started started;
+    started.world.restart();
+    QVERIFY(started.world.context().settings.setNumber(SettingKey::OpenWith, 1));
+    started.world.session->close();
+    QVERIFY(started.start());
+    frmControl* window = started.program->window();
+    QCOMPARE(window->tools().size(), 1);
+    QCOMPARE(window->findChild<ControlStatusBar*>()->panel(u"Primary"_s),
+             u"Opening Install An Addon..."_s);
+}
+
+void TestStartUp::everyEnabledEntry_opensSomething()
+{
+    const QStringList others{u"mnuFile_MainExit"_s,
+                             u"mnuStartFlying"_s,
+                             u"mnuCascade"_s,
+                             u"mnuTile"_s,
+                             u"mnuCloseAll"_s,
+                             u"mnuOpenMaximized"_s,
+                             u"mnuToolbar"_s};
+    Started started;
+    QVERIFY(started.start());
+    frmControl* window = started.program->window();
+    int opened = 0;
+    for (QAction* action : window->findChildren<QAction*>()) {
+        if (!action->objectName().startsWith(u"mnu"_s) || !action->isEnabled() || action->menu() ||
+            others.contains(action->objectName()))
+            continue;
+        window->command(u"mnuCloseAll"_s);
+        QTRY_VERIFY(window->tools().isEmpty());
+        bool dialog = false;
+        QTimer close;
+        QObject::connect(&close, &QTimer::timeout, &close, [&dialog] {
+            if (QWidget* modal = QApplication::activeModalWidget()) {
+                dialog = true;
+                modal->close();
+            }
+        });
+        close.start(20);
+        action->trigger();
+        QVERIFY2(dialog || window->tools().size() == 1, qPrintable(action->objectName()));
+        if (!window->tools().isEmpty())
+            screenshot(*window, action->objectName() + u"-1280x800"_s, {1280, 800});
+        ++opened;
+    }
+    QVERIFY(opened >= 4);
+}
+
+} // namespace vt::test
+
+using vt::test::TestStartUp;
+VT_TEST_CLASS(TestStartUp)
+
+#include "test_startup.moc"

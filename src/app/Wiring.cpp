@@ -1,11 +1,13 @@
 #include "app/Wiring.h"
 
+#include "addondb/forms/DatabaseCommands.h"
 #include "archive/forms/frmSelectFSO.h"
 #include "install/forms/frmInstall_Wizard.h"
 #include "shell/forms/frmAbout.h"
 #include "shell/forms/frmProgramInfo.h"
 #include "shell/startup/CommandLine.h"
 #include "shell/startup/Preparation.h"
+#include "ui/forms/AddonListCommands.h"
 
 #include <array>
 
@@ -83,6 +85,8 @@ void wire(frmControl& window, Session& session)
     };
     window.hooks.processes = [&session]() -> const Processes& { return session.processes(); };
     wireFile(window, session);
+    wireAddonLists(window, session);
+    wireDatabaseTools(window, session);
 }
 
 void openFirst(frmControl& window, Session& session, int openWith)

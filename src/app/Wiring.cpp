@@ -3,6 +3,7 @@
 #include "addondb/forms/DatabaseCommands.h"
 #include "archive/forms/frmSelectFSO.h"
 #include "install/forms/frmInstall_Wizard.h"
+#include "remove/forms/frmRemove_Wizard.h"
 #include "shell/forms/frmAbout.h"
 #include "shell/forms/frmProgramInfo.h"
 #include "shell/startup/CommandLine.h"
@@ -31,6 +32,13 @@ void openInstallation(frmControl& window, Session& session, const QString& sourc
             announcement(session.context().global.names.productTitle, chosen.text, Icon::Warning));
 }
 
+void openRemoval(frmControl& window, Session& session, const QList<qint64>& masterKeys)
+{
+    window.openTool(u"remove"_s, u"Opening Remove An Addon..."_s, [&]() -> ToolWindow* {
+        return new frmRemove_Wizard(session, window, masterKeys);
+    });
+}
+
 /// Also where a second start's file is picked up.
 void installFromMenu(frmControl& window, Session& session)
 {
@@ -45,6 +53,8 @@ void wireFile(frmControl& window, Session& session)
 {
     window.setCommand(u"mnuFile_InstallAnAddon"_s,
                       [&window, &session] { installFromMenu(window, session); });
+    window.setCommand(u"mnuFile_RemoveAnAddon"_s,
+                      [&window, &session] { openRemoval(window, session, {}); });
     window.setCommand(u"mnuFile_FSO_Browse"_s, [&window, &session] {
         window.openTool(u"browse"_s, u"Opening Browse Folders..."_s, [&]() -> ToolWindow* {
             return new frmSelectFSO(session, &window, frmSelectFSO::Purpose::Browse);
@@ -82,6 +92,9 @@ void wire(frmControl& window, Session& session)
 {
     window.hooks.installAddon = [&window, &session](const QString& source) {
         openInstallation(window, session, source);
+    };
+    window.hooks.removeAddons = [&window, &session](const QList<qint64>& masterKeys) {
+        openRemoval(window, session, masterKeys);
     };
     window.hooks.processes = [&session]() -> const Processes& { return session.processes(); };
     wireFile(window, session);

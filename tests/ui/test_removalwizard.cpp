@@ -1,12 +1,15 @@
 // The removal wizard from the ticks to the results, through its real windows: what is told before,
 // what is asked, what the simulator looks like afterwards.
 #include "addondb/AddonDatabase.h"
+#include "archive/forms/SelectCommands.h"
 #include "demo/DemoAircraft.h"
 #include "demo/SampleAddons.h"
 #include "install/CAddonInstaller.h"
+#include "remove/forms/RemovalCommands.h"
 #include "remove/forms/frmRemove_Wizard.h"
 #include "shell/Settings.h"
 #include "shell/forms/ColumnView.h"
+#include "shell/forms/QtStatus.h"
 #include "support/TestMain.h"
 #include "support/TreeSnapshot.h"
 #include "ui/WindowWorld.h"
@@ -303,6 +306,26 @@ private Q_SLOTS:
                 .contains(
                     u"Dependent sounds were updated to reference the replacement sound you selected."_s),
             answer == u"new");
+    }
+
+    void mainWindow_opensOneWizard()
+    {
+        Shown shown;
+        const qint64 key = shown.world.install(u"kestrel-manuals"_s);
+        QtStatus status(shown.world.prompts);
+        frmControl control(shown.world.context(), status);
+        wireRemoval(control, *shown.world.session);
+        wireBrowseFolders(control, *shown.world.session);
+        control.show();
+        control.command(u"mnuFile_RemoveAnAddon"_s);
+        control.removeAddons({key});
+        QCOMPARE(control.tools().size(), 1);
+        shown.window = qobject_cast<frmRemove_Wizard*>(control.tools().constFirst());
+        QCOMPARE(shown.row(u"kestrel-manuals"_s).data(Qt::CheckStateRole).toInt(),
+                 int(Qt::Checked));
+        control.command(u"mnuFile_FSO_Browse"_s);
+        QCOMPARE(control.tools().size(), 2);
+        QCOMPARE(control.tool(u"browse"_s)->windowTitle(), u"Browse Folders"_s);
     }
 
     void pictures()

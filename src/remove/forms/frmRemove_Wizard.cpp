@@ -60,13 +60,25 @@ frmRemove_Wizard::frmRemove_Wizard(Session& session,
 
 void frmRemove_Wizard::Form_PrepareToShow()
 {
-    for (const qint64 key : std::as_const(m_firstKeys)) {
-        if (const auto addon = modDatabase_Addon::addon(*m_session.database(), key))
-            m_choices.addons.append(
-                {key, addon->name, addon->status == InstallationStatus::FileCabinet});
-    }
-    m_integrated = !m_choices.addons.isEmpty();
     (void)SubForm_SelectAddons_Show();
+    tickAddons(m_firstKeys);
+}
+
+void frmRemove_Wizard::tickAddons(const QList<qint64>& masterKeys)
+{
+    QList<SelectedAddon> addons;
+    for (const qint64 key : masterKeys) {
+        if (const auto addon = modDatabase_Addon::addon(*m_session.database(), key))
+            addons.append({key, addon->name, addon->status == InstallationStatus::FileCabinet});
+    }
+    if (m_working || addons.isEmpty() || (m_integrated && addons == m_choices.addons))
+        return;
+    m_choices = {addons, {}};
+    m_integrated = true;
+    (void)SubForm_SelectAddons_Show();
+    SubForm_ConfigureOptions_Unload();
+    SubForm_Summary_Unload();
+    refreshSteps();
 }
 
 void frmRemove_Wizard::Form_Settings_Save()

@@ -33,6 +33,10 @@ public:
     bool mayClose() override;
     void recordsChanged() override;
 
+    /// Ticks these add-ons and no others, and begins anew; none, or those that are ticked already:
+    /// everything stays.
+    void tickAddons(const QList<qint64>& masterKeys);
+
     // The pages, each shown by its step; false when the page before cannot be left.
 
     bool SubForm_SelectAddons_Show();

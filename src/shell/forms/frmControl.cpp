@@ -167,8 +167,8 @@ void frmControl::showResults(const QString& caption, const Results& results)
     const QString key = u"results "_s + QString::number(++m_results);
     openTool(key, {}, [&] {
         const QList<NextStep> steps{
-            {u"startFlying"_s, u"Start &Flying"_s, [this] { startFlying(); }},
-            {u"showAddons"_s, u"Show &Addons"_s, [this] { workWithAddons({}); }}};
+            {u"startFlying"_s, u"Start Fl&ying"_s, [this] { startFlying(); }},
+            {u"showAddons"_s, u"Show A&ddons"_s, [this] { workWithAddons({}); }}};
         return new frmProcessResults(m_context, caption, results, steps);
     });
 }

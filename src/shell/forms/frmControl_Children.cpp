@@ -57,15 +57,18 @@ QMdiSubWindow* frmControl::addChild(ToolWindow* tool)
 void frmControl::placeChild(QMdiSubWindow* child, Section section)
 {
     Settings& settings = m_context.settings;
+    layout()->activate(); // a main window that was only just shown has not measured its middle yet
     const QRect area = m_area->viewport()->rect();
-    const QSize wanted =
-        child->sizeHint().expandedTo({area.width() * 3 / 4, area.height() * 3 / 4});
+    const QSize wanted = child->sizeHint()
+                             .expandedTo(child->minimumSizeHint())
+                             .expandedTo({area.width() * 3 / 4, area.height() * 3 / 4});
     const int step = child->fontMetrics().height() * 2;
     const int others = int(m_area->subWindowList().size()) - 1;
     const QRect proposal(QPoint(step, step) * (others % 6), wanted);
     const std::optional<QRect> kept =
         windowplace::fromText(settings.layoutText(section, LayoutValue::WindowPlace));
-    child->setGeometry(windowplace::inside(kept.value_or(proposal), area));
+    const QRect place = windowplace::inside(kept.value_or(proposal), area);
+    child->setGeometry({place.topLeft(), place.size().expandedTo(child->minimumSizeHint())});
     const QString state = settings.layoutText(section, LayoutValue::WindowState);
     if (state == maximizedState)
         child->showMaximized();

@@ -27,9 +27,7 @@ void openInstallation(frmControl& window, Session& session, const QString& sourc
     auto* wizard = qobject_cast<frmInstall_Wizard*>(open);
     if (!wizard || source.isEmpty())
         return;
-    if (const Result chosen = wizard->choose(source); !chosen)
-        session.services().prompts.ask(
-            announcement(session.context().global.names.productTitle, chosen.text, Icon::Warning));
+    (void)wizard->choose(source); // its first page says what is wrong with the source
 }
 
 void openRemoval(frmControl& window, Session& session, const QList<qint64>& masterKeys)

@@ -1,9 +1,9 @@
 #include "app/Wiring.h"
 
 #include "addondb/forms/DatabaseCommands.h"
-#include "archive/forms/frmSelectFSO.h"
+#include "archive/forms/SelectCommands.h"
 #include "install/forms/frmInstall_Wizard.h"
-#include "remove/forms/frmRemove_Wizard.h"
+#include "remove/forms/RemovalCommands.h"
 #include "shell/forms/frmAbout.h"
 #include "shell/forms/frmProgramInfo.h"
 #include "shell/startup/CommandLine.h"
@@ -30,13 +30,6 @@ void openInstallation(frmControl& window, Session& session, const QString& sourc
     (void)wizard->choose(source); // its first page says what is wrong with the source
 }
 
-void openRemoval(frmControl& window, Session& session, const QList<qint64>& masterKeys)
-{
-    window.openTool(u"remove"_s, u"Opening Remove An Addon..."_s, [&]() -> ToolWindow* {
-        return new frmRemove_Wizard(session, window, masterKeys);
-    });
-}
-
 /// Also where a second start's file is picked up.
 void installFromMenu(frmControl& window, Session& session)
 {
@@ -51,13 +44,6 @@ void wireFile(frmControl& window, Session& session)
 {
     window.setCommand(u"mnuFile_InstallAnAddon"_s,
                       [&window, &session] { installFromMenu(window, session); });
-    window.setCommand(u"mnuFile_RemoveAnAddon"_s,
-                      [&window, &session] { openRemoval(window, session, {}); });
-    window.setCommand(u"mnuFile_FSO_Browse"_s, [&window, &session] {
-        window.openTool(u"browse"_s, u"Opening Browse Folders..."_s, [&]() -> ToolWindow* {
-            return new frmSelectFSO(session, &window, frmSelectFSO::Purpose::Browse);
-        });
-    });
     window.setCommand(u"mnuFile_ProgramInfo"_s, [&window, &session] {
         window.openTool(u"program info"_s, u"Opening Program Info..."_s, [&]() -> ToolWindow* {
             return new frmProgramInfo(session.context(), QStringLiteral(VANTREL_VERSION));
@@ -91,11 +77,10 @@ void wire(frmControl& window, Session& session)
     window.hooks.installAddon = [&window, &session](const QString& source) {
         openInstallation(window, session, source);
     };
-    window.hooks.removeAddons = [&window, &session](const QList<qint64>& masterKeys) {
-        openRemoval(window, session, masterKeys);
-    };
     window.hooks.processes = [&session]() -> const Processes& { return session.processes(); };
     wireFile(window, session);
+    wireRemoval(window, session);
+    wireBrowseFolders(window, session);
     wireAddonLists(window, session);
     wireDatabaseTools(window, session);
 }

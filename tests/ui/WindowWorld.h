@@ -31,6 +31,7 @@ public:
     void showResults(const QString& caption, const Results& results) override;
     void startFlying(const QString& file, bool afterChange) override;
     void recordsChanged() override;
+
     [[nodiscard]] int openTools() const override { return toolsOpen; }
 
     void showHelp(const QString& topic) override;

@@ -9,8 +9,8 @@ namespace vt {
 void wireRemoval(frmControl& window, Session& session)
 {
     const auto open = [&window, &session](const QList<qint64>& masterKeys) {
-        ToolWindow* tool = window.openTool(
-            u"remove"_s, u"Opening Remove An Addon..."_s, [&]() -> ToolWindow* {
+        ToolWindow* tool =
+            window.openTool(u"remove"_s, u"Opening Remove An Addon..."_s, [&]() -> ToolWindow* {
                 return new frmRemove_Wizard(session, window, masterKeys);
             });
         // One that was open already ticks these instead.

@@ -26,7 +26,6 @@ public:
 
     [[nodiscard]] bool breathes() const override { return true; }
 
-
     /// Between these two a long operation runs that may be cancelled; calls nest. Outside of them
     /// windows are drawn, but take no input while something works.
     void beginWork();

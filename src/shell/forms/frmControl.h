@@ -78,6 +78,7 @@ public:
     void showResults(const QString& caption, const Results& results) override;
     void startFlying(const QString& file = {}, bool afterChange = false) override;
     void recordsChanged() override;
+
     [[nodiscard]] int openTools() const override { return int(tools().size()); }
 
     void showHelp(const QString& topic = {}) override;

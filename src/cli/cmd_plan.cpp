@@ -148,7 +148,7 @@ QString targetLine(const CAddon_Item& item,
                    const QSet<QString>& closed)
 {
     if (!details.willBePlaced(item, closed))
-        return plantext::doNotInstall();
+        return plantext::installWord(false);
     if (item.sFolder_Installation.isEmpty())
         return plantext::notSelected();
     return item.sFolder_Installation + item.sName_Installation +

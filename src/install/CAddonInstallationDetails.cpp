@@ -31,9 +31,9 @@ QString sameFolderAsItem()
     return u"Same target folder as item"_s;
 }
 
-QString doNotInstall()
+QString installWord(bool install)
 {
-    return u"Do not install"_s;
+    return install ? u"Install"_s : u"Do not install"_s;
 }
 
 } // namespace plantext

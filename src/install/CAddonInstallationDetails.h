@@ -30,10 +30,11 @@ class CSceneryCfgMgr;
 class Catalogue;
 
 namespace plantext {
-/// "*** Not Selected ***", "Same target folder as item", "Do not install".
+/// "*** Not Selected ***", "Same target folder as item".
 [[nodiscard]] QString notSelected();
 [[nodiscard]] QString sameFolderAsItem();
-[[nodiscard]] QString doNotInstall();
+/// "Install" or "Do not install": whether a file is marked.
+[[nodiscard]] QString installWord(bool install);
 /// "A file you are installing does not have a valid target folder. ..."; \a folder may be empty.
 [[nodiscard]] QString noValidTargetFolder(const QString& folder);
 /// How a page tells why it cannot be left.

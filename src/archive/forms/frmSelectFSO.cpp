@@ -41,8 +41,6 @@ namespace {
 
 /// How long the cursor rests on an archive before that is listed.
 constexpr int restMs = 150;
-/// Archives of so many files are shown unfolded.
-constexpr qsizetype expandedAtMost = 200;
 
 } // namespace
 
@@ -473,7 +471,7 @@ void frmSelectFSO::listArchive(const QString& path)
     if (!zip.remarks().isEmpty())
         text += u' ' + zip.remarks().first();
     m_contents->setText(text);
-    if (m_entries->fileCount() <= expandedAtMost)
+    if (m_entries->fileCount() <= expandsUpTo)
         m_tree->expandAll();
     m_reading = false;
 }

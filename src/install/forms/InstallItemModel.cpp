@@ -1,8 +1,8 @@
 #include "install/forms/InstallItemModel.h"
 
 #include "addondb/FileType.h"
+#include "install/forms/PlannedIcons.h"
 #include "platform/Text.h"
-#include "shell/forms/Icons.h"
 
 #include <QSet>
 
@@ -11,33 +11,6 @@
 using namespace Qt::StringLiterals;
 
 namespace vt {
-
-namespace {
-
-QString installWord(bool install)
-{
-    return install ? u"Install"_s : plantext::doNotInstall();
-}
-
-icons::State stateIcon(PlannedState state)
-{
-    switch (state) {
-    case PlannedState::New:
-        return icons::State::New;
-    case PlannedState::Replaces:
-    case PlannedState::Merges:
-        return icons::State::Replaces;
-    case PlannedState::Same:
-        return icons::State::Same;
-    case PlannedState::Skipped:
-        return icons::State::Skipped;
-    case PlannedState::Problem:
-        break;
-    }
-    return icons::State::Problem;
-}
-
-} // namespace
 
 void InstallItemModel::show(CAddonInstallationDetails* details,
                             const QList<qint32>& keys,
@@ -121,7 +94,7 @@ InstallItemModel::text(const CAddon_Item& item, const PlannedFile& planned, int 
     case File:
         return item.sFolder_Current + item.sName;
     case Install:
-        return installWord(item.boolProcess);
+        return plantext::installWord(item.boolProcess);
     case TargetFolder: {
         const QString folder = m_details->simulatorFolderOf(item);
         if (folder.isEmpty())
@@ -142,11 +115,11 @@ QVariant
 InstallItemModel::decoration(const CAddon_Item& item, const PlannedFile& planned, int column) const
 {
     if (column == File)
-        return icons::state(stateIcon(planned.state));
+        return plannedIcon(planned.state);
     const bool problem = planned.state == PlannedState::Problem;
     const bool here =
         column == TargetFolder ? item.sFolder_Installation.isEmpty() : column == ProblemDetails;
-    return problem && here ? QVariant(icons::state(icons::State::Problem)) : QVariant();
+    return problem && here ? QVariant(plannedIcon(planned.state)) : QVariant();
 }
 
 QVariant InstallItemModel::data(const QModelIndex& index, int role) const

@@ -1,36 +1,13 @@
 #include "install/forms/PlannedFilesModel.h"
 
+#include "install/forms/PlannedIcons.h"
 #include "platform/Text.h"
-#include "shell/forms/Icons.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace vt {
-
-namespace {
-
-icons::State iconOf(PlannedState state)
-{
-    switch (state) {
-    case PlannedState::New:
-        return icons::State::New;
-    case PlannedState::Replaces:
-        return icons::State::Replaces;
-    case PlannedState::Same:
-        return icons::State::Same;
-    case PlannedState::Merges:
-        return icons::State::Changed;
-    case PlannedState::Skipped:
-        return icons::State::Skipped;
-    case PlannedState::Problem:
-        break;
-    }
-    return icons::State::Problem;
-}
-
-} // namespace
 
 PlannedFilesModel::PlannedFilesModel(QObject* parent)
     : FileTreeModel({u"Target Name"_s,
@@ -41,6 +18,7 @@ PlannedFilesModel::PlannedFilesModel(QObject* parent)
                      u"Source"_s,
                      u"Target Folder"_s,
                      u"Problem Details"_s},
+                    {SizeColumn, StateColumn},
                     parent)
 {}
 
@@ -114,10 +92,8 @@ QVariant PlannedFilesModel::fileData(qint32 id, int column, int role) const
 {
     const PlannedFile& file = m_files[m_byKey.value(id)];
     const CAddon_Item& item = *m_details->addon().Search(id);
-    if (column == SizeColumn && role == Qt::TextAlignmentRole)
-        return int(Qt::AlignRight | Qt::AlignVCenter);
     if (column == StateColumn && role == Qt::DecorationRole)
-        return icons::state(iconOf(file.state));
+        return plannedIcon(file.state);
     if (role == Qt::ToolTipRole && column == RemarkColumn)
         return file.remark;
     if (role == Qt::ToolTipRole && column == NameColumn)
@@ -128,11 +104,9 @@ QVariant PlannedFilesModel::fileData(qint32 id, int column, int role) const
     case StateColumn:
         return plannedStateWord(file.state);
     case InstallColumn:
-        return item.boolProcess ? u"Install"_s : plantext::doNotInstall();
+        return plantext::installWord(item.boolProcess);
     case GroupColumn:
         return groupOf(item);
-    case SizeColumn:
-        return sizeText(item.size);
     case SourceColumn:
         return QString(item.sFolder_Current + item.sName);
     case FolderColumn:
@@ -145,23 +119,8 @@ QVariant PlannedFilesModel::fileData(qint32 id, int column, int role) const
     }
 }
 
-QVariant PlannedFilesModel::folderData(qsizetype files, qint64 bytes, int column, int role) const
-{
-    if (column == SizeColumn && role == Qt::TextAlignmentRole)
-        return int(Qt::AlignRight | Qt::AlignVCenter);
-    if (column == NameColumn && role == Qt::DecorationRole)
-        return icons::kind(icons::Kind::Folder);
-    if (role != Qt::DisplayRole)
-        return {};
-    if (column == StateColumn)
-        return countText(files, u"file"_s, u"files"_s);
-    return column == SizeColumn ? QVariant(sizeText(bytes)) : QVariant();
-}
-
 QVariant PlannedFilesModel::sortKey(qint32 id, int column) const
 {
-    if (column == SizeColumn)
-        return m_details->addon().Search(id)->size;
     if (column == StateColumn)
         return int(m_files[m_byKey.value(id)].state);
     return fileData(id, column, Qt::DisplayRole);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "install/PlannedFiles.h"
-#include "install/forms/FileTreeModel.h"
+#include "shell/forms/FileTreeModel.h"
 
 #include <QHash>
 
@@ -24,10 +24,10 @@ class PlannedFilesModel : public FileTreeModel
 public:
     enum Own
     {
-        StateColumn = FirstOwnColumn,
-        InstallColumn, ///< "Install" or "Do not install"
+        StateColumn = FirstOwnColumn, ///< of folders: how many files
+        InstallColumn,                ///< "Install" or "Do not install"
         GroupColumn,
-        SizeColumn,
+        SizeColumn, ///< the tree's
         SourceColumn,
         FolderColumn,
         RemarkColumn,
@@ -43,8 +43,6 @@ public:
 
 protected:
     [[nodiscard]] QVariant fileData(qint32 id, int column, int role) const override;
-    [[nodiscard]] QVariant
-    folderData(qsizetype files, qint64 bytes, int column, int role) const override;
     [[nodiscard]] QVariant sortKey(qint32 id, int column) const override;
 
 private:

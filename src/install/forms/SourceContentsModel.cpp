@@ -1,7 +1,6 @@
 #include "install/forms/SourceContentsModel.h"
 
 #include "install/CAddonInstallationDetails.h"
-#include "platform/Text.h"
 #include "shell/forms/Icons.h"
 
 #include <QLocale>
@@ -23,7 +22,7 @@ QDateTime dateOf(const CAddonInstallationDetails& details, const CAddon_Item& it
 } // namespace
 
 SourceContentsModel::SourceContentsModel(QObject* parent)
-    : FileTreeModel({u"Name"_s, u"Type"_s, u"Size"_s, u"Date"_s}, parent)
+    : FileTreeModel({u"Name"_s, u"Type"_s, u"Size"_s, u"Date"_s}, {SizeColumn, TypeColumn}, parent)
 {}
 
 void SourceContentsModel::setDetails(const CAddonInstallationDetails* details)
@@ -41,8 +40,6 @@ void SourceContentsModel::setDetails(const CAddonInstallationDetails* details)
 QVariant SourceContentsModel::fileData(qint32 id, int column, int role) const
 {
     const CAddon_Item& item = *m_details->addon().Search(id);
-    if (column == SizeColumn && role == Qt::TextAlignmentRole)
-        return int(Qt::AlignRight | Qt::AlignVCenter);
     if (column == NameColumn && role == Qt::DecorationRole)
         return icons::kind(icons::Kind::File);
     if (role != Qt::DisplayRole)
@@ -50,8 +47,6 @@ QVariant SourceContentsModel::fileData(qint32 id, int column, int role) const
     switch (column) {
     case TypeColumn:
         return fileTypeName(item.enumAddonFileType);
-    case SizeColumn:
-        return sizeText(item.size);
     case DateColumn:
         return QLocale().toString(dateOf(*m_details, item), QLocale::ShortFormat);
     default:
@@ -59,25 +54,9 @@ QVariant SourceContentsModel::fileData(qint32 id, int column, int role) const
     }
 }
 
-QVariant SourceContentsModel::folderData(qsizetype files, qint64 bytes, int column, int role) const
-{
-    if (column == SizeColumn && role == Qt::TextAlignmentRole)
-        return int(Qt::AlignRight | Qt::AlignVCenter);
-    if (column == NameColumn && role == Qt::DecorationRole)
-        return icons::kind(icons::Kind::Folder);
-    if (role != Qt::DisplayRole)
-        return {};
-    if (column == TypeColumn)
-        return countText(files, u"file"_s, u"files"_s);
-    return column == SizeColumn ? QVariant(sizeText(bytes)) : QVariant();
-}
-
 QVariant SourceContentsModel::sortKey(qint32 id, int column) const
 {
-    const CAddon_Item& item = *m_details->addon().Search(id);
-    if (column == SizeColumn)
-        return item.size;
-    return column == DateColumn ? QVariant(dateOf(*m_details, item))
+    return column == DateColumn ? QVariant(dateOf(*m_details, *m_details->addon().Search(id)))
                                 : fileData(id, column, Qt::DisplayRole);
 }
 

@@ -1,7 +1,7 @@
 // The files of an add-on's source as the tree that they form there.
 #pragma once
 
-#include "install/forms/FileTreeModel.h"
+#include "shell/forms/FileTreeModel.h"
 
 namespace vt {
 
@@ -14,8 +14,8 @@ class SourceContentsModel : public FileTreeModel
 public:
     enum Own
     {
-        TypeColumn = FirstOwnColumn,
-        SizeColumn,
+        TypeColumn = FirstOwnColumn, ///< of folders: how many files
+        SizeColumn,                  ///< the tree's
         DateColumn,
     };
 
@@ -26,8 +26,6 @@ public:
 
 protected:
     [[nodiscard]] QVariant fileData(qint32 id, int column, int role) const override;
-    [[nodiscard]] QVariant
-    folderData(qsizetype files, qint64 bytes, int column, int role) const override;
     [[nodiscard]] QVariant sortKey(qint32 id, int column) const override;
 
 private:

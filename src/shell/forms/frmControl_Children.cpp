@@ -5,6 +5,7 @@
 #include "shell/forms/WindowPlace.h"
 #include "shell/forms/frmControl.h"
 
+#include <QLayout>
 #include <QMdiSubWindow>
 #include <QMenu>
 

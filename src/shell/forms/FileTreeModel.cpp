@@ -1,9 +1,6 @@
-#include "install/forms/FileTreeModel.h"
+#include "shell/forms/FileTreeModel.h"
 
-#include "platform/Text.h"
 #include "platform/WinPath.h"
-
-#include <QHash>
 
 #include <algorithm>
 
@@ -11,75 +8,90 @@ using namespace Qt::StringLiterals;
 
 namespace vt {
 
-FileTreeModel::FileTreeModel(const QStringList& headers, QObject* parent)
-    : QAbstractItemModel(parent), m_headers(headers), m_nodes(1)
+FileTreeModel::FileTreeModel(const QStringList& headers, Columns columns, QObject* parent)
+    : QAbstractItemModel(parent), m_headers(headers), m_columns(columns), m_nodes(1)
 {}
 
 // The tree.
 
-void FileTreeModel::setFiles(const std::vector<File>& files)
+int FileTreeModel::add(int parent, const QString& text)
+{
+    const int number = int(m_nodes.size());
+    Node made;
+    made.parent = parent;
+    made.text = text;
+    m_nodes.push_back(std::move(made));
+    m_nodes[size_t(parent)].children.push_back(number);
+    return number;
+}
+
+/// Made with everything above it when it is not \a known.
+int FileTreeModel::folderNode(const QString& path, FolderNumbers& known)
+{
+    int at = 0;
+    QString above;
+    for (const QString& part : winpath::components(path)) {
+        above += part + u'\\';
+        const auto found = known.constFind(NoCase{above});
+        if (found != known.constEnd()) {
+            at = *found;
+            continue;
+        }
+        at = add(at, part);
+        m_nodes[size_t(at)].folder = true;
+        known.insert(NoCase{above}, at);
+    }
+    return at;
+}
+
+void FileTreeModel::setFiles(const std::vector<File>& files, const std::vector<Folder>& folders)
 {
     beginResetModel();
     m_nodes.assign(1, {});
     m_nodes.reserve(files.size() + files.size() / 4 + 1);
-    m_fileCount = qsizetype(files.size());
-    QHash<NoCase, int> folders;
-    folders.insert(NoCase{}, 0);
-    const auto add = [this](int parent, const QString& text) {
-        const int number = int(m_nodes.size());
-        Node made;
-        made.parent = parent;
-        made.text = text;
-        m_nodes.push_back(std::move(made));
-        m_nodes[size_t(parent)].children.push_back(number);
-        return number;
-    };
-    const auto folderNode = [&](const QString& folder) {
-        int at = 0;
-        QString path;
-        for (const QString& part : winpath::components(folder)) {
-            path += part + u'\\';
-            const auto known = folders.constFind(NoCase{path});
-            if (known != folders.constEnd()) {
-                at = *known;
-                continue;
-            }
-            at = add(at, part);
-            m_nodes[size_t(at)].folder = true;
-            folders.insert(NoCase{path}, at);
-        }
-        return at;
-    };
+    FolderNumbers known;
+    for (const Folder& folder : folders) {
+        const int number = folderNode(folder.path, known);
+        if (folder.kind != icons::Kind::Folder)
+            m_nodes[size_t(number)].kind = folder.kind;
+    }
     QString last;
     int lastNode = 0;
     for (const File& file : files) {
         if (file.folder != last) {
             last = file.folder;
-            lastNode = folderNode(file.folder);
+            lastNode = folderNode(file.folder, known);
         }
         Node& made = m_nodes[size_t(add(lastNode, file.name))];
         made.id = file.id;
         made.bytes = file.size;
         made.files = 1;
     }
+    sumUp();
+    compact(0);
+    sortChildren(0);
+    endResetModel();
+}
+
+void FileTreeModel::sumUp()
+{
     // Parents stand before their children.
     for (size_t i = m_nodes.size(); i-- > 1;) {
         Node& above = m_nodes[size_t(m_nodes[i].parent)];
         above.files += m_nodes[i].files;
         above.bytes += m_nodes[i].bytes;
     }
-    compact(0);
-    sortChildren(0);
-    endResetModel();
 }
 
-/// Joins folders that hold but one folder with it.
+/// Joins folders that hold but one folder with it. An archive stays a row of its own.
 void FileTreeModel::compact(int number)
 {
     for (size_t i = 0; i < m_nodes[size_t(number)].children.size(); ++i) {
         int child = m_nodes[size_t(number)].children[i];
         QString text = m_nodes[size_t(child)].text;
-        while (m_nodes[size_t(child)].folder && m_nodes[size_t(child)].children.size() == 1 &&
+        while (m_nodes[size_t(child)].folder &&
+               m_nodes[size_t(child)].kind == icons::Kind::Folder &&
+               m_nodes[size_t(child)].children.size() == 1 &&
                m_nodes[size_t(m_nodes[size_t(child)].children.front())].folder) {
             child = m_nodes[size_t(child)].children.front();
             text += u'\\' + m_nodes[size_t(child)].text;
@@ -91,41 +103,39 @@ void FileTreeModel::compact(int number)
     }
 }
 
+/// What the sorted column holds, empty where it tells nothing: each is asked for once.
+QVariant FileTreeModel::keyOf(const Node& node) const
+{
+    if (m_sortBy == m_columns.size)
+        return node.bytes;
+    return node.folder || m_sortBy == NameColumn ? QVariant() : sortKey(node.id, m_sortBy);
+}
+
 void FileTreeModel::sortChildren(int number)
 {
     std::vector<int>& children = m_nodes[size_t(number)].children;
     const bool descending = m_order == Qt::DescendingOrder;
-    const auto byName = [this](int a, int b) {
-        return compareNoCase(m_nodes[size_t(a)].text, m_nodes[size_t(b)].text);
-    };
-    QHash<int, QVariant> keys;
-    if (m_sortBy != NameColumn) {
-        for (const int child : children) {
-            if (!m_nodes[size_t(child)].folder)
-                keys.insert(child, sortKey(m_nodes[size_t(child)].id, m_sortBy));
-        }
-    }
-    std::stable_sort(children.begin(), children.end(), [&](int a, int b) {
-        const bool folderA = m_nodes[size_t(a)].folder;
-        if (folderA != m_nodes[size_t(b)].folder)
-            return folderA;
-        int order = 0;
-        if (!folderA && m_sortBy != NameColumn) {
-            const QPartialOrdering compared = QVariant::compare(keys.value(a), keys.value(b));
-            order = compared == QPartialOrdering::Less      ? -1
-                    : compared == QPartialOrdering::Greater ? 1
-                                                            : 0;
-        }
-        if (order == 0)
-            return (folderA || m_sortBy != NameColumn) ? byName(a, b) < 0
-                   : descending                        ? byName(a, b) > 0
-                                                       : byName(a, b) < 0;
-        return descending ? order > 0 : order < 0;
+    std::vector<std::pair<QVariant, int>> rows;
+    rows.reserve(children.size());
+    for (const int child : children)
+        rows.emplace_back(keyOf(m_nodes[size_t(child)]), child);
+    std::stable_sort(rows.begin(), rows.end(), [&](const auto& first, const auto& second) {
+        const Node& a = m_nodes[size_t(first.second)];
+        const Node& b = m_nodes[size_t(second.second)];
+        if (a.folder != b.folder)
+            return a.folder;
+        const QPartialOrdering order = QVariant::compare(first.first, second.first);
+        if (order == QPartialOrdering::Less || order == QPartialOrdering::Greater)
+            return (order == QPartialOrdering::Less) != descending;
+        const int names = compareNoCase(a.text, b.text);
+        return descending && m_sortBy == NameColumn && !a.folder ? names > 0 : names < 0;
     });
-    for (size_t row = 0; row < children.size(); ++row) {
-        m_nodes[size_t(children[row])].row = int(row);
-        if (m_nodes[size_t(children[row])].folder)
-            sortChildren(children[row]);
+    for (size_t row = 0; row < rows.size(); ++row) {
+        const int child = rows[row].second;
+        children[row] = child;
+        m_nodes[size_t(child)].row = int(row);
+        if (m_nodes[size_t(child)].folder)
+            sortChildren(child);
     }
 }
 
@@ -207,20 +217,29 @@ int FileTreeModel::columnCount(const QModelIndex&) const
 QVariant FileTreeModel::data(const QModelIndex& index, int role) const
 {
     const Node& shown = node(index);
+    const int column = index.column();
     if (role == IdRole)
         return shown.id;
     if (role == FolderRole)
         return shown.folder ? pathOf(int(index.internalId())) : QString();
-    if (index.column() == NameColumn && role == Qt::DisplayRole)
+    if (column == NameColumn && role == Qt::DisplayRole)
         return shown.text;
-    if (shown.folder && index.column() == NameColumn && role == Qt::ToolTipRole)
-        return pathOf(int(index.internalId()));
-    return shown.folder ? folderData(shown.files, shown.bytes, index.column(), role)
-                        : fileData(shown.id, index.column(), role);
+    if (column == m_columns.size && role == Qt::DisplayRole)
+        return sizeText(shown.bytes);
+    if (column == m_columns.size && role == Qt::TextAlignmentRole)
+        return int(Qt::AlignRight | Qt::AlignVCenter);
+    return shown.folder ? folderData(index, role) : fileData(shown.id, column, role);
 }
 
-QVariant FileTreeModel::folderData(qsizetype, qint64, int, int) const
+QVariant FileTreeModel::folderData(const QModelIndex& index, int role) const
 {
+    const Node& shown = node(index);
+    if (index.column() == NameColumn && role == Qt::ToolTipRole)
+        return pathOf(int(index.internalId()));
+    if (index.column() == NameColumn && role == Qt::DecorationRole)
+        return icons::kind(shown.kind);
+    if (index.column() == m_columns.count && role == Qt::DisplayRole)
+        return countText(shown.files, u"file"_s, u"files"_s);
     return {};
 }
 
@@ -228,6 +247,8 @@ QVariant FileTreeModel::headerData(int section, Qt::Orientation orientation, int
 {
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole)
         return m_headers.value(section);
+    if (section == m_columns.size && role == Qt::TextAlignmentRole)
+        return int(Qt::AlignRight | Qt::AlignVCenter);
     return {};
 }
 

@@ -3,8 +3,7 @@
 #pragma once
 
 #include "addondb/AddonFacts.h"
-
-#include <QAbstractTableModel>
+#include "ui/OrderedTableModel.h"
 
 #include <functional>
 #include <optional>
@@ -12,7 +11,7 @@
 
 namespace vt {
 
-class AddonFilesModel : public QAbstractTableModel
+class AddonFilesModel : public OrderedTableModel
 {
     Q_OBJECT
 
@@ -27,7 +26,7 @@ public:
 
     using Compare = std::function<ItemState(const DetailRecord&)>;
 
-    using QAbstractTableModel::QAbstractTableModel;
+    explicit AddonFilesModel(QObject* parent = nullptr) : OrderedTableModel(-1, parent) {}
 
     /// The small picture of a state, as Qt::DecorationRole gives it. Unset: none.
     std::function<QVariant(ItemState)> picture;
@@ -38,24 +37,20 @@ public:
     /// Full path of the file that a row shows.
     [[nodiscard]] QString path(int row) const;
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QVariant
     headerData(int section, Qt::Orientation orientation, int role) const override;
-    void sort(int column, Qt::SortOrder order) override;
+
+protected:
+    [[nodiscard]] QVariant sortKey(qsizetype place, int column) const override;
 
 private:
-    [[nodiscard]] ItemState stateOf(int place) const;
-    [[nodiscard]] QVariant key(int place, int column) const;
-    void putInOrder();
+    [[nodiscard]] ItemState stateOf(qsizetype place) const;
 
     QList<DetailRecord> m_files;
     Compare m_compare;
     mutable std::vector<std::optional<ItemState>> m_states;
-    std::vector<qsizetype> m_order;
-    int m_sortColumn = -1; ///< as recorded
-    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
 };
 
 } // namespace vt

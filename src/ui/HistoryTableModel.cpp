@@ -6,7 +6,6 @@
 #include <QLocale>
 
 #include <array>
-#include <numeric>
 
 using namespace Qt::StringLiterals;
 
@@ -101,45 +100,23 @@ void HistoryTableModel::setRows(QList<HistoryRecord> rows)
 {
     beginResetModel();
     m_rows = std::move(rows);
-    putInOrder();
+    setRowCount(m_rows.size());
     endResetModel();
 }
 
-void HistoryTableModel::putInOrder()
+QVariant HistoryTableModel::sortKey(qsizetype place, int column) const
 {
-    m_order.resize(size_t(m_rows.size()));
-    std::iota(m_order.begin(), m_order.end(), 0);
-    if (m_sortColumn < 0)
-        return;
-    QList<QVariant> keys;
-    keys.reserve(m_rows.size());
-    for (const HistoryRecord& record : std::as_const(m_rows))
-        keys.append(historyKey(record, m_sortColumn));
-    m_order = CSuperSort::Order(keys,
-                                columnsAbout[size_t(m_sortColumn)].type,
-                                m_sortOrder == Qt::DescendingOrder ? SortDirection::Descending
-                                                                   : SortDirection::Ascending);
+    return historyKey(m_rows.at(place), column);
 }
 
-void HistoryTableModel::sort(int column, Qt::SortOrder order)
+SortDataType HistoryTableModel::sortType(int column) const
 {
-    if (column >= ColumnCount)
-        return;
-    beginResetModel();
-    m_sortColumn = column;
-    m_sortOrder = order;
-    putInOrder();
-    endResetModel();
+    return columnsAbout[size_t(column)].type;
 }
 
 const HistoryRecord& HistoryTableModel::at(int row) const
 {
-    return m_rows.at(m_order[size_t(row)]);
-}
-
-int HistoryTableModel::rowCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : int(m_rows.size());
+    return m_rows.at(placeOf(row));
 }
 
 int HistoryTableModel::columnCount(const QModelIndex& parent) const

@@ -2,16 +2,13 @@
 #pragma once
 
 #include "addondb/AddonRecords.h"
-#include "shell/CSuperSort.h"
-
-#include <QAbstractTableModel>
+#include "ui/OrderedTableModel.h"
 
 #include <functional>
-#include <vector>
 
 namespace vt {
 
-class HistoryTableModel : public QAbstractTableModel
+class HistoryTableModel : public OrderedTableModel
 {
     Q_OBJECT
 
@@ -31,7 +28,7 @@ public:
         ColumnCount,
     };
 
-    using QAbstractTableModel::QAbstractTableModel;
+    explicit HistoryTableModel(QObject* parent = nullptr) : OrderedTableModel(-1, parent) {}
 
     /// The small picture of a row, as Qt::DecorationRole gives it. Unset: none.
     std::function<QVariant(InstallationStatus)> picture;
@@ -41,20 +38,17 @@ public:
     /// \a row: as it is shown.
     [[nodiscard]] const HistoryRecord& at(int row) const;
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QVariant
     headerData(int section, Qt::Orientation orientation, int role) const override;
-    void sort(int column, Qt::SortOrder order) override;
+
+protected:
+    [[nodiscard]] QVariant sortKey(qsizetype place, int column) const override;
+    [[nodiscard]] SortDataType sortType(int column) const override;
 
 private:
-    void putInOrder();
-
     QList<HistoryRecord> m_rows;
-    std::vector<qsizetype> m_order;
-    int m_sortColumn = -1; ///< as they were given
-    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
 };
 
 /// "Installed", "File Cabinet", "Removed", "Imported": the word of a status for people.

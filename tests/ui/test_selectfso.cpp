@@ -1,5 +1,6 @@
 // The file and folder selection window: going about by keyboard, archives looked into, the two
 // lists as they come to the disk.
+#include "archive/forms/FolderModel.h"
 #include "archive/forms/frmSelectFSO.h"
 #include "demo/SampleAddons.h"
 #include "shell/Settings.h"
@@ -16,6 +17,8 @@
 #include <QRegularExpression>
 #include <QTabWidget>
 #include <QTimer>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -141,11 +144,28 @@ private Q_SLOTS:
         QVERIFY2(inner >= 0 && names.value(inner + 1).startsWith(u' '),
                  qPrintable(names.join(u'\n')));
         QVERIFY(shown.find<QLabel>(u"lblContents"_s)->text().contains(u" unpacked."_s));
+        QCOMPARE(entries.data(entries.index(0, 1), Qt::TextAlignmentRole).toInt(),
+                 int(Qt::AlignRight | Qt::AlignVCenter));
 
         writeHostFile(shown.world.host(u"packs/broken.zip"_s), "no archive");
         shown.type(shown.world.windows(u"packs/broken.zip"_s));
         QTRY_VERIFY(shown.find<QLabel>(u"lblContents"_s)->text().contains(u"broken.zip"_s));
         QCOMPARE(entries.rowCount(), 0);
+    }
+
+    void sorting_keepsTheCursor_andFoldersFirst()
+    {
+        const Shown shown;
+        shown.type(shown.world.windows(u"packs/fog-mission.zip"_s));
+        for (const Qt::SortOrder order : {Qt::DescendingOrder, Qt::AscendingOrder}) {
+            for (const int column : {FolderModel::SizeColumn, FolderModel::NameColumn}) {
+                shown.list()->sortByColumn(column, order);
+                QVERIFY(shown.window->selectedPath().endsWith(u"\\fog-mission.zip"_s));
+                QCOMPARE(shown.names().first(), u"Loose"_s);
+            }
+            QStringList files = shown.names().mid(1);
+            QVERIFY(std::is_sorted(files.begin(), files.end()) == (order == Qt::AscendingOrder));
+        }
     }
 
     void recentItems_comeToTheDisk()

@@ -4,8 +4,8 @@
 #include "archive/CZIPFile.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
+#include "shell/forms/Icons.h"
 
-#include <QFileIconProvider>
 #include <QLocale>
 
 #include <algorithm>
@@ -30,13 +30,8 @@ bool isAddonFile(const QString& name, int generation)
 } // namespace
 
 FolderModel::FolderModel(const Files& files, int generation, QObject* parent)
-    : QAbstractTableModel(parent), m_files(files), m_generation(generation)
-{
-    const QFileIconProvider icons;
-    m_folderIcon = icons.icon(QFileIconProvider::Folder);
-    m_fileIcon = icons.icon(QFileIconProvider::File);
-    m_archiveIcon = QIcon::fromTheme(u"package-x-generic"_s, m_fileIcon);
-}
+    : OrderedTableModel(NameColumn, parent), m_files(files), m_generation(generation)
+{}
 
 void FolderModel::setFolder(const QString& folder)
 {
@@ -64,7 +59,7 @@ void FolderModel::read()
     const qsizetype all = m_rows.size();
     m_rows.removeIf([this](const FileInfo& info) { return !shows(info); });
     m_hidden = all - m_rows.size();
-    sortRows();
+    setRowCount(m_rows.size());
     endResetModel();
 }
 
@@ -79,7 +74,7 @@ QString FolderModel::path(const QModelIndex& index) const
 
 const FileInfo* FolderModel::info(const QModelIndex& index) const
 {
-    return index.isValid() ? &m_rows.at(index.row()) : nullptr;
+    return index.isValid() ? &m_rows.at(placeOf(index.row())) : nullptr;
 }
 
 int FolderModel::rowOf(const QString& name) const
@@ -87,12 +82,7 @@ int FolderModel::rowOf(const QString& name) const
     const auto found = std::find_if(m_rows.begin(), m_rows.end(), [&name](const FileInfo& info) {
         return equalNoCase(info.name, name);
     });
-    return found == m_rows.end() ? -1 : int(found - m_rows.begin());
-}
-
-int FolderModel::rowCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : int(m_rows.size());
+    return found == m_rows.end() ? -1 : rowOfPlace(found - m_rows.begin());
 }
 
 int FolderModel::columnCount(const QModelIndex&) const
@@ -115,7 +105,9 @@ QVariant FolderModel::data(const QModelIndex& index, int role) const
     if (!one)
         return {};
     if (role == Qt::DecorationRole && index.column() == NameColumn)
-        return one->folder ? m_folderIcon : isArchiveName(one->name) ? m_archiveIcon : m_fileIcon;
+        return icons::kind(one->folder                ? icons::Kind::Folder
+                           : isArchiveName(one->name) ? icons::Kind::Archive
+                                                      : icons::Kind::File);
     if (role == Qt::TextAlignmentRole && index.column() == SizeColumn)
         return QVariant(Qt::AlignRight | Qt::AlignVCenter);
     if (role != Qt::DisplayRole)
@@ -142,36 +134,30 @@ QVariant FolderModel::headerData(int section, Qt::Orientation orientation, int r
     return titles.value(section);
 }
 
-bool FolderModel::less(const FileInfo& a, const FileInfo& b) const
+QVariant FolderModel::sortKey(qsizetype place, int column) const
 {
-    switch (m_sortBy) {
+    const FileInfo& info = m_rows.at(place);
+    switch (column) {
     case SizeColumn:
-        return a.size < b.size;
+        return info.size;
     case DateColumn:
-        return a.modifiedNs < b.modifiedNs;
+        return info.modifiedNs;
     case TypeColumn:
-        return compareNoCase(typeOf(a), typeOf(b)) < 0;
+        return typeOf(info);
     default:
-        return compareNoCase(a.name, b.name) < 0;
+        return info.name;
     }
 }
 
-void FolderModel::sortRows()
+SortDataType FolderModel::sortType(int column) const
 {
-    std::stable_sort(m_rows.begin(), m_rows.end(), [this](const FileInfo& a, const FileInfo& b) {
-        if (a.folder != b.folder)
-            return a.folder;
-        return m_order == Qt::AscendingOrder ? less(a, b) : less(b, a);
-    });
+    return column == SizeColumn || column == DateColumn ? SortDataType::Number
+                                                        : SortDataType::General;
 }
 
-void FolderModel::sort(int column, Qt::SortOrder order)
+bool FolderModel::leads(qsizetype place) const
 {
-    m_sortBy = column;
-    m_order = order;
-    beginResetModel();
-    sortRows();
-    endResetModel();
+    return m_rows.at(place).folder;
 }
 
 } // namespace vt

@@ -3,9 +3,8 @@
 #pragma once
 
 #include "platform/Files.h"
+#include "ui/OrderedTableModel.h"
 
-#include <QAbstractTableModel>
-#include <QIcon>
 #include <QString>
 
 #include <optional>
@@ -20,7 +19,7 @@ enum class FolderFilter
     AllFiles,
 };
 
-class FolderModel : public QAbstractTableModel
+class FolderModel : public OrderedTableModel
 {
     Q_OBJECT
 
@@ -53,19 +52,20 @@ public:
     /// Entries of the folder that the filter leaves out.
     [[nodiscard]] qsizetype hiddenCount() const { return m_hidden; }
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QVariant
     headerData(int section, Qt::Orientation orientation, int role) const override;
-    void sort(int column, Qt::SortOrder order) override;
+
+protected:
+    [[nodiscard]] QVariant sortKey(qsizetype place, int column) const override;
+    [[nodiscard]] SortDataType sortType(int column) const override;
+    [[nodiscard]] bool leads(qsizetype place) const override;
 
 private:
     [[nodiscard]] bool shows(const FileInfo& info) const;
     [[nodiscard]] QString typeOf(const FileInfo& info) const;
-    [[nodiscard]] bool less(const FileInfo& a, const FileInfo& b) const;
     void read();
-    void sortRows();
 
     const Files& m_files;
     int m_generation;
@@ -73,11 +73,6 @@ private:
     FolderFilter m_filter = FolderFilter::AddonFiles;
     QList<FileInfo> m_rows;
     qsizetype m_hidden = 0;
-    int m_sortBy = NameColumn;
-    Qt::SortOrder m_order = Qt::AscendingOrder;
-    QIcon m_folderIcon;
-    QIcon m_fileIcon;
-    QIcon m_archiveIcon;
 };
 
 } // namespace vt

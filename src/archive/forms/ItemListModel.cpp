@@ -1,11 +1,8 @@
 #include "archive/forms/ItemListModel.h"
 
-#include "platform/Text.h"
 #include "platform/WinPath.h"
 
 #include <QLocale>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -14,21 +11,14 @@ namespace vt {
 void ItemListModel::setItems(const QList<CRecentItem>& items)
 {
     beginResetModel();
-    m_rows.clear();
-    for (const CRecentItem& item : items)
-        m_rows.append({item, int(m_rows.size()) + 1});
-    sortRows();
+    m_items = items;
+    setRowCount(items.size());
     endResetModel();
 }
 
 QString ItemListModel::path(const QModelIndex& index) const
 {
-    return index.isValid() ? m_rows.at(index.row()).item.sRecentItem : QString();
-}
-
-int ItemListModel::rowCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : int(m_rows.size());
+    return index.isValid() ? m_items.at(placeOf(index.row())).sRecentItem : QString();
 }
 
 int ItemListModel::columnCount(const QModelIndex&) const
@@ -40,20 +30,21 @@ QVariant ItemListModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid())
         return {};
-    const Row& row = m_rows.at(index.row());
+    const qsizetype place = placeOf(index.row());
+    const CRecentItem& item = m_items.at(place);
     if (role == Qt::ToolTipRole)
-        return row.item.sRecentItem;
+        return item.sRecentItem;
     if (role == Qt::TextAlignmentRole && index.column() == OrderColumn)
         return QVariant(Qt::AlignRight | Qt::AlignVCenter);
     if (role != Qt::DisplayRole)
         return {};
     switch (index.column()) {
     case NameColumn:
-        return winpath::name(row.item.sRecentItem);
+        return winpath::name(item.sRecentItem);
     case DateColumn:
-        return QLocale().toString(row.item.dteDateAdded, QLocale::ShortFormat);
+        return QLocale().toString(item.dteDateAdded, QLocale::ShortFormat);
     default:
-        return row.order;
+        return place + 1;
     }
 }
 
@@ -67,31 +58,19 @@ QVariant ItemListModel::headerData(int section, Qt::Orientation orientation, int
     return titles.value(section);
 }
 
-void ItemListModel::sortRows()
+QVariant ItemListModel::sortKey(qsizetype place, int column) const
 {
-    const auto less = [this](const Row& a, const Row& b) {
-        switch (m_sortBy) {
-        case NameColumn:
-            return compareNoCase(winpath::name(a.item.sRecentItem),
-                                 winpath::name(b.item.sRecentItem)) < 0;
-        case DateColumn:
-            return a.item.dteDateAdded < b.item.dteDateAdded;
-        default:
-            return a.order < b.order;
-        }
-    };
-    std::stable_sort(m_rows.begin(), m_rows.end(), [&](const Row& a, const Row& b) {
-        return m_order == Qt::AscendingOrder ? less(a, b) : less(b, a);
-    });
+    if (column == DateColumn)
+        return m_items.at(place).dteDateAdded;
+    return column == OrderColumn ? QVariant(place)
+                                 : QVariant(winpath::name(m_items.at(place).sRecentItem));
 }
 
-void ItemListModel::sort(int column, Qt::SortOrder order)
+SortDataType ItemListModel::sortType(int column) const
 {
-    m_sortBy = column;
-    m_order = order;
-    beginResetModel();
-    sortRows();
-    endResetModel();
+    return column == DateColumn    ? SortDataType::Date
+           : column == OrderColumn ? SortDataType::Number
+                                   : SortDataType::General;
 }
 
 } // namespace vt

@@ -3,13 +3,13 @@
 #pragma once
 
 #include "shell/CRecentItem.h"
+#include "ui/OrderedTableModel.h"
 
-#include <QAbstractTableModel>
 #include <QList>
 
 namespace vt {
 
-class ItemListModel : public QAbstractTableModel
+class ItemListModel : public OrderedTableModel
 {
     Q_OBJECT
 
@@ -22,7 +22,7 @@ public:
         ColumnCount,
     };
 
-    using QAbstractTableModel::QAbstractTableModel;
+    explicit ItemListModel(QObject* parent = nullptr) : OrderedTableModel(NameColumn, parent) {}
 
     /// In the order of the list, which "Order" counts from 1.
     void setItems(const QList<CRecentItem>& items);
@@ -30,25 +30,17 @@ public:
     /// Empty for no row.
     [[nodiscard]] QString path(const QModelIndex& index) const;
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QVariant
     headerData(int section, Qt::Orientation orientation, int role) const override;
-    void sort(int column, Qt::SortOrder order) override;
+
+protected:
+    [[nodiscard]] QVariant sortKey(qsizetype place, int column) const override;
+    [[nodiscard]] SortDataType sortType(int column) const override;
 
 private:
-    struct Row
-    {
-        CRecentItem item;
-        int order = 0;
-    };
-
-    void sortRows();
-
-    QList<Row> m_rows;
-    int m_sortBy = NameColumn;
-    Qt::SortOrder m_order = Qt::AscendingOrder;
+    QList<CRecentItem> m_items;
 };
 
 } // namespace vt

@@ -2,11 +2,10 @@
 
 #include "addondb/forms/DatabaseCommands.h"
 #include "archive/forms/SelectCommands.h"
-#include "install/forms/frmInstall_Wizard.h"
+#include "install/forms/InstallCommands.h"
 #include "remove/forms/RemovalCommands.h"
 #include "shell/forms/frmAbout.h"
 #include "shell/forms/frmProgramInfo.h"
-#include "shell/startup/CommandLine.h"
 #include "shell/startup/Preparation.h"
 #include "ui/forms/AddonListCommands.h"
 
@@ -18,32 +17,8 @@ namespace vt::app {
 
 namespace {
 
-void openInstallation(frmControl& window, Session& session, const QString& source)
-{
-    ToolWindow* open =
-        window.openTool(u"install"_s, u"Opening Install An Addon..."_s, [&]() -> ToolWindow* {
-            return new frmInstall_Wizard(session, window);
-        });
-    auto* wizard = qobject_cast<frmInstall_Wizard*>(open);
-    if (!wizard || source.isEmpty())
-        return;
-    (void)wizard->choose(source); // its first page says what is wrong with the source
-}
-
-/// Also where a second start's file is picked up.
-void installFromMenu(frmControl& window, Session& session)
-{
-    Services& services = session.services();
-    services.files.newOperation();
-    const QString handedOver =
-        takeStartupFile(services.files, services.actions, session.context().global);
-    window.installAddon(handedOver);
-}
-
 void wireFile(frmControl& window, Session& session)
 {
-    window.setCommand(u"mnuFile_InstallAnAddon"_s,
-                      [&window, &session] { installFromMenu(window, session); });
     window.setCommand(u"mnuFile_ProgramInfo"_s, [&window, &session] {
         window.openTool(u"program info"_s, u"Opening Program Info..."_s, [&]() -> ToolWindow* {
             return new frmProgramInfo(session.context(), QStringLiteral(VANTREL_VERSION));
@@ -74,11 +49,9 @@ constexpr int addonWizard = 0;
 
 void wire(frmControl& window, Session& session)
 {
-    window.hooks.installAddon = [&window, &session](const QString& source) {
-        openInstallation(window, session, source);
-    };
     window.hooks.processes = [&session]() -> const Processes& { return session.processes(); };
     wireFile(window, session);
+    wireInstallation(window, session);
     wireRemoval(window, session);
     wireBrowseFolders(window, session);
     wireAddonLists(window, session);

@@ -16,7 +16,6 @@
 #include <QImage>
 #include <QLabel>
 #include <QRadioButton>
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -74,14 +73,7 @@ void ConfigurePage::build(QLabel* title, const std::function<QWidget*()>& extra)
     if (extra)
         column->addWidget(extra());
     m_manager->addList(column);
-    auto* scroll = new QScrollArea(this);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidgetResizable(true);
-    scroll->setWidget(content);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    auto* whole = new QVBoxLayout(this);
-    whole->setContentsMargins({});
-    whole->addWidget(scroll);
+    setContent(content);
 }
 
 /// On a low page everything stands closer, and the prompt, which the frames say again, gives way.

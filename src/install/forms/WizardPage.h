@@ -66,6 +66,9 @@ Q_SIGNALS:
     void othersChanged();
 
 protected:
+    /// Makes \a content the page. In a window that is too small for it, it is scrolled.
+    void setContent(QWidget* content);
+
     [[nodiscard]] WizardState& state() const { return m_state; }
 
     /// The details; only between enter() and the page's end, when an add-on was chosen.

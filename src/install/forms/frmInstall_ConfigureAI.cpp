@@ -11,7 +11,6 @@
 
 #include <QGroupBox>
 #include <QLabel>
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -40,14 +39,7 @@ frmInstall_ConfigureAI::frmInstall_ConfigureAI(WizardState& state, QWidget* pare
     column->addWidget(m_traffic.frame);
     m_manager->addTabs(column);
     m_manager->addList(column);
-    auto* scroll = new QScrollArea(this);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidgetResizable(true);
-    scroll->setWidget(content);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    auto* whole = new QVBoxLayout(this);
-    whole->setContentsMargins({});
-    whole->addWidget(scroll);
+    setContent(content);
 }
 
 QString frmInstall_ConfigureAI::header() const

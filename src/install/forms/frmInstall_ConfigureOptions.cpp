@@ -17,7 +17,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScopedValueRollback>
-#include <QScrollArea>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -69,14 +69,7 @@ frmInstall_ConfigureOptions::frmInstall_ConfigureOptions(WizardState& state, QWi
     column->addWidget(afterwards());
     column->setContentsMargins({});
     column->setSpacing(column->spacing() * 2);
-
-    auto* scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidget(content);
-    scroll->setWidgetResizable(true);
-    auto* whole = new QVBoxLayout(this);
-    whole->setContentsMargins({});
-    whole->addWidget(scroll);
+    setContent(content);
     connectControls();
     setFocusProxy(m_name);
 }

@@ -193,12 +193,9 @@ void Spool::truncate(qint64 size)
         m_bytes.truncate(m_size);
 }
 
-QByteArray Spool::hostPath()
+int Spool::descriptor()
 {
-    if (!m_file && !toFile())
-        return {};
-    const QByteArray path = "/proc/self/fd/" + QByteArray::number(m_file->handle());
-    return access(path.constData(), R_OK) == 0 ? path : m_file->fileName().toLocal8Bit();
+    return m_file || toFile() ? m_file->handle() : -1;
 }
 
 SourceBuilder::SourceBuilder(QString name, qint64 memoryLimit)

@@ -62,9 +62,8 @@ public:
 
     [[nodiscard]] const Result& problem() const { return m_problem; }
 
-    /// A path under which the host's other libraries may open the bytes while this lives; empty
-    /// when there is none.
-    [[nodiscard]] QByteArray hostPath();
+    /// The open file with the bytes, for a program that is given it; -1 when there is none.
+    [[nodiscard]] int descriptor();
 
 private:
     bool toFile();

@@ -76,8 +76,8 @@ bool isRar4(const RarDirectory& directory)
 
 } // namespace
 
-RarReader::RarReader(std::shared_ptr<const RarDirectory> directory)
-    : m_directory(std::move(directory))
+RarReader::RarReader(std::shared_ptr<const RarDirectory> directory, UnpackHelper helper)
+    : m_directory(std::move(directory)), m_helper(std::move(helper))
 {
     formGroups();
 }
@@ -248,8 +248,8 @@ Result RarReader::unpackWhole(const RarEntry& entry, QByteArray& to)
     for (const bool second : {false, true}) {
         if (second && !isRar4(*m_directory))
             break;
-        const auto unpacker = second ? unpackByUnarr(*m_directory, {&entry})
-                                     : unpackByLibarchive(*m_directory, {&entry});
+        const auto unpacker = second ? unpackByUnarr(*m_directory, {&entry}, m_helper)
+                                     : unpackByLibarchive(*m_directory, {&entry}, m_helper);
         to.resize(0);
         to.reserve(entry.size);
         CheckSum sum(entry);
@@ -274,7 +274,7 @@ Result RarReader::readLarge(const RarEntry& entry, const Content::Sink& sink)
     CheckSum sum(entry);
     if (!isRar4(*m_directory)) {
         const RarEnd end =
-            unpackByLibarchive(*m_directory, {&entry})->next([&](QByteArrayView bytes) {
+            unpackByLibarchive(*m_directory, {&entry}, m_helper)->next([&](QByteArrayView bytes) {
                 sum.add(bytes);
                 return sink(bytes);
             });
@@ -331,8 +331,8 @@ void RarReader::unpackSolid(Group& group, size_t place)
             group.saved.clear();
         if (second || !group.unpacker)
             group.unpacker = second || (old && !alone)
-                                 ? unpackByUnarr(*m_directory, group.members)
-                                 : unpackByLibarchive(*m_directory, group.members);
+                                 ? unpackByUnarr(*m_directory, group.members, m_helper)
+                                 : unpackByLibarchive(*m_directory, group.members, m_helper);
         while (group.saved.size() <= place &&
                (group.saved.empty() || group.saved.back().end.code == RarCode::Ok)) {
             Saved& saved = group.saved.emplace_back();

@@ -17,7 +17,7 @@ namespace vt {
 class RarReader final : public ArchiveReader
 {
 public:
-    explicit RarReader(std::shared_ptr<const RarDirectory> directory);
+    explicit RarReader(std::shared_ptr<const RarDirectory> directory, UnpackHelper helper = {});
     ~RarReader() override;
 
     [[nodiscard]] Result readable(int key) const override;
@@ -55,6 +55,7 @@ private:
     Result deliver(const ByteSource& from, qint64 offset, qint64 bytes, const Content::Sink& sink);
 
     std::shared_ptr<const RarDirectory> m_directory;
+    UnpackHelper m_helper; ///< the unpackers of groups give theirs back to it
     std::vector<std::unique_ptr<Group>> m_groups;
     /// Of each entry: its group (-1 for none, -2 when it needs one that cannot be unpacked) and the
     /// place in it.

@@ -1,14 +1,9 @@
 #include "archive/RarUnpack.h"
 
 #include "archive/LowFirst.h"
+#include "unpack/Wire.h"
 
-#include <archive.h>
-#include <archive_entry.h>
-#include <cstdio>
-#include <fcntl.h>
 #include <libdeflate.h>
-#include <unarr.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -59,7 +54,7 @@ public:
         qint64 done = 0;
         while (done < bytes && m_piece < m_pieces.size()) {
             const Piece& piece = m_pieces[m_piece];
-            const qint64 length = piece.memory.isNull() ? piece.part.bytes : piece.memory.size();
+            const qint64 length = piece.bytes();
             const qint64 n = qMin(bytes - done, length - m_at);
             if (!piece.memory.isNull()) {
                 std::copy_n(piece.memory.constData() + m_at, n, to + done);
@@ -71,6 +66,7 @@ public:
                 }
             }
             done += n;
+            m_given += n;
             m_at += n;
             if (m_at == length) {
                 ++m_piece;
@@ -80,6 +76,17 @@ public:
         return done;
     }
 
+    /// All that read() gives, from the beginning on.
+    [[nodiscard]] qint64 size() const
+    {
+        qint64 bytes = 0;
+        for (const Piece& piece : m_pieces)
+            bytes += piece.bytes();
+        return bytes;
+    }
+
+    [[nodiscard]] qint64 given() const { return m_given; }
+
     [[nodiscard]] const QString& problem() const { return m_problem; }
 
 private:
@@ -87,6 +94,8 @@ private:
     {
         QByteArray memory; ///< null: the part
         RarPart part;
+
+        [[nodiscard]] qint64 bytes() const { return memory.isNull() ? part.bytes : memory.size(); }
     };
 
     static QByteArray header4(quint8 type, quint16 flags, const QByteArray& rest)
@@ -167,207 +176,189 @@ private:
     std::vector<Piece> m_pieces;
     size_t m_piece = 0;
     qint64 m_at = 0;
+    qint64 m_given = 0;
     QString m_problem;
 };
 
-/// Hands pieces on and sees to it that they are as many bytes as announced.
-RarEnd transferTo(const Content::Sink& sink,
-                  qint64 size,
-                  const std::function<qint64(char*, qint64)>& read,
-                  const std::function<QString()>& why)
+/// Longer than this for each megabyte of an entry is no work, but going in circles.
+constexpr qint64 msEachMegabyte = 1000;
+/// What libunarr gets as bytes.
+constexpr qint64 inMemory = 64LL << 20;
+/// More that is left over is not worth giving, only to ask the same helper again.
+constexpr qint64 givenAnyway = 4LL << 20;
+
+QByteArray
+requestOf(unpack::Library library, const std::vector<const RarEntry*>& group, qint64 archiveBytes)
 {
-    const auto buffer = std::make_unique_for_overwrite<char[]>(rarPiece);
-    for (qint64 left = size; left > 0;) {
-        const qint64 n = read(buffer.get(), qMin(left, rarPiece));
-        if (n <= 0)
-            return {RarCode::BadData, n < 0 ? why() : u"its data end too early"_s, false};
-        if (!sink(QByteArrayView(buffer.get(), n)))
-            return {RarCode::Ok, {}, true};
-        left -= n;
+    const unpack::Request request{library, quint32(group.size()), quint64(archiveBytes)};
+    QByteArray bytes(reinterpret_cast<const char*>(&request), sizeof request);
+    for (const RarEntry* entry : group) {
+        const auto size = quint64(entry->size);
+        bytes.append(reinterpret_cast<const char*>(&size), sizeof size);
     }
-    return {};
+    return bytes;
 }
 
-class LibarchiveUnpacker final : public RarUnpacker
+class HelpedUnpacker final : public RarUnpacker
 {
 public:
-    LibarchiveUnpacker(const RarDirectory& directory, std::vector<const RarEntry*> group)
-        : m_group(std::move(group)), m_made(directory, m_group),
-          m_buffer(std::make_unique_for_overwrite<char[]>(rarPiece)), m_archive(archive_read_new())
+    HelpedUnpacker(UnpackHelper& helper, std::vector<const RarEntry*> group)
+        : m_helper(helper), m_group(std::move(group))
+    {}
+
+    ~HelpedUnpacker() override
     {
-        if (!m_archive)
+        // One that has answered all that it was asked can be asked again.
+        if (m_stream && m_answered && !m_spool && m_made->size() - m_made->given() <= givenAnyway &&
+            m_stream->finishGiving())
+            m_helper.idle = std::move(m_stream);
+    }
+
+    HelpedUnpacker(const HelpedUnpacker&) = delete;
+    HelpedUnpacker& operator=(const HelpedUnpacker&) = delete;
+
+    void ask(const RarDirectory& directory, unpack::Library library)
+    {
+        m_made = std::make_unique<MadeUpRar>(directory, m_group);
+        const qint64 bytes = m_made->size();
+        if (library == unpack::Library::Unarr && bytes > inMemory) {
+            if (setAside(directory.name()) && start(m_spool->descriptor()))
+                m_stream->give(requestOf(library, m_group, 0), {});
             return;
-        archive_read_support_format_rar(m_archive);
-        archive_read_support_format_rar5(m_archive);
-        m_open = archive_read_open(m_archive, this, nullptr, &LibarchiveUnpacker::give, nullptr) ==
-                 ARCHIVE_OK;
-    }
-
-    ~LibarchiveUnpacker() override
-    {
-        if (m_archive)
-            archive_read_free(m_archive);
-    }
-
-    LibarchiveUnpacker(const LibarchiveUnpacker&) = delete;
-    LibarchiveUnpacker& operator=(const LibarchiveUnpacker&) = delete;
-
-    RarEnd next(const Content::Sink& sink) override
-    {
-        if (!m_archive)
-            return {RarCode::NoMemory, u"there is not enough memory"_s, false};
-        archive_entry* header = nullptr;
-        if (!m_open || m_next >= m_group.size() ||
-            archive_read_next_header(m_archive, &header) < ARCHIVE_WARN)
-            return failed();
-        const RarEntry& entry = *m_group[m_next++];
-        RarEnd end = transferTo(
-            sink,
-            entry.size,
-            [this](char* to, qint64 bytes) {
-                return qint64(archive_read_data(m_archive, to, size_t(bytes)));
-            },
-            [this] { return failed().why; });
-        if (end.code != RarCode::Ok || end.sinkRefused)
-            return end;
-        char more = 0;
-        if (const auto n = archive_read_data(m_archive, &more, 1); n != 0)
-            return n < 0 ? failed()
-                         : RarEnd{RarCode::BadData, u"it is longer than it announces"_s, false};
-        return end;
-    }
-
-private:
-    static la_ssize_t give(archive*, void* self, const void** bytes)
-    {
-        auto& my = *static_cast<LibarchiveUnpacker*>(self);
-        *bytes = my.m_buffer.get();
-        return la_ssize_t(my.m_made.read(my.m_buffer.get(), rarPiece));
-    }
-
-    [[nodiscard]] RarEnd failed() const
-    {
-        if (!m_made.problem().isEmpty())
-            return {RarCode::Read, m_made.problem(), false};
-        const char* text = archive_error_string(m_archive);
-        return {RarCode::BadData,
-                text ? QString::fromUtf8(text) : u"its data cannot be unpacked"_s,
-                false};
-    }
-
-    std::vector<const RarEntry*> m_group;
-    MadeUpRar m_made;
-    std::unique_ptr<char[]> m_buffer;
-    archive* m_archive;
-    size_t m_next = 0;
-    bool m_open = false;
-};
-
-/// libunarr tells every fault on standard error, where only our own sentences belong.
-class QuietLibrary
-{
-public:
-    QuietLibrary() : m_kept(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3))
-    {
-        std::fflush(stderr);
-        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        if (m_kept >= 0 && nowhere >= 0)
-            dup2(nowhere, STDERR_FILENO);
-        if (nowhere >= 0)
-            close(nowhere);
-    }
-
-    ~QuietLibrary()
-    {
-        std::fflush(stderr);
-        if (m_kept < 0)
-            return;
-        dup2(m_kept, STDERR_FILENO);
-        close(m_kept);
-    }
-
-    QuietLibrary(const QuietLibrary&) = delete;
-    QuietLibrary& operator=(const QuietLibrary&) = delete;
-
-private:
-    int m_kept;
-};
-
-class UnarrUnpacker final : public RarUnpacker
-{
-public:
-    UnarrUnpacker(const RarDirectory& directory, std::vector<const RarEntry*> group)
-        : m_group(std::move(group)), m_spool(directory.name(), 0)
-    {
-        MadeUpRar made(directory, m_group);
-        const auto buffer = std::make_unique_for_overwrite<char[]>(rarPiece);
-        for (;;) {
-            const qint64 n = made.read(buffer.get(), rarPiece);
-            if (n < 0)
-                m_problem = {RarCode::Read, made.problem(), false};
-            else if (n > 0 && !m_spool.append(QByteArrayView(buffer.get(), n)))
-                m_problem = {RarCode::Write, m_spool.problem().text, false};
-            if (n <= 0 || m_problem.code != RarCode::Ok)
-                break;
         }
-        const QuietLibrary quiet;
-        if (m_problem.code == RarCode::Ok)
-            m_stream = ar_open_file(m_spool.hostPath().constData());
-        m_archive = m_stream ? ar_open_rar_archive(m_stream) : nullptr;
+        if (m_helper.idle)
+            m_stream = std::move(m_helper.idle);
+        else if (!start(-1))
+            return;
+        m_stream->give(requestOf(library, m_group, bytes),
+                       [this](char* to, qint64 n) { return m_made->read(to, n); });
     }
-
-    ~UnarrUnpacker() override
-    {
-        if (m_archive)
-            ar_close_archive(m_archive);
-        if (m_stream)
-            ar_close(m_stream);
-    }
-
-    UnarrUnpacker(const UnarrUnpacker&) = delete;
-    UnarrUnpacker& operator=(const UnarrUnpacker&) = delete;
 
     RarEnd next(const Content::Sink& sink) override
     {
         if (m_problem.code != RarCode::Ok)
             return m_problem;
-        const QuietLibrary quiet;
-        const RarEnd damaged{RarCode::BadData, u"its data cannot be unpacked"_s, false};
-        if (!m_archive || m_next >= m_group.size() || !ar_parse_entry(m_archive))
-            return damaged;
+        if (m_stopped || m_next >= m_group.size())
+            return {RarCode::BadData, u"its data cannot be unpacked"_s, false};
+        m_answered = false;
         const RarEntry& entry = *m_group[m_next++];
-        if (qint64(ar_entry_get_size(m_archive)) != entry.size)
-            return damaged;
-        return transferTo(
-            sink,
-            entry.size,
-            [this](char* to, qint64 bytes) {
-                return ar_entry_uncompress(m_archive, to, size_t(bytes)) ? bytes : qint64(-1);
-            },
-            [&] { return damaged.why; });
+        m_stream->allow(m_helper.patienceMs + msEachMegabyte * ((entry.size + entry.packed) >> 20));
+        RarEnd end = receive(sink, entry.size);
+        m_stopped = end.code != RarCode::Ok || end.sinkRefused;
+        return end;
     }
 
 private:
+    /// libunarr goes to and fro in an archive: what is too large for its memory becomes a file.
+    bool setAside(const QString& name)
+    {
+        m_spool = std::make_unique<Spool>(name, 0);
+        const auto buffer = std::make_unique_for_overwrite<char[]>(rarPiece);
+        for (qint64 n = 1; n > 0 && m_problem.code == RarCode::Ok;) {
+            n = m_made->read(buffer.get(), rarPiece);
+            if (n < 0)
+                m_problem = {RarCode::Read, m_made->problem(), false};
+            else if (n > 0 && !m_spool->append(QByteArrayView(buffer.get(), n)))
+                m_problem = {RarCode::Write, m_spool->problem().text, false};
+        }
+        return m_problem.code == RarCode::Ok;
+    }
+
+    bool start(int file)
+    {
+        auto started = GuardedStream::start(m_helper.program, file);
+        if (!started) {
+            m_problem = {RarCode::Read, started.text, false};
+            return false;
+        }
+        m_stream = std::move(*started);
+        return true;
+    }
+
+    RarEnd receive(const Content::Sink& sink, qint64 size)
+    {
+        const auto buffer = std::make_unique_for_overwrite<char[]>(unpack::pieceBytes);
+        for (qint64 left = size;;) {
+            quint32 piece = 0;
+            if (!get(&piece, sizeof piece))
+                return broken();
+            if (piece == 0)
+                return told(left);
+            if (piece > unpack::pieceBytes || piece > left)
+                return nonsense();
+            if (!get(buffer.get(), piece))
+                return broken();
+            if (!sink(QByteArrayView(buffer.get(), piece)))
+                return {RarCode::Ok, {}, true};
+            left -= piece;
+        }
+    }
+
+    /// What stands behind an entry's pieces.
+    RarEnd told(qint64 left)
+    {
+        unpack::Ended ended;
+        if (!get(&ended, sizeof ended))
+            return broken();
+        if (ended.textBytes > unpack::textLimit)
+            return nonsense();
+        QByteArray text(ended.textBytes, Qt::Uninitialized);
+        if (!get(text.data(), text.size()))
+            return broken();
+        if (!m_made->problem().isEmpty())
+            return {RarCode::Read, m_made->problem(), false};
+        // After a failure it answers nothing more.
+        m_answered = m_next == m_group.size() || ended.outcome != unpack::Outcome::Ok;
+        if (ended.outcome == unpack::Outcome::Ok)
+            return left == 0 ? RarEnd{} : nonsense();
+        return {ended.outcome == unpack::Outcome::NoMemory ? RarCode::NoMemory : RarCode::BadData,
+                text.isEmpty() ? u"its data cannot be unpacked"_s : QString::fromUtf8(text),
+                false};
+    }
+
+    bool get(void* to, qint64 bytes) { return m_stream->read(static_cast<char*>(to), bytes); }
+
+    [[nodiscard]] RarEnd broken() const
+    {
+        if (!m_made->problem().isEmpty())
+            return {RarCode::Read, m_made->problem(), false};
+        return {RarCode::BadData, u"unpacking it "_s + m_stream->problem(), false};
+    }
+
+    [[nodiscard]] static RarEnd nonsense()
+    {
+        return {RarCode::BadData, u"its unpacker answers what makes no sense"_s, false};
+    }
+
+    UnpackHelper& m_helper;
     std::vector<const RarEntry*> m_group;
-    Spool m_spool;
+    std::unique_ptr<MadeUpRar> m_made;
+    std::unique_ptr<Spool> m_spool;
+    std::unique_ptr<GuardedStream> m_stream;
     RarEnd m_problem;
-    ar_stream* m_stream = nullptr;
-    ar_archive* m_archive = nullptr;
     size_t m_next = 0;
+    bool m_stopped = false;
+    bool m_answered = false;
 };
 
 } // namespace
 
 std::unique_ptr<RarUnpacker> unpackByLibarchive(const RarDirectory& directory,
-                                                std::vector<const RarEntry*> group)
+                                                std::vector<const RarEntry*> group,
+                                                UnpackHelper& helper)
 {
-    return std::make_unique<LibarchiveUnpacker>(directory, std::move(group));
+    auto unpacker = std::make_unique<HelpedUnpacker>(helper, std::move(group));
+    unpacker->ask(directory, unpack::Library::Libarchive);
+    return unpacker;
 }
 
 std::unique_ptr<RarUnpacker> unpackByUnarr(const RarDirectory& directory,
-                                           std::vector<const RarEntry*> group)
+                                           std::vector<const RarEntry*> group,
+                                           UnpackHelper& helper)
 {
-    return std::make_unique<UnarrUnpacker>(directory, std::move(group));
+    auto unpacker = std::make_unique<HelpedUnpacker>(helper, std::move(group));
+    unpacker->ask(directory, unpack::Library::Unarr);
+    return unpacker;
 }
 
 } // namespace vt

@@ -37,9 +37,10 @@ const QList<Layer>& layers()
     static const QList<Layer> all{
         {"platform"_L1, {}},
         {"picture"_L1, {}},
+        {"unpack"_L1, {}},
         {"shell"_L1, {"platform"_L1}},
         {"simconfig/engine"_L1, files},
-        {"archive"_L1, files},
+        {"archive"_L1, Folders{"unpack"_L1} + files},
         {"addondb"_L1, records},
         {"simconfig"_L1, Folders{"addondb"_L1} + records},
         {"catalogue"_L1, objects},

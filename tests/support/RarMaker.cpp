@@ -115,6 +115,22 @@ void putLiterals(Bits& bits, int codes, const QByteArray& data)
     }
 }
 
+/// The bits with the head of a block before them: a table is there, the size has three bytes.
+QByteArray block5Of(const Bits& bits, bool last)
+{
+    const QByteArray packed = bits.bytes();
+    const auto size = quint32(packed.size());
+    QByteArray head;
+    put<quint8>(head, quint8(0x80 | (last ? 0x40 : 0) | 0x10 | bits.lastBits()));
+    quint32 sum = 0x5A ^ uchar(head[0]);
+    for (int at = 0; at < 24; at += 8)
+        sum ^= size >> at & 0xFF;
+    put<quint8>(head, quint8(sum));
+    for (int at = 0; at < 24; at += 8)
+        put<quint8>(head, quint8(size >> at));
+    return head + packed;
+}
+
 } // namespace
 
 RarMaker::RarMaker(int format, quint32 mainFlags, int volume) : m_format(format)
@@ -133,6 +149,25 @@ RarMaker::RarMaker(int format, quint32 mainFlags, int volume) : m_format(format)
     m_bytes = QByteArray("Rar!\x1a\x07\x01\x00", 8) + block5(main);
 }
 
+QByteArray RarMaker::packEndless()
+{
+    // A filter from the beginning on, over 1 MB: more than half a window of 256 KB, which an
+    // unpacker may want to keep back until the filter can be applied.
+    Bits bits;
+    putLiterals(bits, 430, {});
+    bits.put(511, 9);
+    bits.put(0, 2); // starts in one byte: here
+    bits.put(0, 8);
+    bits.put(2, 2); // reaches over three bytes' worth: 0x100000
+    for (const quint32 byte : {0x00, 0x00, 0x10})
+        bits.put(byte, 8);
+    bits.put(1, 3); // of the kind that corrects calls
+    const int before = 200'000;
+    for (int i = 0; i < before; ++i)
+        bits.put('x', 8);
+    return block5Of(bits, true);
+}
+
 QByteArray RarMaker::pack(int format, const QByteArray& data)
 {
     if (format == 4) {
@@ -148,15 +183,7 @@ QByteArray RarMaker::pack(int format, const QByteArray& data)
     for (qsizetype at = 0; at < data.size() || at == 0; at += most) {
         Bits bits;
         putLiterals(bits, 430, data.mid(at, most));
-        const QByteArray packed = bits.bytes();
-        const auto size = quint32(packed.size());
-        const bool last = at + most >= data.size();
-        QByteArray head;
-        put<quint8>(head, quint8(0x80 | (last ? 0x40 : 0) | 0x08 | bits.lastBits()));
-        quint8 sum = quint8(0x5A ^ uchar(head[0]) ^ (size & 0xFF) ^ (size >> 8));
-        put<quint8>(head, sum);
-        put<quint16>(head, quint16(size));
-        all += head + packed;
+        all += block5Of(bits, at + most >= data.size());
     }
     return all;
 }

@@ -56,6 +56,9 @@ public:
         int format, const QByteArray& name, const QByteArray& data, int count, bool packed = false);
     /// The bytes as the format packs them when it finds no repetition.
     [[nodiscard]] static QByteArray pack(int format, const QByteArray& data);
+    /// RAR5: packed bytes of an entry of 1 MB on which an unpacker that waits for room turns in a
+    /// circle for ever.
+    [[nodiscard]] static QByteArray packEndless();
 
 private:
     void service(const QByteArray& name, const QByteArray& data);

@@ -97,6 +97,10 @@ public:
     /// Files that could not be installed although they were to be.
     [[nodiscard]] qsizetype failedFiles() const { return m_failedFiles; }
 
+    /// Places in the source of the files that were to be installed and were not, whatever the
+    /// reason; also of those that a cancellation left out.
+    [[nodiscard]] QStringList notInstalled() const;
+
     /// Why the first of them was not, or the scenery library was not updated; may be empty.
     [[nodiscard]] QString cause() const;
 

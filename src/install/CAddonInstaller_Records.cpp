@@ -431,6 +431,22 @@ QString CAddonInstaller::cause() const
     return edit == m_aircraftEdits.cend() ? m_libraryCause : edit->problem;
 }
 
+QStringList CAddonInstaller::notInstalled() const
+{
+    QSet<const CAddon_Item*> installed; // after a cancellation the others are not in m_files
+    for (const File& file : m_files) {
+        if (file.code == InstallCode::Installed)
+            installed.insert(file.item);
+    }
+    QStringList places;
+    const QSet<QString> closed = m_details.closedFolders();
+    for (const CAddon_Item& item : m_details.addon().colAddonItems()) {
+        if (!installed.contains(&item) && m_details.willBePlaced(item, closed))
+            places.append(item.sFolder_Current + item.sName);
+    }
+    return places;
+}
+
 void CAddonInstaller::tellFiles()
 {
     const bool again = m_details.recorded();

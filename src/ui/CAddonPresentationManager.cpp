@@ -152,13 +152,18 @@ AddonCommandEnd CAddonPresentationManager::Addons_Remove(const QList<AddonToRemo
         if (context.services.status.cancelled()) {
             causes.append(u"'"_s + addons.at(i).name +
                           u"' and what follows it were left alone, because it was cancelled."_s);
+            for (; i < addons.size(); ++i)
+                end.failed.append(addons.at(i).key);
             break;
         }
         tellPlace(copied ? u"Copying"_s : u"Removing"_s, i, addons.size());
         RemovedAddon removed =
             removeAddon(context, *m_session.database(), addons.at(i).key, addons.at(i).options);
-        if (!removed.result)
+        if (!removed.result) {
             causes.append(removed.result.text);
+            if (modDatabase_Addon::addon(*m_session.database(), removed.key))
+                end.failed.append(removed.key);
+        }
         if (removed.ended && addons.at(i).options.method != RemovalMethod::Copy)
             end.changed.append(removed.key);
         end.results.append(std::move(removed.results));
@@ -192,8 +197,10 @@ AddonCommandEnd CAddonPresentationManager::Addons_Reinstall(const QList<qint64>&
             reinstallAddon(context, *m_session.database(), keys.at(i), {}, {}, [this, &context] {
                 return isSimulatorRunning(context, m_session.processes());
             });
-        if (!one.result)
+        if (!one.result) {
             causes.append(textAbout(names.at(i), one.result.text));
+            end.failed.append(keys.at(i));
+        }
         if (one.recorded)
             end.changed.append(keys.at(i));
         end.results.append(std::move(one.results));
@@ -234,6 +241,8 @@ void CAddonPresentationManager::validateOne(qint64 key, AddonCommandEnd& end)
     const Result verdict = facts->verdict(whole);
     end.text = verdict.text;
     end.good = end.good && whole;
+    if (!whole)
+        end.failed.append(key);
 }
 
 AddonCommandEnd CAddonPresentationManager::Addons_Validate(const QList<qint64>& keys)

@@ -29,6 +29,7 @@ struct AddonCommandEnd
     QString caption;       ///< of the window that shows the results
     Results results;       ///< of all add-ons together
     QList<qint64> changed; ///< keys whose records changed
+    QList<qint64> failed;  ///< keys of add-ons that are recorded still and not as was wished
 };
 
 /// "Are you sure you want to remove these addons?", with their names.

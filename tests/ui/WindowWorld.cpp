@@ -32,9 +32,10 @@ void RecordingFrame::command(const QString& controlName)
         toolsOpen = 0;
 }
 
-void RecordingFrame::installAddon(const QString& source)
+void RecordingFrame::installAddon(const QString& source, const QStringList& onlyFiles)
 {
-    calls.append(u"installAddon "_s + source);
+    calls.append(u"installAddon "_s + source +
+                 (onlyFiles.isEmpty() ? QString() : u" only "_s + onlyFiles.join(u", "_s)));
 }
 
 void RecordingFrame::removeAddons(const QList<qint64>& masterKeys)
@@ -47,10 +48,13 @@ void RecordingFrame::workWithAddons(const QList<qint64>& masterKeys)
     calls.append(u"workWithAddons"_s + keyTexts(masterKeys));
 }
 
-void RecordingFrame::showResults(const QString& caption, const Results& shown)
+void RecordingFrame::showResults(const QString& caption,
+                                 const Results& shown,
+                                 const AfterResults& afterwards)
 {
     calls.append(u"showResults "_s + caption);
     results = shown;
+    after = afterwards;
 }
 
 void RecordingFrame::startFlying(const QString& file, bool afterChange)

@@ -18,17 +18,19 @@
 
 namespace vt::test {
 
-/// Notes each call as one text: "command mnuFileCabinet", "installAddon C:\a.zip",
+/// Notes each call as one text: "command mnuFileCabinet", "installAddon C:\a.zip" (and what is
+/// marked alone, after " only "),
 /// "removeAddons 3 4", "workWithAddons 3", "showResults <caption>", "startFlying <file>",
 /// "startFlying <file> after change", "recordsChanged", "showHelp <topic>".
 class RecordingFrame final : public Frame
 {
 public:
     void command(const QString& controlName) override;
-    void installAddon(const QString& source) override;
+    void installAddon(const QString& source, const QStringList& onlyFiles) override;
     void removeAddons(const QList<qint64>& masterKeys) override;
     void workWithAddons(const QList<qint64>& masterKeys) override;
-    void showResults(const QString& caption, const Results& results) override;
+    void
+    showResults(const QString& caption, const Results& results, const AfterResults& after) override;
     void startFlying(const QString& file, bool afterChange) override;
     void recordsChanged() override;
 
@@ -39,7 +41,8 @@ public:
     void endWork() override;
 
     QStringList calls;
-    Results results;   ///< the last that were to be shown
+    Results results; ///< the last that were to be shown
+    AfterResults after;
     int toolsOpen = 0; ///< until "mnuCloseAll" is commanded
     int working = 0;   ///< begun and not ended
     int everBegun = 0; ///< how often work was begun

@@ -40,6 +40,25 @@ struct Shown
         return installer.Install_Begin() ? installer.masterKey() : -1;
     }
 
+    /// Two aircraft, of which Wren uses panel and sound of Owl; the key of Owl.
+    qint64 installOwlAndWren()
+    {
+        const auto aircraft = [](const QString& folder, const QString& from) {
+            return aircraftFiles({u"SimObjects/Airplanes/"_s + folder,
+                                  folder.toLower(),
+                                  u"Nest"_s,
+                                  folder,
+                                  u"1"_s,
+                                  u"Demo_Kestrel"_s,
+                                  {u"Airspeed"_s},
+                                  from,
+                                  u"fx_none"_s,
+                                  {{folder + u" White"_s, u"White"_s, {}}}});
+        };
+        const qint64 owl = installFiles(u"Owl"_s, aircraft(u"Owl"_s, {}));
+        return installFiles(u"Wren"_s, aircraft(u"Wren"_s, u"Owl"_s)) > 0 ? owl : -1;
+    }
+
     qint64 installReplacing(const QString& sample)
     {
         InstallOptions options;
@@ -268,21 +287,8 @@ private Q_SLOTS:
         QFETCH(const QString, answer);
         QFETCH(const QByteArray, alias);
         Shown shown;
-        const auto aircraft = [](const QString& folder, const QString& from) {
-            return aircraftFiles({u"SimObjects/Airplanes/"_s + folder,
-                                  folder.toLower(),
-                                  u"Nest"_s,
-                                  folder,
-                                  u"1"_s,
-                                  u"Demo_Kestrel"_s,
-                                  {u"Airspeed"_s},
-                                  from,
-                                  u"fx_none"_s,
-                                  {{folder + u" White"_s, u"White"_s, {}}}});
-        };
-        const qint64 owl = shown.installFiles(u"Owl"_s, aircraft(u"Owl"_s, {}));
-        const qint64 wren = shown.installFiles(u"Wren"_s, aircraft(u"Wren"_s, u"Owl"_s));
-        QVERIFY(owl > 0 && wren > 0);
+        const qint64 owl = shown.installOwlAndWren();
+        QVERIFY(owl > 0);
         shown.open({owl});
         ScriptedPrompts& prompts = shown.world.prompts;
         prompts.expect(u"Confirm Removal"_s, Button::Yes);
@@ -306,6 +312,49 @@ private Q_SLOTS:
                 .contains(
                     u"Dependent sounds were updated to reference the replacement sound you selected."_s),
             answer == u"new");
+    }
+
+    void failedRemoval_isTriedAgain_fromItsResults()
+    {
+        Shown shown;
+        const qint64 owl = shown.installOwlAndWren();
+        QtStatus status(shown.world.prompts);
+        frmControl control(shown.world.context(), status);
+        wireRemoval(control, *shown.world.session);
+        control.show();
+        control.removeAddons({owl});
+        const auto wizard = [&] {
+            shown.window = qobject_cast<frmRemove_Wizard*>(control.tool(u"remove"_s));
+            return shown.window.data();
+        };
+        const auto groups = [&](const QString& key) {
+            QStringList names;
+            const auto* list = control.tool(key)->findChild<ColumnView*>(u"tvwResults"_s);
+            for (int row = 0; row < list->model()->rowCount(); ++row)
+                names.append(list->model()->index(row, 0).data().toString());
+            return names;
+        };
+        ScriptedPrompts& prompts = shown.world.prompts;
+        prompts.expect(u"Confirm Removal"_s, Button::Yes);
+        prompts.expect(u"Confirm Sound Removal"_s, Button::No);
+        prompts.expect(u"The addon was not removed properly."_s, Button::Ok);
+        QVERIFY(wizard());
+        shown.press(u"cmdFinish"_s);
+        QTRY_VERIFY(!control.tool(u"remove"_s));
+        QVERIFY(shown.recorded(owl));
+        QVERIFY(groups(u"results 1"_s).contains(u"Processed (0)"_s));
+
+        control.tool(u"results 1"_s)->findChild<QAbstractButton*>(u"tryAgain"_s)->click();
+        QVERIFY(wizard());
+        QCOMPARE(shown.row(u"Owl"_s).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
+        prompts.expect(u"Confirm Removal"_s, Button::Yes);
+        prompts.expectTicked(u"Confirm Sound Removal"_s, u"Kestrel K2"_s);
+        prompts.expect(u"Confirm Panel Removal"_s, Button::Yes);
+        shown.press(u"cmdFinish"_s);
+        QTRY_VERIFY(!control.tool(u"remove"_s));
+        QVERIFY(!shown.recorded(owl));
+        QVERIFY(groups(u"results 2"_s).contains(u"Not Processed (0)"_s));
+        QVERIFY(!control.tool(u"results 2"_s)->findChild<QAbstractButton*>(u"tryAgain"_s));
     }
 
     void mainWindow_opensOneWizard()

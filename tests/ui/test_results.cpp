@@ -155,12 +155,33 @@ private Q_SLOTS:
         QCOMPARE(QApplication::clipboard()->text().count(u'\n'), 3);
     }
 
+    void sorting_staysWithinGroups()
+    {
+        const Shown shown(3);
+        shown.list()->sortByColumn(ResultsModel::FileColumn, Qt::DescendingOrder);
+        const QModelIndex installed = shown.list()->model()->index(0, 0);
+        QCOMPARE(installed.data().toString(), u"Installed (3)"_s);
+        QCOMPARE(shown.list()->model()->index(0, 0, installed).data().toString(), u"tile_2.bmp"_s);
+        shown.list()->setCurrentIndex(shown.list()->model()->index(0, 0, installed));
+        shown.list()->sortByColumn(ResultsModel::FileColumn, Qt::AscendingOrder);
+        QCOMPARE(shown.list()->currentIndex().row(), 2);
+        shown.find<QLineEdit>(u"txtFilter"_s)->setText(u"nothing like it"_s);
+        shown.find<QPushButton>(u"cmdEmptyPlace"_s)->click();
+        QCOMPARE(shown.groups().size(), 4);
+    }
+
     void nextSteps_areButtons()
     {
         int flown = 0;
-        const Shown shown(1, {{u"cmdStartFlying"_s, u"Start Fl&ying"_s, [&flown] { ++flown; }}});
+        int again = 0;
+        const Shown shown(1,
+                          {{u"cmdStartFlying"_s, u"Start Fl&ying"_s, [&flown] { ++flown; }},
+                           {u"tryAgain"_s, u"&Try Failed Again"_s, [&again] { ++again; }, true}});
         QTest::keySequence(shown.list(), QKeySequence(u"Alt+Y"_s));
         QTRY_COMPARE(flown, 1);
+        shown.find<QPushButton>(u"tryAgain"_s)->click();
+        shown.find<QPushButton>(u"tryAgain"_s)->click();
+        QCOMPARE(again, 1);
     }
 
     /// In relation to the ready-made model, in the same run.
@@ -195,8 +216,9 @@ private Q_SLOTS:
     void pictures()
     {
         Shown shown(50'000,
-                    {{u"cmdStartFlying"_s, u"Start Fl&ying"_s, [] {}},
-                     {u"cmdShowAddon"_s, u"Show A&ddon"_s, [] {}}});
+                    {{u"tryAgain"_s, u"&Try Failed Again"_s, [] {}, true},
+                     {u"startFlying"_s, u"Start Fl&ying"_s, [] {}},
+                     {u"showAddons"_s, u"Show A&ddons"_s, [] {}}});
         screenshot(shown.window, u"results-1280x800"_s, {1280, 800});
         shown.find<QCheckBox>(u"chkProblemsOnly"_s)->click();
         shown.list()->setCurrentIndex(shown.list()->model()->index(0, 0).model()->index(

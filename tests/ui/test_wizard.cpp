@@ -300,6 +300,22 @@ void TestWizard::cancelAtAQuestion_keepsWhatCameBefore()
     QCOMPARE(test::readHostFile(world.demo.simulatorHost + u"/Effects/b.fx"_s), "old");
     QVERIFY(world.status.texts.last().contains(u"was ended early; 1 file is installed"_s));
     QCOMPARE(world.frame.results.count(resultgroup::installed), 1);
+
+    // What was left out can be tried again, and is marked alone then.
+    QCOMPARE(world.frame.after.addons, QList<qint64>{1});
+    world.frame.after.tryAgain();
+    const QStringList left{u"Effects\\b.fx"_s};
+    QCOMPARE(world.frame.calls.last(),
+             u"installAddon "_s + world.windows(u"more"_s) + u"\\ only "_s + left.first());
+    Wizard again(world);
+    QVERIFY(again.window->choose(world.windows(u"more"_s), left));
+    QCOMPARE(again.text(u"lblNotice"_s),
+             u"Only what was not installed before is marked: 1 file."_s);
+    world.prompts.expect(u"b.fx"_s, Button::Yes);
+    again.press(u"cmdFinish"_s);
+    QCOMPARE(test::readHostFile(world.demo.simulatorHost + u"/Effects/b.fx"_s), "new b");
+    QCOMPARE(world.frame.results.count(resultgroup::installed), 1);
+    QVERIFY(!world.frame.after.tryAgain);
 }
 
 void TestWizard::closing_leavesTheTreeAlone()

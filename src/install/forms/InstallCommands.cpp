@@ -9,7 +9,10 @@ namespace vt {
 
 namespace {
 
-void openInstallation(frmControl& window, Session& session, const QString& source)
+void openInstallation(frmControl& window,
+                      Session& session,
+                      const QString& source,
+                      const QStringList& onlyFiles)
 {
     ToolWindow* open =
         window.openTool(u"install"_s, u"Opening Install An Addon..."_s, [&]() -> ToolWindow* {
@@ -18,7 +21,7 @@ void openInstallation(frmControl& window, Session& session, const QString& sourc
     auto* wizard = qobject_cast<frmInstall_Wizard*>(open);
     if (!wizard || source.isEmpty())
         return;
-    (void)wizard->choose(source); // its first page says what is wrong with the source
+    (void)wizard->choose(source, onlyFiles); // its first page says what is wrong with the source
 }
 
 /// Also where a second start's file is picked up.
@@ -35,8 +38,9 @@ void installFromMenu(frmControl& window, Session& session)
 
 void wireInstallation(frmControl& window, Session& session)
 {
-    window.hooks.installAddon = [&window, &session](const QString& source) {
-        openInstallation(window, session, source);
+    window.hooks.installAddon = [&window, &session](const QString& source,
+                                                    const QStringList& onlyFiles) {
+        openInstallation(window, session, source, onlyFiles);
     };
     window.setCommand(u"mnuFile_InstallAnAddon"_s,
                       [&window, &session] { installFromMenu(window, session); });

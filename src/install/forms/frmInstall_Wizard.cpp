@@ -162,11 +162,32 @@ void frmInstall_Wizard::SubForms_Unload()
 
 // The add-on.
 
-Result frmInstall_Wizard::choose(const QString& source)
+Result frmInstall_Wizard::choose(const QString& source, const QStringList& onlyFiles)
 {
     if (!SubForm_SelectFiles_Show())
         return Result::failure(u"The page that is open has to be put right first."_s);
-    return qobject_cast<frmInstall_SelectFiles*>(page(InstallStep::SelectFiles))->choose(source);
+    Result chosen =
+        qobject_cast<frmInstall_SelectFiles*>(page(InstallStep::SelectFiles))->choose(source);
+    if (chosen && !onlyFiles.isEmpty())
+        markOnly(onlyFiles);
+    return chosen;
+}
+
+void frmInstall_Wizard::markOnly(const QStringList& files)
+{
+    const QSet<QString> wanted(files.cbegin(), files.cend());
+    QList<qint32> marked;
+    QList<qint32> others;
+    for (const CAddon_Item& item : m_details->addon().colAddonItems())
+        (wanted.contains(item.sFolder_Current + item.sName) ? marked : others).append(item.lngKey);
+    if (marked.isEmpty())
+        return; // the source holds other files now
+    m_details->AddonItems_InstallationStatus_Modify(others, false);
+    m_details->AddonItems_InstallationStatus_Modify(marked, true);
+    refreshSteps();
+    setNotice(u"Only what was not installed before is marked: "_s +
+                  countText(marked.size(), u"file"_s, u"files"_s) + u'.',
+              false);
 }
 
 Result frmInstall_Wizard::SubForm_SelectFiles_IntegrateData(const QString& source)

@@ -30,8 +30,9 @@ public:
     void Form_Settings_Save() override;
     bool mayClose() override;
 
-    /// Chooses an archive, a folder or a file in the first step, as if the user had typed it.
-    Result choose(const QString& source);
+    /// Chooses an archive, a folder or a file in the first step, as if the user had typed it. \a
+    /// onlyFiles: places in it that are marked for installation; empty: all are.
+    Result choose(const QString& source, const QStringList& onlyFiles = {});
 
     /// Null until an add-on was chosen.
     [[nodiscard]] const CAddonInstallationDetails* details() const { return m_details.get(); }
@@ -78,6 +79,7 @@ private:
     Result SubForm_SelectFiles_IntegrateData(const QString& source);
     void SubForms_Unload();
     void selectionChanged();
+    void markOnly(const QStringList& files);
     void validate();
     void refreshSteps();
     void refreshFooter();
@@ -88,6 +90,7 @@ private:
     [[nodiscard]] bool readyToInstall();
     void tell(const QString& text, Icon icon);
     void showFamily(MappedGroup family);
+    void showResults(const CAddonInstaller& installer);
     void tellEnd(const CAddonInstaller& installer, bool reached);
 
     Session& m_session;

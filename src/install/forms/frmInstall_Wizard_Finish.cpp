@@ -75,6 +75,17 @@ void frmInstall_Wizard::Install_Finish()
     tellEnd(installer, reached);
 }
 
+void frmInstall_Wizard::showResults(const CAddonInstaller& installer)
+{
+    AfterResults after{{installer.masterKey()}};
+    const QString& source = m_details->source().path();
+    const QStringList left = installer.notInstalled();
+    if (!left.isEmpty() && context().services.files.exists(source))
+        after.tryAgain = [&frame = frame(), source, left] { frame.installAddon(source, left); };
+    frame().showResults(
+        installationResultsCaption(installer.record().name), installer.results(), after);
+}
+
 void frmInstall_Wizard::tellEnd(const CAddonInstaller& installer, bool reached)
 {
     const Result outcome = installer.outcome();
@@ -85,9 +96,8 @@ void frmInstall_Wizard::tellEnd(const CAddonInstaller& installer, bool reached)
         return;
     }
     frame().recordsChanged();
-    const QString& name = installer.record().name;
     if (!outcome || context().settings.flag(SettingKey::InstallShowReport))
-        frame().showResults(installationResultsCaption(name), installer.results());
+        showResults(installer);
     say(outcome ? u"The addon was installed."_s : outcome.text);
     if (!installer.movieToPlay().isEmpty())
         desktop::openFile(context().services.files, installer.movieToPlay());

@@ -284,8 +284,12 @@ void frmRemove_Wizard::Remove_Finish()
     Settings& settings = context().settings;
     if (!end.changed.isEmpty())
         frame().recordsChanged();
-    if (settings.flag(SettingKey::RemovalShowReport))
-        frame().showResults(end.caption, end.results);
+    if (settings.flag(SettingKey::RemovalShowReport) || !end.good) {
+        AfterResults after;
+        if (!end.failed.isEmpty())
+            after.tryAgain = [&frame = frame(), keys = end.failed] { frame.removeAddons(keys); };
+        frame().showResults(end.caption, end.results, after);
+    }
     if (!end.changed.isEmpty() && settings.flag(SettingKey::ShowRunningFSWarnings) &&
         isSimulatorRunning(context(), m_session.processes()))
         frame().startFlying({}, true);

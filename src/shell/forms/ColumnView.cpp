@@ -182,7 +182,7 @@ ColumnArrangement ColumnView::arrangement() const
                                                            : m_shownInDetails.contains(column);
         now.columns.append({column, shown});
     }
-    now.sortBy = std::max(header()->sortIndicatorSection(), 0);
+    now.sortBy = header()->sortIndicatorSection();
     now.descending = header()->sortIndicatorOrder() == Qt::DescendingOrder;
     return now;
 }

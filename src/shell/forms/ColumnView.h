@@ -24,7 +24,7 @@ struct ColumnArrangement
     };
 
     QList<Column> columns; ///< every column once, from left to right
-    int sortBy = 0;        ///< of the model
+    int sortBy = 0;        ///< of the model; -1: as the rows come
     bool descending = false;
 };
 

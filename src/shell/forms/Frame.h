@@ -4,10 +4,20 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
+
+#include <functional>
 
 namespace vt {
 
 class Results;
+
+/// Where one goes from the results of an operation.
+struct AfterResults
+{
+    QList<qint64> addons = {};           ///< that "Show Addons" selects in the list
+    std::function<void()> tryAgain = {}; ///< what failed, once more; unset: it cannot be
+};
 
 class Frame
 {
@@ -17,13 +27,16 @@ public:
     /// Does what the menu entry of that control name does ("mnuFileCabinet").
     virtual void command(const QString& controlName) = 0;
     /// Opens the installation wizard; \a source: a Windows path, empty: the user chooses there.
-    virtual void installAddon(const QString& source) = 0;
+    /// \a onlyFiles: places in the source, as CAddonInstaller::notInstalled() gives them, that are
+    /// marked alone; empty: all.
+    virtual void installAddon(const QString& source, const QStringList& onlyFiles = {}) = 0;
     /// Opens the removal wizard with these add-ons ticked.
     virtual void removeAddons(const QList<qint64>& masterKeys) = 0;
     /// Opens the list of all add-ons and selects these.
     virtual void workWithAddons(const QList<qint64>& masterKeys) = 0;
     /// Opens the results of an operation as a window of its own.
-    virtual void showResults(const QString& caption, const Results& results) = 0;
+    virtual void
+    showResults(const QString& caption, const Results& results, const AfterResults& after = {}) = 0;
     /// Asks and starts the simulator, with \a file when there is one. \a afterChange: called after
     /// an installation or removal; a simulator that runs is then told of instead.
     virtual void startFlying(const QString& file = {}, bool afterChange = false) = 0;

@@ -1,6 +1,8 @@
 #include "shell/forms/ResultsModel.h"
 
 #include "platform/WinPath.h"
+#include "shell/CSuperSort.h"
+#include "shell/forms/Icons.h"
 
 #include <QFont>
 #include <QLocale>
@@ -17,6 +19,26 @@ namespace {
 bool namesFile(const Results::Entry& entry)
 {
     return !entry.phrase.isEmpty() && winpath::isAbsolute(entry.subject);
+}
+
+QIcon stateIcon(bool problem)
+{
+    return icons::state(problem ? icons::State::Problem : icons::State::Done);
+}
+
+/// Of an entry that names no file all is its file.
+QString cell(const Results::Entry& entry, int column)
+{
+    if (!namesFile(entry))
+        return column == ResultsModel::FileColumn ? entry.text() : QString();
+    switch (column) {
+    case ResultsModel::FileColumn:
+        return winpath::name(entry.subject);
+    case ResultsModel::ResultColumn:
+        return entry.phrase.trimmed();
+    default:
+        return winpath::parent(entry.subject);
+    }
 }
 
 /// Entries that hold every word somewhere.
@@ -71,6 +93,7 @@ void ResultsModel::setFilter(const QString& words, bool problemsOnly)
             if (filter.fits(all.entries[entry]))
                 shown.entries.push_back(entry);
         m_shownCount += qsizetype(shown.entries.size());
+        sortEntries(shown);
         // An empty group says that there was nothing of its kind; a filter leaves it out.
         if (!shown.entries.empty() || (filter.everything() && !problemsOnly))
             m_shown.push_back(std::move(shown));
@@ -100,12 +123,6 @@ ReportList ResultsModel::report(const QString& title) const
         list.groups.append(rows);
     }
     return list;
-}
-
-void ResultsModel::setIcons(const QIcon& done, const QIcon& problem)
-{
-    m_doneIcon = done;
-    m_problemIcon = problem;
 }
 
 const Results::Group& ResultsModel::group(const ShownGroup& shown) const
@@ -181,7 +198,7 @@ QVariant ResultsModel::groupData(const ShownGroup& shown, int column, int role) 
         return font;
     }
     if (role == Qt::DecorationRole && !all.entries.empty())
-        return resultgroup::tellsProblems(all.name) ? m_problemIcon : m_doneIcon;
+        return stateIcon(resultgroup::tellsProblems(all.name));
     return {};
 }
 
@@ -198,22 +215,13 @@ ResultsModel::entryData(const Results::Entry& entry, bool problem, int column, i
     case Path:
         return file ? entry.subject : QString();
     case Qt::DecorationRole:
-        return column == 0 ? QVariant(problem ? m_problemIcon : m_doneIcon) : QVariant();
+        return column == 0 ? QVariant(stateIcon(problem)) : QVariant();
     case Qt::DisplayRole:
         break;
     default:
         return {};
     }
-    if (!file)
-        return column == 0 ? QVariant(entry.text()) : QVariant();
-    switch (column) {
-    case FileColumn:
-        return winpath::name(entry.subject);
-    case ResultColumn:
-        return entry.phrase.trimmed();
-    default:
-        return winpath::parent(entry.subject);
-    }
+    return cell(entry, column);
 }
 
 QVariant ResultsModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -228,6 +236,53 @@ QVariant ResultsModel::headerData(int section, Qt::Orientation orientation, int 
     default:
         return u"Folder"_s;
     }
+}
+
+void ResultsModel::sortEntries(ShownGroup& shown) const
+{
+    if (m_sortBy < 0) {
+        std::sort(shown.entries.begin(), shown.entries.end());
+        return;
+    }
+    const std::vector<Results::Entry>& all = group(shown).entries;
+    QList<QVariant> keys;
+    keys.reserve(qsizetype(shown.entries.size()));
+    for (const quint32 entry : shown.entries)
+        keys.append(cell(all[entry], m_sortBy));
+    const std::vector<qsizetype> order = CSuperSort::Order(
+        keys,
+        SortDataType::General,
+        m_order == Qt::DescendingOrder ? SortDirection::Descending : SortDirection::Ascending);
+    const std::vector<quint32> before = shown.entries;
+    std::transform(order.begin(), order.end(), shown.entries.begin(), [&](qsizetype place) {
+        return before[size_t(place)];
+    });
+}
+
+void ResultsModel::sort(int column, Qt::SortOrder order)
+{
+    if (column >= ColumnCount)
+        return;
+    Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
+    const QModelIndexList before = persistentIndexList();
+    std::vector<quint32> entries;
+    for (const QModelIndex& index : before)
+        entries.push_back(index.internalId() == 0
+                              ? 0
+                              : m_shown[index.internalId() - 1].entries[size_t(index.row())]);
+    m_sortBy = column;
+    m_order = order;
+    for (ShownGroup& shown : m_shown)
+        sortEntries(shown);
+    for (qsizetype i = 0; i < before.size(); ++i) {
+        const QModelIndex& old = before.at(i);
+        if (old.internalId() == 0)
+            continue;
+        const std::vector<quint32>& now = m_shown[old.internalId() - 1].entries;
+        const auto row = std::find(now.begin(), now.end(), entries[size_t(i)]) - now.begin();
+        changePersistentIndex(old, createIndex(int(row), old.column(), old.internalId()));
+    }
+    Q_EMIT layoutChanged({}, VerticalSortHint);
 }
 
 } // namespace vt

@@ -7,7 +7,6 @@
 #include "shell/Results.h"
 
 #include <QAbstractItemModel>
-#include <QIcon>
 
 #include <vector>
 
@@ -55,9 +54,6 @@ public:
     /// What is shown, for a report.
     [[nodiscard]] ReportList report(const QString& title) const;
 
-    /// An icon for groups and entries of that kind.
-    void setIcons(const QIcon& done, const QIcon& problem);
-
     [[nodiscard]] QModelIndex
     index(int row, int column, const QModelIndex& parent = {}) const override;
     [[nodiscard]] QModelIndex parent(const QModelIndex& child) const override;
@@ -66,6 +62,8 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QVariant
     headerData(int section, Qt::Orientation orientation, int role) const override;
+    /// The entries of each group; -1: as they happened. Groups keep their order.
+    void sort(int column, Qt::SortOrder order) override;
 
 private:
     struct ShownGroup
@@ -75,6 +73,7 @@ private:
     };
 
     [[nodiscard]] const Results::Group& group(const ShownGroup& shown) const;
+    void sortEntries(ShownGroup& shown) const;
     [[nodiscard]] QVariant groupData(const ShownGroup& shown, int column, int role) const;
     [[nodiscard]] QVariant
     entryData(const Results::Entry& entry, bool problem, int column, int role) const;
@@ -84,8 +83,8 @@ private:
     qsizetype m_entryCount = 0;
     qsizetype m_problemCount = 0;
     qsizetype m_shownCount = 0;
-    QIcon m_doneIcon;
-    QIcon m_problemIcon;
+    int m_sortBy = -1;
+    Qt::SortOrder m_order = Qt::AscendingOrder;
 };
 
 } // namespace vt

@@ -138,10 +138,10 @@ void frmControl::command(const QString& controlName)
         action->trigger();
 }
 
-void frmControl::installAddon(const QString& source)
+void frmControl::installAddon(const QString& source, const QStringList& onlyFiles)
 {
     if (hooks.installAddon)
-        hooks.installAddon(source);
+        hooks.installAddon(source, onlyFiles);
 }
 
 void frmControl::removeAddons(const QList<qint64>& masterKeys)
@@ -162,13 +162,19 @@ void frmControl::showHelp(const QString& topic)
         hooks.showHelp(topic);
 }
 
-void frmControl::showResults(const QString& caption, const Results& results)
+void frmControl::showResults(const QString& caption,
+                             const Results& results,
+                             const AfterResults& after)
 {
     const QString key = u"results "_s + QString::number(++m_results);
     openTool(key, {}, [&] {
-        const QList<NextStep> steps{
-            {u"startFlying"_s, u"Start Fl&ying"_s, [this] { startFlying(); }},
-            {u"showAddons"_s, u"Show A&ddons"_s, [this] { workWithAddons({}); }}};
+        QList<NextStep> steps;
+        if (after.tryAgain)
+            steps.append({u"tryAgain"_s, u"&Try Failed Again"_s, after.tryAgain, true});
+        steps.append({u"startFlying"_s, u"Start Fl&ying"_s, [this] { startFlying(); }});
+        steps.append({u"showAddons"_s, u"Show A&ddons"_s, [this, addons = after.addons] {
+                          workWithAddons(addons);
+                      }});
         return new frmProcessResults(m_context, caption, results, steps);
     });
 }

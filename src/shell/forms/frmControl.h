@@ -27,7 +27,7 @@ class ToolWindow;
 /// What the main window cannot do itself. An unset one does nothing.
 struct FrameHooks
 {
-    std::function<void(const QString& source)> installAddon;
+    std::function<void(const QString& source, const QStringList& onlyFiles)> installAddon;
     std::function<void(const QList<qint64>&)> removeAddons;
     std::function<void(const QList<qint64>&)> workWithAddons;
     std::function<const Processes&()> processes; ///< to start the simulator with
@@ -72,10 +72,12 @@ public:
     void applySettings();
 
     void command(const QString& controlName) override;
-    void installAddon(const QString& source) override;
+    void installAddon(const QString& source, const QStringList& onlyFiles = {}) override;
     void removeAddons(const QList<qint64>& masterKeys) override;
     void workWithAddons(const QList<qint64>& masterKeys) override;
-    void showResults(const QString& caption, const Results& results) override;
+    void showResults(const QString& caption,
+                     const Results& results,
+                     const AfterResults& after = {}) override;
     void startFlying(const QString& file = {}, bool afterChange = false) override;
     void recordsChanged() override;
 

@@ -5,7 +5,10 @@
 #include "platform/WinPath.h"
 #include "shell/CReporting.h"
 #include "shell/Settings.h"
+#include "shell/forms/ColumnDelegate.h"
+#include "shell/forms/ColumnView.h"
 #include "shell/forms/Desktop.h"
+#include "shell/forms/Icons.h"
 #include "shell/forms/folderchooser.h"
 
 #include <QAction>
@@ -17,11 +20,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
-#include <QPainter>
+#include <QMenu>
 #include <QPushButton>
 #include <QStyle>
-#include <QStyledItemDelegate>
-#include <QTreeView>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -32,37 +33,38 @@ namespace vt {
 
 namespace {
 
-/// Whole sentences and the names of groups go over all columns; folders lose their middle.
-class ResultRowDelegate : public QStyledItemDelegate
+/// Whole sentences and the names of groups go over all columns, from the leftmost one on.
+class ResultRowDelegate : public ColumnDelegate
 {
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    explicit ResultRowDelegate(ColumnView& view) : ColumnDelegate(&view), m_view(view) {}
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QSize size = ColumnDelegate::sizeHint(option, index);
+        if (index.data(ResultsModel::SpansRow).toBool())
+            size.setWidth(0); // no column is made wide for them
+        return size;
+    }
 
     void paint(QPainter* painter,
                const QStyleOptionViewItem& option,
                const QModelIndex& index) const override
     {
         if (!index.data(ResultsModel::SpansRow).toBool()) {
-            QStyledItemDelegate::paint(painter, option, index);
+            ColumnDelegate::paint(painter, option, index);
             return;
         }
-        if (index.column() != 0)
+        if (m_view.header()->visualIndex(index.column()) != 0)
             return;
         QStyleOptionViewItem whole = option;
-        whole.rect.setRight(option.widget->width());
-        if (const auto* view = qobject_cast<const QAbstractScrollArea*>(option.widget))
-            whole.rect.setRight(view->viewport()->rect().right());
+        whole.rect.setRight(m_view.viewport()->rect().right());
         whole.viewItemPosition = QStyleOptionViewItem::OnlyOne;
-        QStyledItemDelegate::paint(painter, whole, index);
+        ColumnDelegate::paint(painter, whole, index.siblingAtColumn(ResultsModel::FileColumn));
     }
 
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
-    {
-        QStyledItemDelegate::initStyleOption(option, index);
-        option->textElideMode =
-            index.column() == ResultsModel::FolderColumn ? Qt::ElideMiddle : Qt::ElideRight;
-    }
+private:
+    ColumnView& m_view;
 };
 
 QString countOf(qsizetype number)
@@ -89,26 +91,6 @@ QStringList dialogFilters(CReporting::Form form)
     return names;
 }
 
-/// A tree that says what is the matter where it has nothing to show.
-class ResultsView : public QTreeView
-{
-public:
-    using QTreeView::QTreeView;
-
-protected:
-    void paintEvent(QPaintEvent* event) override
-    {
-        QTreeView::paintEvent(event);
-        if (model()->rowCount() > 0)
-            return;
-        QPainter painter(viewport());
-        painter.setPen(palette().color(QPalette::PlaceholderText));
-        painter.drawText(viewport()->rect(),
-                         int(Qt::AlignCenter) | Qt::TextWordWrap,
-                         u"No entry fits the filter."_s);
-    }
-};
-
 } // namespace
 
 frmProcessResults::frmProcessResults(Context& context,
@@ -121,8 +103,6 @@ frmProcessResults::frmProcessResults(Context& context,
 {
     setObjectName(u"frmProcessResults"_s);
     setWindowTitle(caption);
-    m_model->setIcons(style()->standardIcon(QStyle::SP_DialogApplyButton),
-                      style()->standardIcon(QStyle::SP_MessageBoxWarning));
     auto* layout = new QVBoxLayout(this);
     m_summaryIcon = new QLabel;
     m_summary = new QLabel;
@@ -169,24 +149,20 @@ QLayout* frmProcessResults::filterLine()
 
 QWidget* frmProcessResults::list()
 {
-    m_list = new ResultsView;
+    m_list = new ColumnView;
     m_list->setObjectName(u"tvwResults"_s);
     m_list->setAccessibleName(u"Results"_s);
+    m_list->setItemDelegate(new ResultRowDelegate(*m_list));
+    m_list->setRootIsDecorated(true);
+    m_list->header()->setStretchLastSection(true);
+    m_list->setAlternatingRowColors(false);
+    m_list->setPathColumns({ResultsModel::FolderColumn});
+    m_list->setFirstSort(-1, Qt::AscendingOrder); // as it happened
+    m_list->setEmptyText(u"No entry fits the filter."_s, u"Show All Entries"_s);
     m_list->setModel(m_model);
-    m_list->setItemDelegate(new ResultRowDelegate(m_list));
-    m_list->setUniformRowHeights(true);
-    m_list->setAllColumnsShowFocus(true);
-    m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_list->setContextMenuPolicy(Qt::ActionsContextMenu);
-    QHeaderView* header = m_list->header();
-    header->setSectionsMovable(false);
-    header->setStretchLastSection(true);
-    const int width = fontMetrics().averageCharWidth();
-    const int reason = fontMetrics().horizontalAdvance(m_model->longestResult()) + width * 3;
-    header->resizeSection(ResultsModel::FileColumn, width * 28);
-    header->resizeSection(ResultsModel::ResultColumn, std::clamp(reason, width * 16, width * 64));
+    m_list->restoreLayout(context().settings, section());
+    if (!context().settings.stored(section(), layoutName(LayoutValue::CurrentColumns)))
+        sizeColumns();
     connect(m_list->selectionModel(),
             &QItemSelectionModel::currentChanged,
             this,
@@ -195,7 +171,21 @@ QWidget* frmProcessResults::list()
         if (!index.data(ResultsModel::Path).toString().isEmpty())
             openFolder();
     });
+    connect(m_list, &ColumnView::emptyButtonClicked, this, [this] {
+        m_filter->clear();
+        m_problemsOnly->setChecked(false);
+        m_list->setFocus();
+    });
     return m_list;
+}
+
+/// The reasons whole, and what is left to the folders.
+void frmProcessResults::sizeColumns()
+{
+    const int width = fontMetrics().averageCharWidth();
+    const int reason = fontMetrics().horizontalAdvance(m_model->longestResult()) + width * 3;
+    m_list->setColumnWidth(ResultsModel::FileColumn, width * 30);
+    m_list->setColumnWidth(ResultsModel::ResultColumn, std::clamp(reason, width * 16, width * 64));
 }
 
 QLayout* frmProcessResults::buttons(const QList<NextStep>& steps)
@@ -204,7 +194,10 @@ QLayout* frmProcessResults::buttons(const QList<NextStep>& steps)
     for (const NextStep& step : steps) {
         auto* button = new QPushButton(step.text);
         button->setObjectName(step.objectName);
-        connect(button, &QPushButton::clicked, this, [run = step.run] { run(); });
+        connect(button, &QPushButton::clicked, this, [button, step] {
+            button->setEnabled(!step.once);
+            step.run();
+        });
         row->addWidget(button);
     }
     row->addStretch();
@@ -233,10 +226,16 @@ void frmProcessResults::addShortcuts()
         action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
         connect(action, &QAction::triggered, this, slot);
         to->addAction(action);
+        return action;
     };
-    add(m_list, u"&Copy"_s, QKeySequence::Copy, &frmProcessResults::copy);
-    add(m_list, u"Op&en Folder"_s, {}, &frmProcessResults::openFolder);
-    add(m_list, u"Select &All"_s, QKeySequence::SelectAll, [this] { m_list->selectAll(); });
+    // The list's own command would copy columns; here whole sentences are of use.
+    m_list->copyAction()->setShortcut({});
+    QAction* copyRows = add(m_list, u"&Copy"_s, QKeySequence::Copy, &frmProcessResults::copy);
+    QAction* open = add(m_list, u"Op&en Folder"_s, {}, &frmProcessResults::openFolder);
+    connect(m_list, &ColumnView::menuWanted, this, [this, copyRows, open](QMenu* menu) {
+        open->setEnabled(m_openFolder->isEnabled());
+        menu->addActions({copyRows, open, m_list->selectAllAction()});
+    });
     add(this, u"Find"_s, QKeySequence::Find, [this] {
         m_filter->setFocus(Qt::ShortcutFocusReason);
     });
@@ -258,12 +257,24 @@ void frmProcessResults::summarise()
 {
     const qsizetype problems = m_model->problemCount();
     const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
-    m_summaryIcon->setPixmap(style()
-                                 ->standardIcon(problems > 0 ? QStyle::SP_MessageBoxWarning
-                                                             : QStyle::SP_MessageBoxInformation)
-                                 .pixmap(size));
+    m_summaryIcon->setPixmap(
+        icons::state(problems > 0 ? icons::State::Attention : icons::State::Done)
+            .pixmap(QSize(size, size), devicePixelRatio()));
     m_summary->setText(countOf(m_model->entryCount()) + u", "_s +
                        (problems > 0 ? problemsOf(problems) : u"no problems"_s) + u'.');
+}
+
+/// The icon is drawn in the palette's colours.
+void frmProcessResults::changeEvent(QEvent* event)
+{
+    ToolWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        summarise();
+}
+
+void frmProcessResults::Form_Settings_Save()
+{
+    m_list->saveLayout(context().settings, section());
 }
 
 void frmProcessResults::filter()

@@ -16,9 +16,10 @@ class QLabel;
 class QLayout;
 class QLineEdit;
 class QPushButton;
-class QTreeView;
 
 namespace vt {
+
+class ColumnView;
 
 /// A sensible step after an operation, as a button: "Start Flying", "Show Addon".
 struct NextStep
@@ -26,6 +27,7 @@ struct NextStep
     QString objectName;        ///< of its button
     QString text;              ///< with its access key, none of C, E, I, L, P, S
     std::function<void()> run; ///< the window stays open
+    bool once = false;         ///< off, once it was pressed
 };
 
 class frmProcessResults : public ToolWindow
@@ -42,12 +44,17 @@ public:
                       QWidget* parent = nullptr);
 
     void Form_PrepareToShow() override;
+    void Form_Settings_Save() override;
 
     /// Writes what is shown to \a path (text or HTML by its extension), a Windows path that the
     /// user chose, and says so below the list.
     void saveReport(const QString& path);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
+    void sizeColumns();
     QLayout* filterLine();
     QWidget* list();
     QLayout* buttons(const QList<NextStep>& steps);
@@ -67,7 +74,7 @@ private:
     QLineEdit* m_filter = nullptr;
     QCheckBox* m_problemsOnly = nullptr;
     QLabel* m_shown = nullptr;
-    QTreeView* m_list = nullptr;
+    ColumnView* m_list = nullptr;
     QLabel* m_said = nullptr;
     QPushButton* m_openFolder = nullptr;
     QPushButton* m_close = nullptr;

@@ -34,6 +34,40 @@ icons::State iconOf(AddonIcon icon)
     Q_UNREACHABLE();
 }
 
+void tellEnd(Session& session,
+             Frame& frame,
+             const AddonCommandEnd& end,
+             SettingKey showReport,
+             const AfterResults& after)
+{
+    if (!end.begun)
+        return;
+    if (!end.changed.isEmpty())
+        frame.recordsChanged();
+    session.services().status.text(u"Primary"_s, end.text); // the filling ended it
+    Settings& settings = session.context().settings;
+    if (settings.flag(showReport) || !end.good)
+        frame.showResults(end.caption, end.results, after);
+    if (!end.changed.isEmpty() && settings.flag(SettingKey::ShowRunningFSWarnings) &&
+        isSimulatorRunning(session.context(), session.processes()))
+        frame.startFlying({}, true);
+}
+
+/// Again from the results, when the list may be closed already.
+void reinstall(Session& session, Frame& frame, const QList<qint64>& keys)
+{
+    const AddonCommandEnd end = [&] {
+        const Working working(frame);
+        return CAddonPresentationManager(session).Addons_Reinstall(keys);
+    }();
+    AfterResults after{end.changed};
+    if (!end.failed.isEmpty())
+        after.tryAgain = [&session, &frame, failed = end.failed] {
+            reinstall(session, frame, failed);
+        };
+    tellEnd(session, frame, end, SettingKey::ShowReinstallReport, after);
+}
+
 } // namespace
 
 CControlMgr_lvwAddons::CControlMgr_lvwAddons(Session& session,
@@ -284,32 +318,15 @@ void CControlMgr_lvwAddons::remove(RemovalMethod method, const QString& folderCa
         const Working working(m_frame);
         return m_manager.Addons_Remove(addons);
     }();
-    afterCommand(end, SettingKey::RemovalShowReport);
+    AfterResults after;
+    if (!end.failed.isEmpty())
+        after.tryAgain = [&frame = m_frame, keys = end.failed] { frame.removeAddons(keys); };
+    tellEnd(m_session, m_frame, end, SettingKey::RemovalShowReport, after);
 }
 
 void CControlMgr_lvwAddons::Reinstall()
 {
-    const QList<qint64> keys = selectedKeys();
-    const AddonCommandEnd end = [&] {
-        const Working working(m_frame);
-        return m_manager.Addons_Reinstall(keys);
-    }();
-    afterCommand(end, SettingKey::ShowReinstallReport);
-}
-
-void CControlMgr_lvwAddons::afterCommand(const AddonCommandEnd& end, SettingKey showReport)
-{
-    if (!end.begun)
-        return;
-    if (!end.changed.isEmpty())
-        m_frame.recordsChanged();
-    m_session.services().status.text(u"Primary"_s, end.text); // the filling ended it
-    Settings& settings = m_session.context().settings;
-    if (settings.flag(showReport) || !end.good)
-        m_frame.showResults(end.caption, end.results);
-    if (!end.changed.isEmpty() && settings.flag(SettingKey::ShowRunningFSWarnings) &&
-        isSimulatorRunning(m_session.context(), m_session.processes()))
-        m_frame.startFlying({}, true);
+    reinstall(m_session, m_frame, selectedKeys());
 }
 
 void CControlMgr_lvwAddons::Validate()
@@ -320,7 +337,7 @@ void CControlMgr_lvwAddons::Validate()
         return m_manager.Addons_Validate(keys);
     }();
     if (end.begun)
-        m_frame.showResults(end.caption, end.results);
+        m_frame.showResults(end.caption, end.results, {end.failed.isEmpty() ? keys : end.failed});
 }
 
 void CControlMgr_lvwAddons::Rename()

@@ -79,7 +79,6 @@ private:
     void WorkWithAddons();
 
     void remove(RemovalMethod method, const QString& folderCaption = {}, bool zip = false);
-    void afterCommand(const AddonCommandEnd& end, SettingKey showReport);
 
     Session& m_session;
     Frame& m_frame;

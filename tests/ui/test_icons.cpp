@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QGridLayout>
 #include <QLabel>
+#include <QSet>
 #include <QToolButton>
 
 using namespace Qt::StringLiterals;
@@ -18,6 +19,7 @@ class TestIcons : public QObject
 private Q_SLOTS:
     void all_areDrawnOnBothGrounds();
     void tint_followsThePalette();
+    void marks_staySeenWhenSelected();
 };
 
 namespace {
@@ -108,6 +110,20 @@ void TestIcons::tint_followsThePalette()
     QApplication::setPalette(test::darkPalette());
     QVERIFY(brightest() > 180);
     QApplication::setPalette(before);
+}
+
+void TestIcons::marks_staySeenWhenSelected()
+{
+    for (const icons::State state : {icons::State::Problem, icons::State::Done}) {
+        for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Disabled, QIcon::Selected}) {
+            const QImage image = icons::state(state).pixmap(QSize(48, 48), mode).toImage();
+            QSet<QRgb> colours;
+            for (int x = 0; x < image.width(); ++x)
+                if (const QRgb pixel = image.pixel(x, 24); qAlpha(pixel) == 255)
+                    colours.insert(pixel);
+            QVERIFY2(colours.size() > 1, qPrintable(QString::number(int(mode))));
+        }
+    }
 }
 
 VT_TEST_CLASS(TestIcons)

@@ -22,9 +22,10 @@ namespace vt::icons {
 
 namespace {
 
-// The two tones as they stand in the drawings.
+// The two tones as they stand in the drawings, and the mark that is left open in a filled one.
 constexpr QByteArrayView inkInFile = "#3a3a3a";
 constexpr QByteArrayView accentInFile = "#2f78c4";
+constexpr QByteArrayView markInFile = "#ffffff";
 
 enum class Meaning
 {
@@ -80,13 +81,15 @@ public:
     {
         QColor ink = inkOf(mode);
         QColor accent = mode == QIcon::Normal || mode == QIcon::Active ? colourOf(m_meaning) : ink;
+        const QColor mark = QGuiApplication::palette().color(
+            mode == QIcon::Selected ? QPalette::Highlight : QPalette::Base);
         const QString key = u"vantrel-icon "_s + m_name + u' ' + ink.name(QColor::HexArgb) +
-                            accent.name() + u' ' + QString::number(size.width()) + u'x' +
-                            QString::number(size.height()) + u' ' + QString::number(scale);
+                            accent.name() + mark.name() + u' ' + QString::number(size.width()) +
+                            u'x' + QString::number(size.height()) + u' ' + QString::number(scale);
         QPixmap drawn;
         if (QPixmapCache::find(key, &drawn))
             return drawn;
-        drawn = draw(size, ink, accent);
+        drawn = draw(size, ink, accent, mark);
         drawn.setDevicePixelRatio(scale);
         QPixmapCache::insert(key, drawn);
         return drawn;
@@ -108,9 +111,11 @@ private:
                                                      : QPalette::WindowText);
     }
 
-    [[nodiscard]] QPixmap draw(const QSize& size, const QColor& ink, const QColor& accent) const
+    [[nodiscard]] QPixmap
+    draw(const QSize& size, const QColor& ink, const QColor& accent, const QColor& mark) const
     {
         QByteArray svg = drawing(m_name);
+        svg.replace(markInFile, mark.name().toLatin1());
         svg.replace(inkInFile, ink.name().toLatin1());
         svg.replace(accentInFile, accent.name().toLatin1());
         QPixmap pixmap(size);

@@ -326,7 +326,9 @@ void TestControl::droppedFile_isInstalled()
 {
     Control control;
     QStringList sources;
-    control.window.hooks.installAddon = [&](const QString& source, const QStringList&) { sources += source; };
+    control.window.hooks.installAddon = [&](const QString& source, const QStringList&) {
+        sources += source;
+    };
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(control.world.host(u"prefix/drive_c/swift.zip"_s))});
     QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, {});

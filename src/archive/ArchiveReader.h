@@ -21,6 +21,17 @@ public:
     /// a piece ends the reading, which is then no failure of the archive: the sink knows why.
     virtual Result read(int key, const Content::Sink& sink) = 0;
 
+    /// Whether entries are encrypted that a password would open, and none did so yet.
+    [[nodiscard]] virtual bool wantsPassword() const { return false; }
+
+    /// Opens the encrypted entries when it is their password, which is seen by reading one; false
+    /// when it is not.
+    virtual bool tryPassword(const QByteArray& password)
+    {
+        Q_UNUSED(password)
+        return false;
+    }
+
     /// Code of the last failure, as the library behind the format numbers them; 0 for none.
     [[nodiscard]] virtual int lastCode() const = 0;
 };

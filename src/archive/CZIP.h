@@ -69,6 +69,10 @@ public:
     bool boolExtract_ConfirmOverwrite = false;
     bool boolErrorMessages_Show = false; ///< failures are also told in a box
     bool boolImbeddedZIPs_Process = false;
+    /// Listing asks for the passwords of archives with encrypted entries; those that were right are
+    /// tried first, here and in inner archives.
+    bool boolPasswords_Ask = false;
+    QStringList sarrayPasswords; ///< the right ones so far
     /// Base folder for unpacked inner archives, which its owner removes. Empty: inner archives are
     /// held in memory (large ones in unnamed temporary files), and listing creates nothing.
     QString sImbeddedZIPs_ExtractionFolder;
@@ -154,6 +158,7 @@ private:
     Result list();
     Result listArchive(const std::shared_ptr<ByteSource>& source, CZIPFile& file, Budget& budget);
     Result listRar(CZIPFile& file, Budget& budget);
+    void unlock(const CZIPFile& file);
     Result charge(const CZIPFile& file, const UnpackTally& unpacked, Budget& budget);
     Result listInner(int parent, int depth, Budget& budget);
     Result openInner(int parent, int key, CZIPFile& inner, Budget& budget, bool& damaged);

@@ -4,6 +4,7 @@
 #include "archive/CZIP.h"
 #include "archive/ZipNames.h"
 #include "archive/ZipReader.h"
+#include "platform/AnsiCodec.h"
 #include "platform/TempFolder.h"
 #include "platform/Text.h"
 #include "platform/WinPath.h"
@@ -62,6 +63,17 @@ CZIPFileItem itemOf(const ZipEntry& entry, int key)
     item.kind = entry.kind;
     item.crc32 = entry.crc;
     return item;
+}
+
+TextPrompt passwordQuestion(const CZIPFile& file, bool again)
+{
+    const QString name = u"'"_s + file.fullName() + u"'"_s;
+    return {u"Password"_s,
+            (again ? u"This password does not open "_s + name + u". "_s
+                   : u"Files in the archive "_s + name + u" are encrypted. "_s) +
+                u"Enter the archive's password, or nothing to go on without these files."_s,
+            {},
+            true};
 }
 
 /// RAR archives are recognised by their signature, whatever their name; by the name when what it
@@ -138,7 +150,33 @@ Result CZIP::listArchive(const std::shared_ptr<ByteSource>& source, CZIPFile& fi
     file.lngTotal_SizeUncompressed = (*directory)->unpacked().bytes;
     file.lngTotal_Items = qint64(entries.size());
     file.reader = std::make_shared<ZipReader>(*directory, m_scratch);
+    if (boolPasswords_Ask && file.reader->wantsPassword())
+        unlock(file);
     return charge(file, (*directory)->unpacked(), budget);
+}
+
+/// The known passwords, then those that are given when asked for; without one, what is encrypted
+/// stays shut.
+void CZIP::unlock(const CZIPFile& file)
+{
+    const auto opens = [&](const QString& password) {
+        const ResultOf<QByteArray> ansi = m_services.ansi.encode(password);
+        return file.reader->tryPassword(password.toUtf8()) ||
+               (ansi && file.reader->tryPassword(*ansi));
+    };
+    for (const QString& password : std::as_const(sarrayPasswords))
+        if (opens(password))
+            return;
+    for (bool again = false; !cancelled(); again = true) {
+        const std::optional<QString> password =
+            m_services.prompts.askText(passwordQuestion(file, again));
+        if (!password || password->isEmpty())
+            return;
+        if (!opens(*password))
+            continue;
+        sarrayPasswords += *password;
+        return;
+    }
 }
 
 /// As far as the headers tell, even when they end in a failure.

@@ -151,7 +151,9 @@ Result RarReader::check(int key, RarCode& code) const
         return check(entry.copyOf + 1, code);
     code = RarCode::BadData;
     if (entry.kind == EntryKind::File && entry.encrypted)
-        return told(entry, u"is encrypted and cannot be extracted."_s);
+        return told(
+            entry,
+            u"is encrypted, and RAR archives cannot be decrypted here; unpack it elsewhere and install the folder."_s);
     code = RarCode::Open;
     if (!entry.complete)
         return told(entry,

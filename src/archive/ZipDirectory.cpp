@@ -111,6 +111,7 @@ private:
     bool locate(qint64 directoryEnd, quint64 bytes, quint64 offset, EndRecord& end);
     Result readEntries(const EndRecord& end);
     Result readEntry(const char* header, qint64 room, ZipEntry& entry, qint64& used);
+    static void applyAes(QByteArrayView extra, ZipEntry& entry);
     Result applyExtra64(QByteArrayView extra, ZipEntry& entry, quint64 (&values)[3]);
     Result checkEntry(const ZipEntry& entry);
     Result checkOverlaps();
@@ -356,6 +357,8 @@ ZipDirectory::Parser::readEntry(const char* header, qint64 room, ZipEntry& entry
         return damaged(u"it is one part of an archive that was split over several files."_s);
     if (Result r = applyExtra64(extra, entry, values); !r)
         return r;
+    if (entry.encrypted())
+        applyAes(extra, entry);
     constexpr quint64 most = quint64(1) << 62;
     if (values[0] > most || values[1] > most || values[2] > most)
         return damaged(u"the entry '"_s + entry.folder + entry.name +
@@ -364,6 +367,24 @@ ZipDirectory::Parser::readEntry(const char* header, qint64 room, ZipEntry& entry
     entry.packed = qint64(values[1]);
     entry.headerOffset = qint64(values[2]) + m_d.m_prefix;
     return checkEntry(entry);
+}
+
+/// What is told of AES: version, "AE", strength, method.
+void ZipDirectory::Parser::applyAes(QByteArrayView extra, ZipEntry& entry)
+{
+    while (extra.size() >= 4) {
+        const quint16 id = low<quint16>(extra.data());
+        const qsizetype length = low<quint16>(extra.data() + 2);
+        if (length > extra.size() - 4)
+            return;
+        if (id == 0x9901 && length >= 7) {
+            entry.aesVersion = quint8(qMin<quint16>(low<quint16>(extra.data() + 4), 0xFF));
+            entry.aesStrength = quint8(extra[8]);
+            entry.aesMethod = low<quint16>(extra.data() + 9);
+            return;
+        }
+        extra = extra.sliced(4 + length);
+    }
 }
 
 /// \a values: size, packed size, offset; each that is saturated is taken from the ZIP64 field.

@@ -39,6 +39,9 @@ struct ZipEntry
     quint16 nameBytes = 0;
     quint16 method = 0; ///< 0 stored, 8 deflated, ...
     quint16 flags = 0;
+    quint16 aesMethod = 0;  ///< under method 99: the method of what is encrypted
+    quint8 aesVersion = 0;  ///< 1 or 2; 0 when nothing is told of AES
+    quint8 aesStrength = 0; ///< 1 to 3: keys of 128, 192, 256 bits
     EntryKind kind = EntryKind::File;
     QString folder; ///< "a\b\", shared between entries
     QString name;

@@ -108,8 +108,14 @@ Result ZipReader::check(int key, int& code) const
     if (entry.kind == EntryKind::Device)
         return told(entry, u"is no file and is never extracted."_s);
     code = ZIP_ER_ENCRNOTSUPP;
-    if (entry.kind == EntryKind::File && entry.encrypted())
-        return told(entry, u"is encrypted and cannot be extracted."_s);
+    if (entry.kind == EntryKind::File && entry.encrypted()) {
+        if (!canDecrypt(entry))
+            return told(entry, u"is encrypted in a way that cannot be decrypted here."_s);
+        if (m_password.isEmpty())
+            return told(entry, u"is encrypted and cannot be extracted without its password."_s);
+        code = ZIP_ER_OK;
+        return Result::success();
+    }
     code = ZIP_ER_COMPNOTSUPP;
     if (entry.kind == EntryKind::File && entry.method != 0 && entry.method != 8 &&
         !canStreamMethod(entry.method))
@@ -135,6 +141,8 @@ Result ZipReader::read(int key, const Content::Sink& sink)
         return Result::success();
     const bool whole = entry.size <= ziplimits::wholeEntryBytes &&
                        entry.packed <= ziplimits::wholeEntryBytes + roomStep;
+    if (entry.encrypted())
+        return decrypt(entry, whole, sink);
     if (whole && (entry.method == 0 || entry.method == 8))
         return readWhole(entry, sink);
     return entry.method == 0 ? streamStored(entry, sink) : streamPacked(entry, sink);
@@ -267,12 +275,57 @@ Result ZipReader::streamPacked(const ZipEntry& entry, const Content::Sink& sink)
     qint64 offset = 0;
     if (Result r = findData(entry, offset); !r)
         return r;
-    const StreamEnd end = streamEntry(m_directory->source(), entry, offset, sink);
+    const StreamEnd end = streamEntry(m_directory->source(), entry, offset, m_password, sink);
     if (end.code == ZIP_ER_OK || end.sinkRefused)
         return Result::success();
     if (end.code == ZIP_ER_CRC)
         return wrongCrc(entry);
+    if (end.code == ZIP_ER_WRONGPASSWD)
+        return failed(entry, end.code, u"is encrypted with another password."_s);
     return failed(entry, end.code, u"is damaged: "_s + end.why + u'.');
+}
+
+Result ZipReader::decrypt(const ZipEntry& entry, bool whole, const Content::Sink& sink)
+{
+    if (!whole)
+        return streamPacked(entry, sink);
+    QByteArray bytes;
+    const Result read = streamPacked(entry, [&bytes](QByteArrayView piece) {
+        bytes.append(piece);
+        return true;
+    });
+    if (read && !bytes.isEmpty())
+        (void)sink(bytes);
+    return read;
+}
+
+const ZipEntry* ZipReader::smallestEncrypted() const
+{
+    const ZipEntry* smallest = nullptr;
+    for (const ZipEntry& entry : m_directory->entries())
+        if (entry.kind == EntryKind::File && canDecrypt(entry) &&
+            (!smallest || entry.packed < smallest->packed))
+            smallest = &entry;
+    return smallest;
+}
+
+bool ZipReader::wantsPassword() const
+{
+    return m_password.isEmpty() && smallestEncrypted();
+}
+
+bool ZipReader::tryPassword(const QByteArray& password)
+{
+    const ZipEntry* entry = smallestEncrypted();
+    if (!entry || password.isEmpty())
+        return false;
+    m_password = password;
+    // Of a hundred wrong ones some get past the first check, none past the sum of the bytes.
+    const bool right = bool(streamPacked(*entry, [](QByteArrayView) { return true; }).ok);
+    if (!right)
+        m_password.clear();
+    m_code = ZIP_ER_OK;
+    return right;
 }
 
 } // namespace vt

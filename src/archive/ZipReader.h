@@ -50,6 +50,9 @@ public:
     /// refused.
     Result read(int key, const Content::Sink& sink) override;
 
+    [[nodiscard]] bool wantsPassword() const override;
+    bool tryPassword(const QByteArray& password) override;
+
     [[nodiscard]] int lastCode() const override { return m_code; }
 
     [[nodiscard]] const ZipDirectory& directory() const { return *m_directory; }
@@ -68,9 +71,12 @@ private:
     Result inflate(const ZipEntry& entry, QByteArrayView packed, QByteArrayView& data);
     Result streamStored(const ZipEntry& entry, const Content::Sink& sink);
     Result streamPacked(const ZipEntry& entry, const Content::Sink& sink);
+    Result decrypt(const ZipEntry& entry, bool whole, const Content::Sink& sink);
+    [[nodiscard]] const ZipEntry* smallestEncrypted() const;
 
     std::shared_ptr<const ZipDirectory> m_directory;
     std::shared_ptr<ZipScratch> m_scratch;
+    QByteArray m_password; ///< one that was right; empty: none
     int m_code = 0;
 };
 

@@ -12,6 +12,7 @@ namespace vt {
 
 namespace {
 
+constexpr quint16 aesMethod = 99;
 constexpr qint64 streamPiece = 256LL * 1024;
 
 /// An archive of one entry, always in ZIP64 form: header + the packed bytes where they lie +
@@ -68,14 +69,16 @@ private:
         if (central)
             putLow<quint16>(to, 63);
         putLow<quint16>(to, 63);
-        putLow<quint16>(to, quint16(entry.flags & 0x0006)); // how the method was used
+        // How the method was used, whether it is encrypted, and against what that can be checked.
+        putLow<quint16>(to, quint16(entry.flags & (entry.encrypted() ? 0x000F : 0x0006)));
         putLow<quint16>(to, entry.method);
-        putLow<quint32>(to, 0x0021'0000);
+        putLow<quint32>(to, entry.encrypted() ? entry.stamp : 0x0021'0000);
         putLow<quint32>(to, entry.crc);
         putLow<quint32>(to, 0xFFFFFFFF);
         putLow<quint32>(to, 0xFFFFFFFF);
+        const bool aes = entry.encrypted() && entry.method == aesMethod;
         putLow<quint16>(to, 1);
-        putLow<quint16>(to, 20);
+        putLow<quint16>(to, aes ? 31 : 20);
         if (central) {
             putLow<quint16>(to, 0);
             putLow<quint32>(to, 0);
@@ -87,6 +90,14 @@ private:
         putLow<quint16>(to, 16);
         putLow<quint64>(to, quint64(entry.size));
         putLow<quint64>(to, quint64(entry.packed));
+        if (!aes)
+            return;
+        putLow<quint16>(to, 0x9901);
+        putLow<quint16>(to, 7);
+        putLow<quint16>(to, entry.aesVersion);
+        to.append("AE");
+        putLow<quint8>(to, entry.aesStrength);
+        putLow<quint16>(to, entry.aesMethod);
     }
 
     zip_int64_t answer(void* data, zip_uint64_t length, zip_source_cmd_t command)
@@ -203,9 +214,25 @@ bool canStreamMethod(int method)
     return zip_compression_method_supported(method, 0) != 0;
 }
 
+bool canDecrypt(const ZipEntry& entry)
+{
+    constexpr quint16 ownKindOfThePacker = 0x2040;
+    if (!entry.encrypted() || (entry.flags & ownKindOfThePacker) != 0)
+        return false;
+    if (entry.method != aesMethod)
+        return zip_encryption_method_supported(ZIP_EM_TRAD_PKWARE, 0) != 0 &&
+               canStreamMethod(entry.method);
+    return (entry.aesVersion == 1 || entry.aesVersion == 2) && entry.aesStrength >= 1 &&
+           entry.aesStrength <= 3 &&
+           zip_encryption_method_supported(quint16(ZIP_EM_AES_128 - 1 + entry.aesStrength), 0) !=
+               0 &&
+           canStreamMethod(entry.aesMethod);
+}
+
 StreamEnd streamEntry(const ByteSource& source,
                       const ZipEntry& entry,
                       qint64 dataOffset,
+                      const QByteArray& password,
                       const Content::Sink& sink)
 {
     MadeUpArchive archive(source, entry, dataOffset);
@@ -218,7 +245,9 @@ StreamEnd streamEntry(const ByteSource& source,
         end = endOf(&error);
         if (zipSource)
             zip_source_free(zipSource);
-    } else if (zip_file_t* file = zip_fopen_index(zip, 0, 0)) {
+    } else if (zip_file_t* file = entry.encrypted()
+                                      ? zip_fopen_index_encrypted(zip, 0, 0, password.constData())
+                                      : zip_fopen_index(zip, 0, 0)) {
         end = pump(file, entry, sink);
         zip_fclose(file);
         zip_discard(zip);

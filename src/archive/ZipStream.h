@@ -12,6 +12,9 @@ namespace vt {
 /// Whether the library can unpack \a method.
 [[nodiscard]] bool canStreamMethod(int method);
 
+/// Whether the library can decrypt and unpack an encrypted entry, given its password.
+[[nodiscard]] bool canDecrypt(const ZipEntry& entry);
+
 /// How a streamed reading ended: \a code 0 is whole and right, else libzip's number, and \a why
 /// its sentence.
 struct StreamEnd
@@ -21,10 +24,12 @@ struct StreamEnd
     bool sinkRefused = false;
 };
 
-/// Unpacks \a entry, whose packed bytes begin at \a dataOffset of \a source.
+/// Unpacks \a entry, whose packed bytes begin at \a dataOffset of \a source. \a password: of an
+/// encrypted one, as bytes.
 [[nodiscard]] StreamEnd streamEntry(const ByteSource& source,
                                     const ZipEntry& entry,
                                     qint64 dataOffset,
+                                    const QByteArray& password,
                                     const Content::Sink& sink);
 
 } // namespace vt

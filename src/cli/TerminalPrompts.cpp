@@ -5,6 +5,8 @@
 
 #include <array>
 #include <cstdio>
+#include <termios.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -35,6 +37,33 @@ const ButtonWord& wordOf(Button button)
             return word;
     return buttonWords.front();
 }
+
+/// While this lives, the terminal does not show what is typed.
+class Unseen
+{
+public:
+    Unseen() : m_terminal(tcgetattr(STDIN_FILENO, &m_before) == 0)
+    {
+        termios quiet = m_before;
+        quiet.c_lflag &= ~tcflag_t(ECHO);
+        quiet.c_lflag |= ECHONL;
+        if (m_terminal)
+            tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet);
+    }
+
+    ~Unseen()
+    {
+        if (m_terminal)
+            tcsetattr(STDIN_FILENO, TCSANOW, &m_before);
+    }
+
+    Unseen(const Unseen&) = delete;
+    Unseen& operator=(const Unseen&) = delete;
+
+private:
+    termios m_before{};
+    bool m_terminal;
+};
 
 QString choicesLine(const Prompt& prompt)
 {
@@ -141,6 +170,11 @@ std::optional<QString> TerminalPrompts::askText(const TextPrompt& prompt)
     if (!m_interactive)
         return std::nullopt;
     show(prompt.caption, prompt.text);
+    if (prompt.secret) {
+        const Unseen unseen;
+        console::error(u"(nothing ends): "_s);
+        return readLine();
+    }
     console::error(u"("_s + prompt.proposal + u" is usual; nothing ends): "_s);
     return readLine();
 }

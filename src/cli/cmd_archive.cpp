@@ -148,6 +148,7 @@ int testArchive(World& world, const Arguments& arguments)
 {
     CZIP zip(world.services());
     prepare(zip, world, arguments);
+    zip.boolPasswords_Ask = true;
     (void)zip.Test();
     return tell(world, zip);
 }
@@ -160,6 +161,7 @@ int extractArchive(World& world, const Arguments& arguments)
     zip.varItemsToExtract = arguments.all(u"ENTRY"_s);
     zip.boolExtract_All = zip.varItemsToExtract.isEmpty();
     zip.boolExtract_ConfirmOverwrite = true;
+    zip.boolPasswords_Ask = true;
     (void)zip.Extract();
     return tell(world, zip);
 }

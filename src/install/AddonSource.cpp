@@ -48,9 +48,11 @@ AddonSource::AddonSource(Services& services) : m_services(services) {}
 
 AddonSource::~AddonSource() = default;
 
-ResultOf<std::unique_ptr<AddonSource>> AddonSource::open(Services& services, const QString& path)
+ResultOf<std::unique_ptr<AddonSource>>
+AddonSource::open(Services& services, const QString& path, QStringList passwords)
 {
     std::unique_ptr<AddonSource> source(new AddonSource(services));
+    source->m_passwords = std::move(passwords);
     const QString plain = winpath::withoutTrailing(path);
     const std::optional<FileInfo> info = services.files.info(plain);
     if (!info) {
@@ -88,6 +90,8 @@ Result AddonSource::openArchive(const QString& file)
     m_archive = std::make_unique<CZIP>(m_services);
     m_archive->sZIPFile = file;
     m_archive->boolImbeddedZIPs_Process = true;
+    m_archive->boolPasswords_Ask = true;
+    m_archive->sarrayPasswords = m_passwords;
     if (!m_archive->GetItems()) {
         Result failed = m_archive->result();
         if (failed.kind == ErrorKind::None)
@@ -95,6 +99,7 @@ Result AddonSource::openArchive(const QString& file)
         failed.ok = false;
         return failed;
     }
+    m_passwords = m_archive->sarrayPasswords;
     m_remarks = m_archive->remarks();
     m_bytes = m_archive->colZIPContents.front().bytes;
     for (const CZIPFile& listed : m_archive->colZIPContents) {

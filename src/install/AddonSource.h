@@ -22,9 +22,10 @@ class AddonSource
 {
 public:
     /// Lists the source. Missing, unreadable or no archive: kind Surroundings. A folder's files are
-    /// its own; links that lead out of it are not followed.
-    [[nodiscard]] static ResultOf<std::unique_ptr<AddonSource>> open(Services& services,
-                                                                     const QString& path);
+    /// its own; links that lead out of it are not followed. Passwords of encrypted archives are
+    /// asked for; \a passwords are tried first.
+    [[nodiscard]] static ResultOf<std::unique_ptr<AddonSource>>
+    open(Services& services, const QString& path, QStringList passwords = {});
     ~AddonSource();
     AddonSource(const AddonSource&) = delete;
     AddonSource& operator=(const AddonSource&) = delete;
@@ -59,6 +60,9 @@ public:
     /// What was passed over: inner archives that cannot be read, unreadable folders, links.
     [[nodiscard]] const QStringList& remarks() const { return m_remarks; }
 
+    /// The passwords that opened its archives.
+    [[nodiscard]] const QStringList& passwords() const { return m_passwords; }
+
     /// The files of an archive on the disk, all volumes of it; path() alone for everything else.
     [[nodiscard]] QStringList sourceFiles() const;
 
@@ -82,6 +86,7 @@ private:
     std::unique_ptr<CZIP> m_archive;
     std::vector<ListedFile> m_folderFiles; ///< the file of key k stands at k - 1
     QStringList m_remarks;
+    QStringList m_passwords;
 };
 
 } // namespace vt

@@ -44,6 +44,11 @@ CAddonInstallationDetails::CAddonInstallationDetails(Context& context)
 
 CAddonInstallationDetails::~CAddonInstallationDetails() = default;
 
+QStringList CAddonInstallationDetails::passwords() const
+{
+    return m_source ? m_source->passwords() : QStringList();
+}
+
 Result CAddonInstallationDetails::prepare(const QString& sourcePath, const InstallOptions& options)
 {
     m_context.services.status.text(u"Primary"_s, u"Analyzing addon..."_s);
@@ -55,7 +60,7 @@ Result CAddonInstallationDetails::prepare(const QString& sourcePath, const Insta
     m_options.to = options.to.value_or(Options_AddonInstallationMethod_Default_Get());
     if (Result resolved = resolveOptionFolders(); !resolved)
         return resolved;
-    auto source = AddonSource::open(m_context.services, sourcePath);
+    auto source = AddonSource::open(m_context.services, sourcePath, passwords());
     if (!source)
         return source.error();
     m_source = std::move(*source);

@@ -311,6 +311,10 @@ public:
     Result Picture_Clear(MappedGroup family, int group);
     /// \a file: full path.
     Result Picture_SetFromFile(MappedGroup family, int group, const QString& file);
+    /// Gives groups without a picture one out of the add-on, as the settings "Auto Assign Pictures
+    /// To ..." say: the group's thumbnail, a picture beside its files or, where the add-on is all
+    /// about that group, one among its other files. What cannot be decoded is passed over.
+    void Pictures_AutoAssign();
     /// \a picture in any form that a picture file may have.
     Result Picture_SetFromClipboard(MappedGroup family, int group, const QByteArray& picture);
 
@@ -422,6 +426,11 @@ private:
 
     Context& m_context;
     mutable std::shared_ptr<Catalogue> m_catalogue;
+    [[nodiscard]] QList<const CAddon_Item*> picturesFor(const InstallationGroup& group) const;
+
+    /// Of the source so far, so that nobody is asked twice.
+    [[nodiscard]] QStringList passwords() const;
+
     std::shared_ptr<AddonSource> m_source;
     std::unique_ptr<CAddon_ItemGroup> m_addon;
     InstallOptions m_options;

@@ -28,7 +28,7 @@ Result CAddonInstallationDetails::prepareAgain(const RecordedAddon& recorded,
     m_context.services.files.newOperation();
     m_options = options;
     m_options.to = InstallTo::Simulator;
-    auto source = AddonSource::open(m_context.services, sourcePath);
+    auto source = AddonSource::open(m_context.services, sourcePath, passwords());
     if (!source)
         return source.error();
     m_source = std::move(*source);

@@ -84,6 +84,7 @@ struct TextPrompt
     QString caption;
     QString text;
     QString proposal;
+    bool secret = false; ///< what is entered is not shown
 
     friend bool operator==(const TextPrompt&, const TextPrompt&) = default;
 };

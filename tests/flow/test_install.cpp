@@ -315,7 +315,12 @@ private Q_SLOTS:
         zip.add("Effects/fx_a.fx", "good");
         zip.add("Effects/fx_b.fx", "bad", wrong);
         zip.add("Sound/new/folder/b.wav", "bad", wrong); // leaves no folder behind either
-        // No question is asked about a file that cannot come.
+        // No question is asked about a file that cannot come; its password is.
+        const auto noPassword = [this] {
+            m_world->prompts.expectText(u"are encrypted. Enter the archive's password"_s,
+                                        std::nullopt);
+        };
+        noPassword();
         zip.add("Effects/" + existingEffect().toUtf8(), "secret", locked);
         zip.add("Effects/fx_c.fx", "good");
         const ResultOf<qint64> key = m_world->install(pack(zip));
@@ -340,6 +345,7 @@ private Q_SLOTS:
 
         ZipBuilder all;
         all.add("Effects/fx_b.fx", "secret", locked);
+        noPassword();
         const ResultOf<qint64> none = m_world->install(pack(all));
         QVERIFY(!none.ok());
         QVERIFY2(none.text.startsWith(u"Nothing was installed: none of the files of '"_s) &&

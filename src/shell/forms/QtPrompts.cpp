@@ -152,6 +152,8 @@ std::optional<QString> QtPrompts::askText(const TextPrompt& prompt)
     dialog.setWindowTitle(prompt.caption);
     dialog.setLabelText(prompt.text);
     dialog.setTextValue(prompt.proposal);
+    if (prompt.secret)
+        dialog.setTextEchoMode(QLineEdit::Password);
     // Paths are proposed here: room for one.
     dialog.resize(dialog.fontMetrics().averageCharWidth() * 72, dialog.sizeHint().height());
     if (dialog.exec() != QDialog::Accepted)

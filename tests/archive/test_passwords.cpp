@@ -1,0 +1,130 @@
+// Encrypted ZIP archives as another program makes them: asked for once, opened, or left alone.
+#include "ArchiveWorld.h"
+#include "archive/ZipDirectory.h"
+#include "support/Rows.h"
+#include "support/TestMain.h"
+
+#include <zip.h>
+
+using namespace Qt::StringLiterals;
+using namespace vt;
+using namespace vt::test;
+
+namespace {
+
+struct Packed
+{
+    const char* name;
+    QByteArray bytes;
+    quint16 encryption = ZIP_EM_NONE;
+    int method = ZIP_CM_DEFLATE;
+    const char* password = nullptr; ///< its own
+};
+
+/// Through libzip, whose packing knows nothing of our reading.
+bool pack(const QString& hostPath, const std::vector<Packed>& files, const QByteArray& password)
+{
+    zip_t* zip = zip_open(hostPath.toLocal8Bit().constData(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
+    bool done = zip != nullptr;
+    for (const Packed& file : files) {
+        zip_source_t* source =
+            zip_source_buffer(zip, file.bytes.constData(), zip_uint64_t(file.bytes.size()), 0);
+        const zip_int64_t at = zip_file_add(zip, file.name, source, 0);
+        done = done && at >= 0 &&
+               zip_set_file_compression(zip, zip_uint64_t(at), file.method, 0) == 0 &&
+               zip_file_set_encryption(zip,
+                                       zip_uint64_t(at),
+                                       file.encryption,
+                                       file.password ? file.password : password.constData()) == 0;
+    }
+    return zip && zip_close(zip) == 0 && done;
+}
+
+} // namespace
+
+class TestPasswords : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+
+    void entries_comeWithTheirPassword()
+    {
+        const QByteArray text = QByteArray("some text ").repeated(3000);
+        const Rows<quint16, int, qsizetype> rows = {
+            {"traditional", ZIP_EM_TRAD_PKWARE, ZIP_CM_DEFLATE, text.size()},
+            {"traditional, stored", ZIP_EM_TRAD_PKWARE, ZIP_CM_STORE, text.size()},
+            {"AES 128", ZIP_EM_AES_128, ZIP_CM_DEFLATE, text.size()},
+            {"AES 192, stored", ZIP_EM_AES_192, ZIP_CM_STORE, text.size()},
+            {"AES 256", ZIP_EM_AES_256, ZIP_CM_DEFLATE, text.size()},
+            {"AES 256, few bytes", ZIP_EM_AES_256, ZIP_CM_DEFLATE, 1},
+            {"AES 256, large", ZIP_EM_AES_256, ZIP_CM_DEFLATE, ziplimits::wholeEntryBytes + 5},
+        };
+        for (const auto& [encryption, method, size] : rows) {
+            ArchiveWorld w;
+            const QByteArray bytes = text.repeated(size / text.size() + 1).first(size);
+            QVERIFY(pack(w.host(u"a.zip"_s),
+                         {{"d/secret.txt", bytes, encryption, method}, {"plain.txt", "plain"}},
+                         "p\xc3\xa4ss"));
+            CZIP zip(w.services);
+            zip.sZIPFile = u"C:\\a.zip"_s;
+            zip.boolPasswords_Ask = true;
+            w.prompts.expectText(
+                u"Files in the archive 'C:\\a.zip' are encrypted. Enter the archive's password"_s,
+                u"wrong"_s);
+            w.prompts.expectText(u"This password does not open 'C:\\a.zip'."_s, u"päss"_s);
+            QVERIFY2(zip.GetItems(), qPrintable(zip.resultText()));
+            QVERIFY(zip.entryReadable({0, 1}).ok);
+            const auto secret = zip.entryBytes({0, 1}, bytes.size());
+            QVERIFY2(secret, qPrintable(secret.text));
+            QVERIFY(*secret == bytes);
+            QCOMPARE(*zip.entryBytes({0, 2}, 10), QByteArray("plain"));
+        }
+    }
+
+    void innerArchives_areTriedWithTheKnownOne()
+    {
+        ArchiveWorld w;
+        QVERIFY(pack(w.host(u"in.zip"_s), {{"b.txt", "inner", ZIP_EM_AES_256}}, "one"));
+        QVERIFY(pack(w.host(u"other.zip"_s), {{"c.txt", "other", ZIP_EM_TRAD_PKWARE}}, "two"));
+        QVERIFY(pack(w.host(u"a.zip"_s),
+                     {{"in.zip", w.bytes(u"in.zip"_s), ZIP_EM_TRAD_PKWARE},
+                      {"other.zip", w.bytes(u"other.zip"_s)}},
+                     "one"));
+        CZIP zip(w.services);
+        zip.sZIPFile = u"C:\\a.zip"_s;
+        zip.boolPasswords_Ask = zip.boolImbeddedZIPs_Process = true;
+        w.prompts.expectText(u"'C:\\a.zip'"_s, u"one"_s);
+        w.prompts.expectText(u"'C:\\a.zip\\other.zip'"_s, std::nullopt);
+        QVERIFY2(zip.GetItems(), qPrintable(zip.resultText()));
+        QCOMPARE(zip.colZIPContents.size(), size_t(3));
+        QCOMPARE(*zip.entryBytes({1, 1}, 10), QByteArray("inner"));
+        const auto other = zip.entryBytes({2, 1}, 10);
+        QVERIFY(!other && other.text.endsWith(
+                              u"is encrypted and cannot be extracted without its password."_s));
+        QCOMPARE(zip.sarrayPasswords, QStringList{u"one"_s});
+    }
+
+    void secondPasswordInOneArchive_isTold()
+    {
+        ArchiveWorld w;
+        QVERIFY(pack(w.host(u"a.zip"_s),
+                     {{"b.txt", "small", ZIP_EM_AES_256},
+                      {"c.txt", QByteArray(500, 'c'), ZIP_EM_AES_256, ZIP_CM_STORE, "two"}},
+                     "one"));
+        CZIP zip(w.services);
+        zip.sZIPFile = u"C:\\a.zip"_s;
+        zip.boolPasswords_Ask = true;
+        w.prompts.expectText(u"Password"_s, u"one"_s);
+        QVERIFY(!zip.Test());
+        QVERIFY2(
+            zip.resultText().contains(
+                u"The entry 'c.txt' of the archive 'C:\\a.zip' is encrypted with another password."_s),
+            qPrintable(zip.resultText()));
+        QVERIFY(zip.entryReadable({0, 1}).ok);
+    }
+};
+
+VT_TEST_CLASS(TestPasswords)
+
+#include "test_passwords.moc"

@@ -2,7 +2,9 @@
 // they are chosen, stored by the installer.
 #include "addondb/Pictures.h"
 #include "install/CAddonInstallationDetails.h"
+#include "install/FolderNames.h"
 #include "platform/Profile.h"
+#include "platform/Text.h"
 #include "platform/WinPath.h"
 
 using namespace Qt::StringLiterals;
@@ -54,6 +56,7 @@ Result CAddonInstallationDetails::Picture_Clear(MappedGroup family, int group)
     if (family == MappedGroup::Panel && !isOriginalPanel(cleared))
         return Result::failure(u"You can only clear the pictures of original panel definitions."_s);
     cleared.picture = {};
+    cleared.picture.cleared = true;
     return Result::success(u"Picture was cleared."_s);
 }
 
@@ -85,6 +88,59 @@ Result CAddonInstallationDetails::Picture_SetFromClipboard(MappedGroup family,
     InstallationGroup& pictured = groups(family)[size_t(group)];
     pictured.picture = {GroupPicture::Kind::Clipboard, {}, *jpeg};
     return Result::success(u"Clipboard picture assigned to "_s + pictured.name);
+}
+
+/// The best first.
+QList<const CAddon_Item*>
+CAddonInstallationDetails::picturesFor(const InstallationGroup& group) const
+{
+    QList<const CAddon_Item*> thumbnails;
+    QList<const CAddon_Item*> beside;
+    QList<const CAddon_Item*> others;
+    const bool alone = groups(group.family).size() == 1;
+    for (const CAddon_Item& item : m_addon->colAddonItems()) {
+        if (!foldernames::isPicture(item.sName) || !item.boolExtractable ||
+            item.size > pictureLimit)
+            continue;
+        if (group.items.contains(item.lngKey)) {
+            const bool thumbnail = equalNoCase(item.sName, u"thumbnail.jpg");
+            (thumbnail ? thumbnails : beside).append(&item);
+        } else if (equalNoCase(item.sFolder_Current, group.sourceFolder)) {
+            beside.append(&item);
+        } else if (alone && item.enumMappedGroup == MappedGroup::DocumentAndOther) {
+            others.append(&item);
+        }
+    }
+    return thumbnails + beside + others;
+}
+
+void CAddonInstallationDetails::Pictures_AutoAssign()
+{
+    constexpr qsizetype attempts = 3; // with files that are no pictures, for each group
+    const std::pair<MappedGroup, SettingKey> families[] = {
+        {MappedGroup::Aircraft, SettingKey::AutoAssignPicturesToAircraft},
+        {MappedGroup::Texture, SettingKey::AutoAssignPicturesToAircraft},
+        {MappedGroup::Panel, SettingKey::AutoAssignPicturesToPanels},
+        {MappedGroup::Scenery, SettingKey::AutoAssignPicturesToScenery},
+    };
+    for (const auto& [family, setting] : families) {
+        if (!m_context.settings.flag(setting))
+            continue;
+        for (InstallationGroup& group : groups(family)) {
+            if (group.picture.kind != GroupPicture::Kind::None || group.picture.cleared)
+                continue;
+            for (const CAddon_Item* item : picturesFor(group).mid(0, attempts)) {
+                const ResultOf<QByteArray> bytes = m_source->read(*item, pictureLimit);
+                const ResultOf<QByteArray> jpeg =
+                    bytes ? pictures::preview(*bytes, item->sName) : bytes;
+                if (!jpeg)
+                    continue;
+                group.picture = {
+                    GroupPicture::Kind::File, item->sFolder_Current + item->sName, *jpeg};
+                break;
+            }
+        }
+    }
 }
 
 Result CAddonInstallationDetails::applyPictures()

@@ -11,6 +11,9 @@ namespace vt {
 
 Result CAddonInstaller::Picture_Store()
 {
+    // One that is installed again keeps the pictures that it has.
+    if (!m_details.recorded())
+        m_details.Pictures_AutoAssign();
     const QString& file = m_details.options().pictureFile;
     const InstallationGroup* first = nullptr;
     for (const MappedGroup family : ruledFamilies()) {

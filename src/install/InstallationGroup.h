@@ -96,13 +96,14 @@ struct GroupPicture
     enum class Kind : quint8
     {
         None,
-        File,      ///< a file of the user's
+        File,      ///< a file of the user's or of the add-on
         Clipboard, ///< what lay in the clipboard
     };
 
     Kind kind = Kind::None;
-    QString file;    ///< full path, when it is one
-    QByteArray jpeg; ///< the preview, made already
+    QString file;         ///< full path, when it is one; of the add-on's: as in the source
+    QByteArray jpeg;      ///< the preview, made already
+    bool cleared = false; ///< the user wants none
 };
 
 struct InstallationGroup

@@ -205,6 +205,31 @@ private Q_SLOTS:
         QCOMPARE(m_world->files.filesBelow(images), QStringList());
     }
 
+    void picturesInTheAddon_areTakenAsTheSettingsSay()
+    {
+        using namespace modDatabase_Addon;
+        DemoFiles files;
+        for (const DemoFile& file : sampleAddon(u"heron-h2-main"_s).files)
+            if (!file.path.endsWith(".jpg"_L1))
+                files += file;
+        files += {u"Pictures/no picture.jpg"_s, "text"};
+        files += {u"Pictures/Heron in flight.jpg"_s, standins::picture(400, 100, 7)};
+        const QString pack = writePack(m_dir->path(), u"heron"_s, files);
+        const auto stored = [&](bool aircraft, bool panels) {
+            m_world->settings.setFlag(SettingKey::AutoAssignPicturesToAircraft, aircraft);
+            m_world->settings.setFlag(SettingKey::AutoAssignPicturesToPanels, panels);
+            const auto key = m_world->install(pack);
+            const qsizetype count = m_world->files.filesBelow(m_world->global.imagesFolder).size();
+            const bool clean =
+                key && m_world->results.texts(resultgroup::failedSpecialActions).isEmpty();
+            return clean && m_world->remove(*key) && since(m_beginning).isEmpty() ? count : -1;
+        };
+        QCOMPARE(stored(false, false), 0);
+        QCOMPARE(stored(true, false), 3); // the add-on's, two variations
+        QCOMPARE(stored(false, true), 2); // the add-on's, a panel
+        QCOMPARE(m_world->files.filesBelow(m_world->global.imagesFolder), QStringList());
+    }
+
     void changedFile_isAskedAbout_andKept()
     {
         const SampleAddon sample = sampleAddon(u"harbour-scenery"_s);

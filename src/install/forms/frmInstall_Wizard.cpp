@@ -202,6 +202,7 @@ Result frmInstall_Wizard::SubForm_SelectFiles_IntegrateData(const QString& sourc
         say({});
         if (!prepared)
             return prepared;
+        details->Pictures_AutoAssign(); // the pages show them
     }
     const bool another = m_details != nullptr;
     // Pages hold what they were filled with, so they go before it does.

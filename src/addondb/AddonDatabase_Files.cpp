@@ -8,26 +8,17 @@ namespace vt::modDatabase_Addon {
 
 namespace {
 
-/// Texts that neighbouring rows share are shared in memory too.
-void share(QString& text, const QString& before)
-{
-    if (text == before)
-        text = before;
-}
-
-DetailRecord readDetail(const Recordset& rows)
+/// \a before: the folder of the row before.
+DetailRecord readDetail(const Recordset& rows, const QString& before = {})
 {
     DetailRecord detail;
     detail.key = rows.number(Field::Addon_Details_Key);
     detail.masterKey = rows.number(Field::Addon_Master_Key);
     detail.filename = rows.text(Field::Filename);
-    detail.location = rows.text(Field::Installed_To_Location);
-    detail.name = rows.text(Field::Installed_To_FileName);
-    detail.preferredLocation = rows.text(Field::Preferred_Install_To_Location);
-    detail.preferredName = rows.text(Field::Preferred_Install_To_Filename);
-    share(detail.name, detail.filename);
-    share(detail.preferredLocation, detail.location);
-    share(detail.preferredName, detail.name);
+    detail.location = rows.textLike(Field::Installed_To_Location, before);
+    detail.name = rows.textLike(Field::Installed_To_FileName, detail.filename);
+    detail.preferredLocation = rows.textLike(Field::Preferred_Install_To_Location, detail.location);
+    detail.preferredName = rows.textLike(Field::Preferred_Install_To_Filename, detail.name);
     return detail;
 }
 
@@ -47,12 +38,8 @@ ResultOf<QList<DetailRecord>> collected(Recordset& rows, bool any)
 {
     QList<DetailRecord> details;
     for (bool more = any; more; more = rows.moveNext()) {
-        details.push_back(readDetail(rows));
-        if (details.size() > 1) {
-            const DetailRecord& before = details[details.size() - 2];
-            share(details.back().location, before.location);
-            share(details.back().preferredLocation, details.back().location);
-        }
+        details.push_back(
+            readDetail(rows, details.isEmpty() ? QString() : details.back().location));
     }
     if (!rows.error())
         return databaseFailure(u"Could not open the addon details table."_s);
@@ -84,9 +71,7 @@ OriginalRecord readOriginal(const Recordset& rows)
 {
     return {rows.number(Field::Addon_Details_Key),
             rows.number(Field::Addon_Master_Key),
-            rows.text(Field::KeptFile),
-            rows.number(Field::Size),
-            rows.blob(Field::Hash)};
+            rows.text(Field::KeptFile)};
 }
 
 void writeOriginal(Recordset& rows, const OriginalRecord& original)
@@ -94,8 +79,6 @@ void writeOriginal(Recordset& rows, const OriginalRecord& original)
     rows.set(Field::Addon_Details_Key, original.detailKey);
     rows.set(Field::Addon_Master_Key, original.masterKey);
     rows.set(Field::KeptFile, original.keptFile);
-    rows.set(Field::Size, original.size);
-    rows.set(Field::Hash, original.hash);
 }
 
 Result keptNotRecorded()

@@ -109,8 +109,6 @@ struct OriginalRecord
     qint64 detailKey = 0;
     qint64 masterKey = 0;
     QString keptFile; ///< below the Originals folder; empty when nothing had to be kept
-    qint64 size = 0;
-    QByteArray hash; ///< XXH3-128, 16 bytes
 };
 
 /// Addon_Details_SceneryLibrary: one area that an add-on added.

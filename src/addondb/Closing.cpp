@@ -28,12 +28,12 @@ static QDataStream& operator>>(QDataStream& in, Place& place)
 
 static QDataStream& operator<<(QDataStream& out, const OriginalRecord& r)
 {
-    return out << r.detailKey << r.masterKey << r.keptFile << r.size << r.hash;
+    return out << r.detailKey << r.masterKey << r.keptFile;
 }
 
 static QDataStream& operator>>(QDataStream& in, OriginalRecord& r)
 {
-    return in >> r.detailKey >> r.masterKey >> r.keptFile >> r.size >> r.hash;
+    return in >> r.detailKey >> r.masterKey >> r.keptFile;
 }
 
 static QDataStream& operator<<(QDataStream& out, const ConfigBaseRecord& r)

@@ -413,6 +413,8 @@ OpenedDatabase Connection::openFile(const QByteArray& hostFile, int flags)
             DatabaseFault::Newer, m_path, u"its structure is unknown"_s, SQLITE_SCHEMA);
     sqlite3_exec(m_handle, "PRAGMA cache_size=-16384", nullptr, nullptr, nullptr);
     sqlite3_exec(m_handle, "PRAGMA temp_store=MEMORY", nullptr, nullptr, nullptr);
+    // Some builds of the engine wipe what is deleted; nothing here is secret.
+    sqlite3_exec(m_handle, "PRAGMA secure_delete=OFF", nullptr, nullptr, nullptr);
     if (!m_readOnly)
         return becomeWriter();
     sqlite3_exec(m_handle, "PRAGMA query_only=1", nullptr, nullptr, nullptr);

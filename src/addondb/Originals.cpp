@@ -27,7 +27,7 @@ ResultOf<Release> releaseBelow(const ReleaseContext& context,
         // What the row above keeps is this add-on's version: nobody needs it any more.
         const QString keptPath = context.global.originalsFolder + kept->keptFile;
         if (const auto info = context.gate.files().entry(keptPath)) {
-            if (!check.xxh3.isEmpty() && kept->hash != check.xxh3) {
+            if (!isRecorded(context.gate.files(), keptPath, *info, check)) {
                 const ResultOf<QString> aside = setAside(context, keptPath, path);
                 if (!aside)
                     return aside.error();

@@ -4,6 +4,7 @@
 
 #include <QStringEncoder>
 
+#include <algorithm>
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
@@ -218,6 +219,19 @@ QString Recordset::text(Field field) const
     const unsigned char* utf8 = sqlite3_column_text(m_walk.get(), column(field));
     return QString::fromUtf8(reinterpret_cast<const char*>(utf8),
                              sqlite3_column_bytes(m_walk.get(), column(field)));
+}
+
+QString Recordset::textLike(Field field, const QString& guess) const
+{
+    Q_ASSERT(m_present);
+    const unsigned char* utf8 = sqlite3_column_text(m_walk.get(), column(field));
+    const int size = sqlite3_column_bytes(m_walk.get(), column(field));
+    const auto isAsciiUnit = [](QChar unit, unsigned char byte) {
+        return unit.unicode() == byte && byte < 0x80;
+    };
+    if (size == guess.size() && std::equal(guess.cbegin(), guess.cend(), utf8, isAsciiUnit))
+        return guess;
+    return QString::fromUtf8(reinterpret_cast<const char*>(utf8), size);
 }
 
 QDateTime Recordset::date(Field field) const

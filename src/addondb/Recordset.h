@@ -79,6 +79,8 @@ public:
     [[nodiscard]] qint64 number(Field field) const;
     [[nodiscard]] bool flag(Field field) const;
     [[nodiscard]] QString text(Field field) const;
+    /// The same, as \a guess itself where that is the text: neighbouring rows and fields repeat.
+    [[nodiscard]] QString textLike(Field field, const QString& guess) const;
     [[nodiscard]] QDateTime date(Field field) const;
     [[nodiscard]] QByteArray blob(Field field) const;
 

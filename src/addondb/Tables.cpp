@@ -224,8 +224,6 @@ constexpr std::array fieldsOf_Vantrel_Originals{
     Field::Addon_Details_Key,
     Field::Addon_Master_Key,
     Field::KeptFile,
-    Field::Size,
-    Field::Hash,
 };
 constexpr std::array fieldsOf_Vantrel_Checks{
     Field::Addon_Details_Key,

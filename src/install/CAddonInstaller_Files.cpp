@@ -444,13 +444,9 @@ Result CAddonInstaller::keepOriginal(File& file, const QString& target)
     original.detailKey = &file - m_files.data();
     original.masterKey = m_record.key;
     original.keptFile = originals::keptName(m_context.services.gate, keptFolder(), target);
-    const ResultOf<Fingerprint> kept =
-        m_actions->keepPrinted(target, m_context.global.originalsFolder + original.keptFile);
-    if (!kept)
-        return kept.error();
-    file.before = *kept;
-    original.size = kept->size;
-    original.hash = kept->xxh3;
+    const QString& top = m_context.global.originalsFolder;
+    if (Result kept = m_actions->keepReplaced(target, top + original.keptFile); !kept)
+        return kept;
     m_originals.push_back(original);
     return Result::success();
 }

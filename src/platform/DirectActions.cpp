@@ -14,12 +14,6 @@ namespace vt {
 
 namespace {
 
-Result refused(const QString& path, const QString& doing, int error)
-{
-    return Result::failure(u"'"_s + path + u"' could not be "_s + doing + u": "_s +
-                           hostfile::errorText(error));
-}
-
 QByteArray hostParent(const QByteArray& host)
 {
     return host.first(qMax<qsizetype>(host.lastIndexOf('/'), 1));
@@ -51,19 +45,19 @@ ResultOf<Fingerprint> DirectActions::place(const QString& path, const Content& c
     if (!host)
         return host.error();
     if (const int error = m_gate.fault("place", *host))
-        return refused(path, u"written"_s, error);
+        return hostfile::refused(path, u"written", error);
 
     struct stat st
     {};
 
     const bool exists = lstat(host->constData(), &st) == 0;
     if (exists && S_ISDIR(st.st_mode))
-        return refused(path, u"written"_s, EISDIR);
+        return hostfile::refused(path, u"written", EISDIR);
 
     const QByteArray folderHost = hostParent(*host);
     const hostfile::Descriptor folder = hostfile::openFolder(folderHost);
     if (!folder.valid())
-        return refused(path, u"written"_s, errno);
+        return hostfile::refused(path, u"written", errno);
     const QByteArray temporary =
         "~vtd" + QByteArray::number(getpid()) + '-' + QByteArray::number(++m_counter) + ".tmp";
     unlinkat(folder.get(), temporary.constData(), 0); // left by a dead process of the same number
@@ -80,7 +74,7 @@ ResultOf<Fingerprint> DirectActions::place(const QString& path, const Content& c
     if (renameat(folder.get(), temporary.constData(), folder.get(), name.constData()) != 0) {
         const int error = errno;
         unlinkat(folder.get(), temporary.constData(), 0);
-        return refused(path, u"written"_s, error);
+        return hostfile::refused(path, u"written", error);
     }
     m_gate.files().noteChanged(path);
     if (m_sync == Sync::Each) {
@@ -101,7 +95,7 @@ Result DirectActions::keep(const QString& from, const QString& to)
     if (!target)
         return target.error();
     if (const int error = m_gate.fault("keep", *target))
-        return refused(from, u"kept"_s, error);
+        return hostfile::refused(from, u"kept", error);
     const Result kept = hostfile::linkOrCopy(
         source, *target, hostfile::Links::Follow, true, m_gate.fault("link", *target));
     m_gate.files().noteChanged(to);
@@ -115,7 +109,7 @@ Result DirectActions::copy(const QString& from, const QString& to)
 {
     const QByteArray source = m_gate.files().hostPath(from);
     if (!m_gate.files().isFile(from))
-        return refused(from, u"copied"_s, ENOENT);
+        return hostfile::refused(from, u"copied", ENOENT);
     const ResultOf<Fingerprint> placed = place(to, hostfile::contentOf(source));
     return placed ? Result::success() : placed.error();
 }
@@ -126,9 +120,9 @@ Result DirectActions::remove(const QString& path)
     if (!host)
         return host.error();
     if (const int error = m_gate.fault("remove", *host))
-        return refused(path, u"deleted"_s, error);
+        return hostfile::refused(path, u"deleted", error);
     if (unlink(host->constData()) != 0 && errno != ENOENT)
-        return refused(path, u"deleted"_s, errno);
+        return hostfile::refused(path, u"deleted", errno);
     m_gate.files().noteChanged(path);
     return Result::success();
 }
@@ -141,7 +135,7 @@ Result DirectActions::makeFolder(const QString& folder)
     if (!host)
         return host.error();
     if (const int error = m_gate.fault("folder", *host))
-        return refused(folder, u"made"_s, error);
+        return hostfile::refused(folder, u"made", error);
     if (Result made = hostfile::makeFolders(*host); !made)
         return Result::failure(u"The folder '"_s + folder + u"' could not be made: "_s + made.text,
                                made.kind);
@@ -156,9 +150,9 @@ Result DirectActions::moveOver(const QString& from, const QString& to)
     if (!source || !target)
         return source ? target.error() : source.error();
     if (const int error = m_gate.fault("rename", *target))
-        return refused(to, u"replaced"_s, error);
+        return hostfile::refused(to, u"replaced", error);
     if (rename(source->constData(), target->constData()) != 0)
-        return refused(to, u"replaced"_s, errno);
+        return hostfile::refused(to, u"replaced", errno);
     if (const hostfile::Descriptor folder = hostfile::openFolder(hostParent(*target));
         folder.valid() && m_sync == Sync::Each)
         fsync(folder.get());
@@ -173,9 +167,9 @@ Result DirectActions::removeEmptyFolder(const QString& folder)
     if (!host)
         return host.error();
     if (const int error = m_gate.fault("remove folder", *host))
-        return refused(folder, u"deleted"_s, error);
+        return hostfile::refused(folder, u"deleted", error);
     if (rmdir(host->constData()) != 0 && errno != ENOENT && errno != ENOTEMPTY && errno != EEXIST)
-        return refused(folder, u"deleted"_s, errno);
+        return hostfile::refused(folder, u"deleted", errno);
     m_gate.files().noteChanged(folder);
     return Result::success();
 }

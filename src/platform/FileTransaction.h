@@ -56,8 +56,8 @@ public:
     /// Carried out at once: a kept copy harms nobody. \a to must lie in an announced kept folder. A
     /// link is kept as the link that it is.
     Result keep(const QString& from, const QString& to) override;
-    /// As keep(), and tells what was kept.
-    ResultOf<Fingerprint> keepPrinted(const QString& from, const QString& to);
+    /// As keep(), at less cost, for a file that is about to be replaced.
+    Result keepReplaced(const QString& from, const QString& to);
     Result copy(const QString& from, const QString& to) override;
     Result remove(const QString& path) override;
     /// As remove(), when the caller knows what the file is to be; another one is left alone.
@@ -128,12 +128,13 @@ private:
     Result openKeptFolder(const QString& from, const QString& to, const QString& folder);
     Result syncStaged();
     void dropUnusedFolders();
-    QString nextStagedName(const char* ending);
+    QString nextStagedName(QLatin1StringView ending);
     QByteArray hostOf(const QString& path, const PendingFile& pending) const;
 
     Gate& m_gate;
     Journal& m_journal;
     qint64 m_operation = 0;
+    QString m_stagedStart; ///< of the names that this operation stages under
     quint64 m_counter = 0;
     bool m_syncEach = true;
     bool m_stagedAny = false;

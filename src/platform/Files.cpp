@@ -2,6 +2,7 @@
 // the folder's listing.
 #include "platform/Files.h"
 
+#include "platform/HostFile.h"
 #include "platform/WinPath.h"
 
 #include <algorithm>
@@ -24,6 +25,10 @@ constexpr qsizetype maxCachedNames = 400'000;
 constexpr qsizetype maxCachedFolders = 100'000;
 /// A folder changed this recently may change again without a new time stamp (coarse clocks).
 constexpr qint64 settlingNs = 100'000'000;
+/// A folder that is looked into this often is kept open: a look then takes its name alone, not the
+/// way through all folders above it.
+constexpr quint32 manyLooks = 4;
+constexpr qsizetype maxOpenFolders = 64;
 
 qint64 nanoseconds(const timespec& t)
 {
@@ -128,10 +133,10 @@ QByteArray Files::spellingIn(const QByteArray& hostFolder, QStringView name) con
     return it == entries.names.cend() ? QByteArray() : it->first();
 }
 
-Files::Resolved Files::resolveFolder(QStringView folder) const
+Files::Resolved& Files::resolveFolder(QStringView folder) const
 {
     const QString key = folder.toString();
-    if (const auto it = m_folders.constFind(key); it != m_folders.cend() && it->epoch == m_epoch)
+    if (const auto it = m_folders.find(key); it != m_folders.end() && it->epoch == m_epoch)
         return *it;
 
     Resolved out;
@@ -140,14 +145,16 @@ Files::Resolved Files::resolveFolder(QStringView folder) const
     if (cut < 0) { // "C:"
         const QString root =
             folder.size() == 2 && folder[1] == u':' ? m_drives.hostRoot(folder[0]) : QString();
-        if (root.isNull())
-            return out; // no such drive: not cached, the host text stays null
+        if (root.isNull()) { // no such drive: not cached, the host text stays null
+            static Resolved unknown;
+            return unknown;
+        }
         out.host = root.isEmpty() ? QByteArray("") : root.toUtf8();
         out.exists = true;
     } else {
-        const Resolved above = resolveFolder(folder.first(cut));
+        Resolved& above = resolveFolder(folder.first(cut));
         if (above.host.isNull())
-            return out;
+            return above;
         const QStringView name = folder.sliced(cut + 1);
         out.host = joinHost(above.host, name.toUtf8());
         if (above.exists) {
@@ -162,13 +169,41 @@ Files::Resolved Files::resolveFolder(QStringView folder) const
             }
         }
     }
-    if (m_folders.size() > maxCachedFolders) {
-        m_folders.clear();
-        m_missingFolders = 0;
-    }
-    m_folders.insert(key, out);
+    if (m_folders.size() > maxCachedFolders)
+        forgetFolders();
     m_missingFolders += out.exists ? 0 : 1;
-    return out;
+    return *m_folders.insert(key, out);
+}
+
+int Files::openedFolder(QStringView folder, Resolved& resolved) const
+{
+    if (resolved.open)
+        return resolved.open->get();
+    if (++resolved.looks < manyLooks || m_openFolders.size() >= maxOpenFolders)
+        return -1;
+    auto opened = std::make_shared<hostfile::Descriptor>(hostfile::openFolder(resolved.host));
+    if (!opened->valid())
+        return -1;
+    resolved.open = std::move(opened);
+    m_openFolders.push_back(folder.toString());
+    return resolved.open->get();
+}
+
+/// A folder that is given another name stays the same folder for who has it open.
+void Files::closeFolders() const
+{
+    for (const QString& folder : std::as_const(m_openFolders)) {
+        if (const auto known = m_folders.find(folder); known != m_folders.end())
+            known->open.reset();
+    }
+    m_openFolders.clear();
+}
+
+void Files::forgetFolders() const
+{
+    m_folders.clear();
+    m_openFolders.clear();
+    m_missingFolders = 0;
 }
 
 std::optional<FileInfo> Files::lookAt(QStringView path, Look look) const
@@ -177,13 +212,20 @@ std::optional<FileInfo> Files::lookAt(QStringView path, Look look) const
         path.chop(1);
     const qsizetype cut = path.lastIndexOf(u'\\');
     if (cut < 0) {
-        const Resolved drive = resolveFolder(path);
-        return drive.exists ? look(drive.host.isEmpty() ? "/" : drive.host, path.toString())
+        const Resolved& drive = resolveFolder(path);
+        return drive.exists ? look(AT_FDCWD,
+                                   drive.host.isEmpty() ? "/" : drive.host.constData(),
+                                   path.toString())
                             : std::nullopt;
     }
-    const Resolved above = resolveFolder(path.first(cut));
+    Resolved& above = resolveFolder(path.first(cut));
     if (!above.exists)
         return std::nullopt;
+    const int open = openedFolder(path.first(cut), above);
+    const auto lookFor = [&](const QByteArray& entry, const QString& name) {
+        return open >= 0 ? look(open, entry.constData(), name)
+                         : look(AT_FDCWD, joinHost(above.host, entry).constData(), name);
+    };
     const QStringView name = path.sliced(cut + 1);
     const QByteArray exact = name.toUtf8();
     // A listing that holds already saves the look at a spelling that is not there.
@@ -192,40 +234,42 @@ std::optional<FileInfo> Files::lookAt(QStringView path, Look look) const
         const auto spellings = held->names.constFind(NoCase{name.toString()});
         if (spellings != held->names.cend() && !spellings->contains(exact)) {
             const QByteArray& own = spellings->first();
-            if (auto found = look(joinHost(above.host, own), QString::fromUtf8(own)))
+            if (auto found = lookFor(own, QString::fromUtf8(own)))
                 return found;
         }
     }
-    if (auto found = look(joinHost(above.host, exact), name.toString()))
+    if (auto found = lookFor(exact, name.toString()))
         return found;
     const QByteArray own = spellingIn(above.host, name);
-    return own.isEmpty() ? std::nullopt : look(joinHost(above.host, own), QString::fromUtf8(own));
+    return own.isEmpty() ? std::nullopt : lookFor(own, QString::fromUtf8(own));
 }
 
 std::optional<FileInfo> Files::info(QStringView path) const
 {
-    return lookAt(path, [](const QByteArray& host, const QString& name) {
+    return lookAt(path, [](int folder, const char* entry, const QString& name) {
         struct stat st
         {};
 
-        return stat(host.constData(), &st) == 0 ? std::optional(infoOf(st, name)) : std::nullopt;
+        return fstatat(folder, entry, &st, 0) == 0 ? std::optional(infoOf(st, name)) : std::nullopt;
     });
 }
 
 std::optional<FileInfo> Files::entry(QStringView path) const
 {
-    return lookAt(path, [](const QByteArray& host, const QString& name) -> std::optional<FileInfo> {
+    const auto look =
+        [](int folder, const char* entry, const QString& name) -> std::optional<FileInfo> {
         struct stat st
         {};
 
-        if (lstat(host.constData(), &st) != 0)
+        if (fstatat(folder, entry, &st, AT_SYMLINK_NOFOLLOW) != 0)
             return std::nullopt;
         FileInfo found = infoOf(st, name);
         found.link = S_ISLNK(st.st_mode);
         if (found.link)
-            found.folder = stat(host.constData(), &st) == 0 && S_ISDIR(st.st_mode);
+            found.folder = fstatat(folder, entry, &st, 0) == 0 && S_ISDIR(st.st_mode);
         return found;
-    });
+    };
+    return lookAt(path, look);
 }
 
 bool Files::exists(QStringView path) const
@@ -250,7 +294,7 @@ QList<FileInfo> Files::list(QStringView folder) const
     QList<FileInfo> out;
     if (folder.endsWith(u'\\'))
         folder.chop(1);
-    const Resolved resolved = resolveFolder(folder);
+    const Resolved& resolved = resolveFolder(folder);
     if (!resolved.exists)
         return out;
     readFolder(resolved.host, [&](const char* name, unsigned char) {
@@ -272,7 +316,7 @@ QStringList Files::names(QStringView folder) const
     QStringList out;
     if (folder.endsWith(u'\\'))
         folder.chop(1);
-    const Resolved resolved = resolveFolder(folder);
+    const Resolved& resolved = resolveFolder(folder);
     if (resolved.exists)
         readFolder(resolved.host, [&](const char* name, unsigned char) {
             out.push_back(QString::fromUtf8(name));
@@ -285,7 +329,7 @@ QList<std::pair<QString, bool>> Files::namesAndKinds(QStringView folder) const
     QList<std::pair<QString, bool>> out;
     if (folder.endsWith(u'\\'))
         folder.chop(1);
-    const Resolved resolved = resolveFolder(folder);
+    const Resolved& resolved = resolveFolder(folder);
     if (!resolved.exists)
         return out;
     readFolder(resolved.host, [&](const char* name, unsigned char type) {
@@ -305,7 +349,7 @@ QStringList Files::filesBelow(QStringView folder, qsizetype limit) const
     QStringList out;
     if (folder.endsWith(u'\\'))
         folder.chop(1);
-    const Resolved top = resolveFolder(folder);
+    const Resolved& top = resolveFolder(folder);
     if (!top.exists)
         return out;
     QList<std::pair<QByteArray, QString>> waiting = {{top.host, QString()}};
@@ -364,10 +408,10 @@ QByteArray Files::hostPath(QStringView path) const
         path.chop(1);
     const qsizetype cut = path.lastIndexOf(u'\\');
     if (cut < 0) {
-        const Resolved drive = resolveFolder(path);
+        const Resolved& drive = resolveFolder(path);
         return drive.host.isNull() ? QByteArray() : (drive.host.isEmpty() ? "/" : drive.host);
     }
-    const Resolved above = resolveFolder(path.first(cut));
+    const Resolved& above = resolveFolder(path.first(cut));
     if (above.host.isNull())
         return {};
     const QStringView name = path.sliced(cut + 1);
@@ -432,7 +476,7 @@ QList<QStringList> Files::twins(QStringView folder) const
     QList<QStringList> out;
     if (folder.endsWith(u'\\'))
         folder.chop(1);
-    const Resolved resolved = resolveFolder(folder);
+    const Resolved& resolved = resolveFolder(folder);
     if (!resolved.exists)
         return out;
     for (const QList<QByteArray>& spellings : listing(resolved.host).names) {
@@ -452,6 +496,7 @@ QList<QStringList> Files::twins(QStringView folder) const
 void Files::newOperation()
 {
     ++m_epoch;
+    closeFolders();
 }
 
 void Files::noteChanged(QStringView path)
@@ -461,11 +506,11 @@ void Files::noteChanged(QStringView path)
     const qsizetype cut = path.lastIndexOf(u'\\');
     if (cut < 0)
         return;
+    closeFolders();
     const auto above = m_folders.constFind(path.first(cut).toString());
     // A folder that was remembered as missing, in whatever spelling, may have come to life.
     if (m_missingFolders > 0 || above == m_folders.cend()) {
-        m_folders.clear();
-        m_missingFolders = 0;
+        forgetFolders();
         m_listings.clear();
         m_cachedNames = 0;
         return;

@@ -11,11 +11,17 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
+#include <memory>
 #include <optional>
 #include <utility>
 
 namespace vt {
+
+namespace hostfile {
+class Descriptor;
+}
 
 /// One file or folder as it lies on the disk.
 struct FileInfo
@@ -87,6 +93,8 @@ private:
         QByteArray host;
         bool exists = false;
         quint64 epoch = 0;
+        quint32 looks = 0;                          ///< how often something was looked for in it
+        std::shared_ptr<hostfile::Descriptor> open; ///< set while it is kept open
     };
 
     struct Listing
@@ -97,10 +105,15 @@ private:
         QHash<NoCase, QList<QByteArray>> names;
     };
 
-    /// \a folder without its trailing "\".
-    Resolved resolveFolder(QStringView folder) const;
-    using Look = std::optional<FileInfo> (*)(const QByteArray& host, const QString& name);
+    /// \a folder without its trailing "\". Valid until the next call.
+    Resolved& resolveFolder(QStringView folder) const;
+    /// Looks at an entry of an open folder (or AT_FDCWD and a full path).
+    using Look = std::optional<FileInfo> (*)(int folder, const char* entry, const QString& name);
     std::optional<FileInfo> lookAt(QStringView path, Look look) const;
+    /// The folder for the ...at calls, where looks at it are so many that it is kept open; or -1.
+    int openedFolder(QStringView folder, Resolved& resolved) const;
+    void closeFolders() const;
+    void forgetFolders() const;
     /// The entry's own spelling inside a host folder, empty when there is none.
     QByteArray spellingIn(const QByteArray& hostFolder, QStringView name) const;
     const Listing& listing(const QByteArray& hostFolder) const;
@@ -109,6 +122,7 @@ private:
     const DriveTable& m_drives;
     quint64 m_epoch = 1;
     mutable QHash<QString, Resolved> m_folders; ///< by their spelling: twins are told apart
+    mutable QStringList m_openFolders;          ///< those in m_folders that are kept open
     mutable qsizetype m_missingFolders = 0;     ///< those in m_folders that do not exist
     mutable QHash<QByteArray, Listing> m_listings;
     mutable qsizetype m_cachedNames = 0;

@@ -6,6 +6,7 @@
 #include "platform/Hash.h"
 #include "platform/WinPath.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <sys/stat.h>
@@ -16,6 +17,8 @@ using namespace Qt::StringLiterals;
 namespace vt {
 
 namespace {
+
+constexpr qsizetype maxPlacedFolders = 4096;
 
 /// The folder with all links resolved; null when it does not exist.
 QByteArray canonicalFolder(const QByteArray& host)
@@ -44,6 +47,11 @@ Result refusal(const QString& path, const OuterLink& out, const QString& root)
                       u"', to '"_s + out.target + u"', and was not confirmed."_s));
 }
 
+Result refusedName(QStringView path, const Result& why)
+{
+    return Result::failure(u"'"_s + path.toString() + u"' was refused. "_s + why.text);
+}
+
 } // namespace
 
 void Gate::setRoot(RootId id, const QString& folder)
@@ -52,6 +60,7 @@ void Gate::setRoot(RootId id, const QString& folder)
     if (clean.isEmpty())
         return;
     m_insideFolders.clear();
+    m_placedFolders.clear();
     if (id != RootId::Chosen) {
         for (Root& root : m_roots) {
             if (root.id == id) {
@@ -93,6 +102,34 @@ const Gate::Root* Gate::covering(QStringView path) const
 
 ResultOf<Place> Gate::place(QStringView path) const
 {
+    // Of a second file in one folder only the name is new.
+    const qsizetype cut = path.lastIndexOf(u'\\');
+    const QString folder = path.first(cut + 1).toString();
+    const QStringView name = path.sliced(cut + 1);
+    const auto known = m_placedFolders.constFind(folder);
+    if (!name.isEmpty() && known != m_placedFolders.cend()) {
+        if (Result checked = winpath::checkComponent(name); !checked)
+            return refusedName(path, checked);
+        Place place = *known;
+        place.relative.reserve(place.relative.size() + name.size());
+        place.relative += name;
+        return place;
+    }
+    ResultOf<Place> found = placeAnew(path);
+    const auto liesBelowFolder = [&folder](const Root& root) {
+        return root.folder.size() > folder.size() && winpath::isBelow(root.folder, folder);
+    };
+    if (found && !name.isEmpty() &&
+        std::none_of(m_roots.cbegin(), m_roots.cend(), liesBelowFolder)) {
+        if (m_placedFolders.size() >= maxPlacedFolders)
+            m_placedFolders.clear();
+        m_placedFolders.insert(folder, {found->root, found->relative.chopped(name.size())});
+    }
+    return found;
+}
+
+ResultOf<Place> Gate::placeAnew(QStringView path) const
+{
     const Root* root = covering(path);
     if (!root)
         return Result::failure(
@@ -103,7 +140,7 @@ ResultOf<Place> Gate::place(QStringView path) const
         relative.chop(1);
     if (!relative.isEmpty()) {
         if (Result checked = winpath::checkRelative(relative); !checked)
-            return Result::failure(u"'"_s + path.toString() + u"' was refused. "_s + checked.text);
+            return refusedName(path, checked);
     }
     return Place{root->id, relative};
 }

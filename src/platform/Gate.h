@@ -8,6 +8,7 @@
 #include "platform/Result.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -111,11 +112,14 @@ private:
     };
 
     const Root* covering(QStringView path) const;
+    ResultOf<Place> placeAnew(QStringView path) const;
     std::optional<OuterLink>
     linkOut(const Root& root, QStringView folder, const QByteArray& host) const;
 
     Files& m_files;
     QList<Root> m_roots;
+    /// By folder, with its trailing "\"; in the places it stays, but for the root itself.
+    mutable QHash<QString, Place> m_placedFolders;
     mutable QSet<QByteArray> m_insideFolders; ///< host folders already seen to lie inside
     mutable quint64 m_insideEpoch = 0;        ///< of the files, when they were seen
 };

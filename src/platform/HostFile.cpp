@@ -279,6 +279,13 @@ QString withCause(const QString& what, const QString& why)
     return what + (sentence ? u". "_s : u": "_s) + why;
 }
 
+Result refused(const QString& path, QStringView doing, int error)
+{
+    return Result::failure(u"'"_s + path + u"' could not be "_s + doing.toString() + u": "_s +
+                               errorText(error),
+                           error == ENOSPC ? ErrorKind::DiskFull : ErrorKind::Failed);
+}
+
 Descriptor openFolder(const QByteArray& host)
 {
     return Descriptor(open(host.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -500,40 +507,6 @@ ResultOf<Fingerprint> fingerprint(const QByteArray& host)
         return read;
     print.size = total;
     print.modifiedNs = content.modifiedNs;
-    print.xxh3 = hash.result();
-    return print;
-}
-
-std::optional<Fingerprint> fingerprintAt(int folder, const QByteArray& name, const Breath& breath)
-{
-    const Descriptor file(
-        openat(folder, name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
-
-    struct stat st
-    {};
-
-    if (!file.valid() || fstat(file.get(), &st) != 0 || !S_ISREG(st.st_mode))
-        return std::nullopt;
-    PassingHash hash(st.st_size);
-    static thread_local std::vector<char> piece(readPiece);
-    while (true) {
-        const ssize_t n = read(file.get(), piece.data(), piece.size());
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0)
-            return std::nullopt;
-        if (n > 0)
-            hash.add({piece.data(), n});
-        if (breath)
-            breath();
-        if (n < ssize_t(piece.size()) && hash.total() >= st.st_size)
-            break; // a file ends in a short read
-        if (n == 0)
-            break;
-    }
-    Fingerprint print;
-    print.size = hash.total();
-    print.modifiedNs = nsOf(st.st_mtim);
     print.xxh3 = hash.result();
     return print;
 }

@@ -49,6 +49,9 @@ private:
 /// sentence of its own.
 [[nodiscard]] QString withCause(const QString& what, const QString& why);
 
+/// "'<path>' could not be <doing>: <why>"; a full disk is told apart.
+[[nodiscard]] Result refused(const QString& path, QStringView doing, int error);
+
 /// Opens a folder for use with the ...at calls.
 [[nodiscard]] Descriptor openFolder(const QByteArray& host);
 
@@ -103,9 +106,5 @@ syncFileSystem(const QByteArray& host, int fault = 0, const Breath& breath = {})
 
 /// Size, time and hash of a file, read in pieces; of a link itself.
 [[nodiscard]] ResultOf<Fingerprint> fingerprint(const QByteArray& host);
-
-/// Of an ordinary file in an open folder; nothing when it is none, is missing or cannot be read.
-[[nodiscard]] std::optional<Fingerprint>
-fingerprintAt(int folder, const QByteArray& name, const Breath& breath = {});
 
 } // namespace vt::hostfile

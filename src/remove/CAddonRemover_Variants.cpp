@@ -105,7 +105,7 @@ Result CAddonRemover::removeVariantsFrom(const QString& file)
     };
 
     auto own = std::find_if(m_files.begin(), m_files.end(), [&](const File& one) {
-        return winpath::same(one.detail.location + one.detail.name, file);
+        return winpath::same(one.path, file);
     });
     const QList<DetailRecord> sharers = m_sharers.at(file);
     const bool top = own != m_files.end() &&
@@ -232,7 +232,7 @@ Result CAddonRemover::noteEdited(const DetailRecord& owner, const FileInfo& befo
 Result CAddonRemover::editKept(const DetailRecord& owner, const QStringList& sections)
 {
     Services& services = m_context.services;
-    auto original = modDatabase_Addon::originalOf(m_database, owner.key);
+    const auto original = modDatabase_Addon::originalOf(m_database, owner.key);
     if (!original || original->keptFile.isEmpty())
         return Result::success();
     const QString kept = m_context.global.originalsFolder + original->keptFile;
@@ -247,13 +247,7 @@ Result CAddonRemover::editKept(const DetailRecord& owner, const QStringList& sec
     aircraftsections::take(lines, there);
     if (const auto ordered = aircraftsections::reorder(lines); !ordered)
         return ordered.error();
-    const QByteArray edited = lines.joined();
-    if (Result written = m_actions->replace(kept, edited); !written)
-        return written;
-    original->size = edited.size();
-    original->hash = xxh3(edited);
-    m_newOriginals.append(*original);
-    return Result::success();
+    return m_actions->replace(kept, lines.joined());
 }
 
 void CAddonRemover::forgetConfigBase(const QString& file)
@@ -291,10 +285,6 @@ Result CAddonRemover::recordVariants()
         if (Result gone = aircraft->Variant_Remove_UpdateDatabase(m_database, changed); !gone)
             return gone;
     }
-    for (const OriginalRecord& original : std::as_const(m_newOriginals)) {
-        if (Result written = modDatabase_Addon::setOriginal(m_database, original); !written)
-            return written;
-    }
     // Rows of whole aircraft and panels that go.
     for (const File& file : m_files) {
         if (!takesAway())
@@ -302,8 +292,8 @@ Result CAddonRemover::recordVariants()
         if (file.outcome != RemovalOutcome::Removed ||
             !equalNoCase(file.detail.name, u"aircraft.cfg"))
             continue;
-        if (Result gone = modDatabase_Addon::deleteItemDetail(
-                m_database, ItemTable::Aircraft, file.detail.location + file.detail.name);
+        if (Result gone =
+                modDatabase_Addon::deleteItemDetail(m_database, ItemTable::Aircraft, file.path);
             !gone)
             return gone;
     }

@@ -133,7 +133,7 @@ private Q_SLOTS:
         }
         checks[1].modifiedNs -= 1'000'000'000; // another time, the same bytes
         QVERIFY(addDetails(m_world->database, addon.key, details, checks).ok());
-        QVERIFY(addOriginals(m_world->database, {{details[1].key, addon.key, u"x"_s, 1, {}}}));
+        QVERIFY(addOriginals(m_world->database, {{details[1].key, addon.key, u"x"_s}}));
         m_world->put("54321", u"edited"_s);
         checks[2].modifiedNs -= 1'000'000'000;
         QVERIFY(setCheck(m_world->database, details[2].key, checks[2]));

@@ -33,7 +33,7 @@ struct FilledWorld : CliFixture
             QVERIFY(modDatabase_Addon::addSceneryAreas(
                 *opened.connection,
                 {{town, 3, 120, true, 121, u"Addon Scenery\\Town"_s, u"Town"_s, {}}}));
-            QVERIFY(modDatabase_Addon::addOriginals(*opened.connection, {{2, jet, u"k"_s, 1, {}}}));
+            QVERIFY(modDatabase_Addon::addOriginals(*opened.connection, {{2, jet, u"k"_s}}));
         }();
     }
 

@@ -111,6 +111,8 @@ void UsedFiles::add(ConfigIndex config)
 
 QList<ConfigIndex> UsedFiles::usersOf(const QString& path) const
 {
+    if (m_files.isEmpty() && m_gauges.isEmpty())
+        return {};
     const QString wanted = winpath::normalised(path);
     QList<ConfigIndex> out = m_files.value(NoCase{wanted});
     if (isGaugeFile(wanted))

@@ -55,10 +55,7 @@ Terminal::Terminal(GlobalOptions options)
       m_prompts(console::inputIsTerminal() && console::errorIsTerminal(),
                 m_options.answer,
                 [this] { beforeOutput(); }),
-      m_stream([this](QByteArrayView bytes) {
-          if (m_options.json)
-              console::output(bytes);
-      })
+      m_stream(m_options.json ? JsonStream::Sink(&console::output) : JsonStream::Sink())
 {}
 
 void Terminal::beforeOutput()
@@ -101,6 +98,8 @@ void World::say(const QString& line)
 
 void World::say(const Results& results)
 {
+    if (m_options.json)
+        return;
     for (const Results::Group& group : results.groups()) {
         if (group.entries.empty())
             continue;

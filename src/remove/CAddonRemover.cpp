@@ -13,6 +13,9 @@
 #include "shell/Settings.h"
 #include "simconfig/CSceneryCfgMgr.h"
 
+#include <algorithm>
+#include <iterator>
+
 using namespace Qt::StringLiterals;
 
 namespace vt {
@@ -172,14 +175,35 @@ Result CAddonRemover::loadRecords()
     for (const QString& path : std::as_const(m_options.files))
         wanted.insert(NoCase{path});
     for (const DetailRecord& detail : *details) {
-        if (m_options.files.isEmpty() || wanted.remove(NoCase{detail.location + detail.name}))
-            m_files.push_back({detail, RemovalOutcome::Removed});
+        const QString path = detail.location + detail.name;
+        if (m_options.files.isEmpty() || wanted.remove(NoCase{path}))
+            m_files.push_back({detail, path});
     }
     if (!wanted.isEmpty())
         return Result::failure(u"'"_s + wanted.cbegin()->text + u"' is no file of '"_s +
                                m_record.name + u"'; 'show' lists those that are."_s);
     m_whole = qsizetype(m_files.size()) == m_details.size();
+    sortByFolders();
     return Result::success();
+}
+
+/// Folder by folder, in the order in which they were first installed to: archives often name a file
+/// of one folder after a file of another, and neighbours are done at less cost.
+void CAddonRemover::sortByFolders()
+{
+    QHash<QString, size_t> known;
+    std::vector<std::vector<File>> folders;
+    for (File& file : m_files) {
+        auto folder = known.constFind(file.detail.location);
+        if (folder == known.cend()) {
+            folder = known.insert(file.detail.location, folders.size());
+            folders.emplace_back();
+        }
+        folders[*folder].push_back(std::move(file));
+    }
+    m_files.clear();
+    for (std::vector<File>& folder : folders)
+        std::move(folder.begin(), folder.end(), std::back_inserter(m_files));
 }
 
 Result CAddonRemover::AddonDatabase_Open()
@@ -356,7 +380,7 @@ bool CAddonRemover::goesRow(qint64 detailKey) const
 Result CAddonRemover::Pictures_Delete()
 {
     for (const File& file : m_files) {
-        const QString path = file.detail.location + file.detail.name;
+        const QString& path = file.path;
         if (takesAway() && file.outcome == RemovalOutcome::Removed &&
             (equalNoCase(file.detail.name, u"aircraft.cfg") ||
              equalNoCase(file.detail.name, u"panel.cfg")) &&

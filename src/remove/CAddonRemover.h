@@ -94,6 +94,7 @@ private:
     struct File
     {
         DetailRecord detail;
+        QString path; ///< full
         RemovalOutcome outcome = RemovalOutcome::Removed;
         bool editedInPlace = false; ///< our part went out of it, the file itself stays
     };
@@ -151,6 +152,7 @@ private:
     [[nodiscard]] bool takesAway() const;
     [[nodiscard]] bool goesRow(qint64 detailKey) const;
     Result loadRecords();
+    void sortByFolders();
     Result noteEdited(const DetailRecord& owner, const FileInfo& before);
     // CAddonRemover_Cabinet.cpp
     Result findTarget();
@@ -238,7 +240,6 @@ private:
     Traffic m_traffic;
     QList<VariantTold> m_variantResults; ///< told once everything is in its place
     std::vector<std::pair<std::unique_ptr<CAircraft>, CAircraft::VariantsChanged>> m_variantsGone;
-    QList<OriginalRecord> m_newOriginals; ///< of other add-ons' rows
     partreferences::Going m_going;
     QList<PartReference> m_references;
     QList<RepointedFile> m_repointed;

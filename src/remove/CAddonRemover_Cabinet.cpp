@@ -90,7 +90,7 @@ bool CAddonRemover::moves() const
 /// that was installed over it keeps of it. Empty when there is none.
 QString CAddonRemover::ownVersion(const File& file, const std::optional<FileInfo>& now)
 {
-    const QString path = file.detail.location + file.detail.name;
+    const QString& path = file.path;
     for (const DetailRecord& other : m_sharers.at(path)) {
         if (other.key < file.detail.key)
             continue;
@@ -106,7 +106,7 @@ QString CAddonRemover::ownVersion(const File& file, const std::optional<FileInfo
 /// Notes what goes along; into a folder it is copied at once.
 Result CAddonRemover::collect(File& file, const QString& from)
 {
-    const QString path = file.detail.location + file.detail.name;
+    const QString& path = file.path;
     CabinetFile collected{path, from};
     if (m_options.method != RemovalMethod::FileCabinet && !m_options.zip)
         return recreate(collected);
@@ -275,7 +275,7 @@ Result CAddonRemover::emptyCabinet()
     QStringList paths;
     for (const File& file : m_files) {
         if (file.outcome != RemovalOutcome::Failed)
-            paths.append(file.detail.location + file.detail.name);
+            paths.append(file.path);
     }
     FileCabinet cabinet(m_context.services, m_context.global);
     return cabinet.takeOut(*m_actions, m_archive, paths);
@@ -284,7 +284,7 @@ Result CAddonRemover::emptyCabinet()
 /// A file of an add-on that is in the File Cabinet: the simulator is not concerned.
 Result CAddonRemover::processStored(File& file)
 {
-    const QString path = file.detail.location + file.detail.name;
+    const QString& path = file.path;
     if (m_options.method == RemovalMethod::RemoveRecords)
         return Result::success();
     if (!m_stored || !m_stored->holds(path)) {
@@ -331,7 +331,7 @@ void CAddonRemover::leaveRecordsOnly()
         const auto kept = m_originals.constFind(file.detail.key);
         if (kept != m_originals.cend() && !kept->keptFile.isEmpty())
             m_results.add(resultgroup::specialActions,
-                          file.detail.location + file.detail.name,
+                          file.path,
                           u" had replaced a file, which is still kept as '"_s +
                               m_context.global.originalsFolder + kept->keptFile + u"'."_s);
     }

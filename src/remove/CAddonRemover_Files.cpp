@@ -88,7 +88,7 @@ Result CAddonRemover::RemoveFiles()
                 return Result::failure(removed.text + u" Nothing was removed."_s, removed.kind);
             file.outcome = RemovalOutcome::Failed;
             m_anyFailed = true;
-            const QString path = file.detail.location + file.detail.name;
+            const QString& path = file.path;
             m_context.errors.report(u"Private Sub RemoveFile"_s, path + u": "_s + removed.text);
             m_results.addCause(path, removed.text);
             if (const ResultOf<Place> place = m_context.services.gate.place(path))
@@ -147,7 +147,7 @@ void CAddonRemover::findUsers()
     QStringList asked;
     m_going.masterKey = m_masterKey;
     for (const File& file : m_files) {
-        const QString path = file.detail.location + file.detail.name;
+        const QString& path = file.path;
         m_going.files.insert(NoCase{path});
         if (mayBeUsed(m_context.global, path))
             asked.append(path);
@@ -176,7 +176,7 @@ bool CAddonRemover::isUsedByOthers(const QString& path) const
 
 Result CAddonRemover::RemoveFile(File& file)
 {
-    const QString path = file.detail.location + file.detail.name;
+    const QString& path = file.path;
     status(u"Processing '"_s + file.detail.name + u"'..."_s);
     m_log.line(QString(u"Removing file "_s + path + u" using method "_s +
                        QString::number(int(m_options.method))));
@@ -217,16 +217,18 @@ Result CAddonRemover::RemoveFile(File& file)
 Result CAddonRemover::releaseFile(File& file, const std::optional<FileInfo>& now)
 {
     const DetailRecord& detail = file.detail;
-    const QString path = detail.location + detail.name;
+    const QString& path = file.path;
     const auto kept = m_originals.constFind(detail.key);
     if (file.editedInPlace) {
         const QString keptPath = m_context.global.originalsFolder + kept->keptFile;
         m_keptFolders.insert(NoCase{winpath::parent(keptPath)});
         return m_actions->remove(keptPath);
     }
-    const QString depends = u"   "_s + path + u" has another addon(s) that depend on it"_s;
+    const auto logDependence = [&] {
+        m_log.line(QString(u"   "_s + path + u" has another addon(s) that depend on it"_s));
+    };
     if (now && kept == m_originals.cend() && isUsedByOthers(path)) {
-        m_log.line(depends);
+        logDependence();
         file.outcome = RemovalOutcome::KeptForOthers;
         return Result::success();
     }
@@ -236,7 +238,7 @@ Result CAddonRemover::releaseFile(File& file, const std::optional<FileInfo>& now
     if (!release)
         return release.error();
     if (release->shared) {
-        m_log.line(depends);
+        logDependence();
         file.outcome = RemovalOutcome::KeptForOthers;
     } else if (!now) {
         file.outcome = RemovalOutcome::Missing;
@@ -253,7 +255,7 @@ Result CAddonRemover::releaseFile(File& file, const std::optional<FileInfo>& now
 
 void CAddonRemover::tellRelease(const File& file, const originals::Release& release)
 {
-    const QString path = file.detail.location + file.detail.name;
+    const QString& path = file.path;
     if (release.fate == originals::Fate::Restored) {
         m_log.line(u"Moving back Original file that this file replaced.");
         if (release.shared)
@@ -274,7 +276,7 @@ void CAddonRemover::tellRelease(const File& file, const originals::Release& rele
 
 void CAddonRemover::tellFile(const File& file)
 {
-    const QString path = file.detail.location + file.detail.name;
+    const QString& path = file.path;
     const bool kept = file.outcome == RemovalOutcome::KeptForOthers;
     m_anyFailed = m_anyFailed || file.outcome == RemovalOutcome::Failed;
     const RemovalMethod method = m_options.method;
@@ -300,7 +302,7 @@ void CAddonRemover::tellFiles(const QList<StepFailure>& failures)
                                 failure.path + u": "_s + failure.text);
     }
     for (File& file : m_files) {
-        const QString path = file.detail.location + file.detail.name;
+        const QString& path = file.path;
         if (const QString* why = failed.find(path)) {
             file.outcome = RemovalOutcome::Failed;
             m_results.addCause(path, *why);

@@ -84,7 +84,8 @@ inline char* escaped(char* to, QStringView text, qsizetype& i)
 
 JsonStream::JsonStream(Sink sink) : m_sink(std::move(sink))
 {
-    m_buffer.resize(pieceSize + 4096);
+    if (m_sink)
+        m_buffer.resize(pieceSize + 4096);
 }
 
 JsonStream::~JsonStream()
@@ -94,7 +95,7 @@ JsonStream::~JsonStream()
 
 void JsonStream::flush()
 {
-    if (m_used > 0)
+    if (m_used > 0 && m_sink)
         m_sink(QByteArrayView(m_buffer.data(), m_used));
     m_used = 0;
 }
@@ -108,6 +109,8 @@ char* JsonStream::room(qsizetype bytes)
 
 void JsonStream::put(char c)
 {
+    if (!m_sink)
+        return;
     *room(1) = c;
     ++m_used;
 }
@@ -130,6 +133,8 @@ void JsonStream::before()
 void JsonStream::raw(QByteArrayView bytes)
 {
     before();
+    if (!m_sink)
+        return;
     std::memcpy(room(bytes.size()), bytes.data(), size_t(bytes.size()));
     m_used += bytes.size();
     if (m_levels.empty())
@@ -264,6 +269,8 @@ void JsonStream::tree(const QJsonValue& content)
 
 void JsonStream::quoted(QStringView text)
 {
+    if (!m_sink)
+        return;
     // Room for the worst case once, so that the loop only stores: six bytes a UTF-16 unit.
     char* const first = room(text.size() * 6 + 2);
     char* to = first;

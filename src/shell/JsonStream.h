@@ -20,6 +20,8 @@ public:
     /// Takes the next piece of UTF-8.
     using Sink = std::function<void(QByteArrayView)>;
 
+    /// Without a sink nobody reads the document: it is not written, and only its nesting is
+    /// checked.
     explicit JsonStream(Sink sink);
     ~JsonStream();
     JsonStream(const JsonStream&) = delete;
@@ -70,6 +72,9 @@ public:
 
     /// A member {"error": {"text", "kind"}} of the object that is open.
     void error(const QString& text, const QString& kind);
+
+    /// Whether somebody reads the document.
+    [[nodiscard]] bool wanted() const { return bool(m_sink); }
 
     /// Whether anything was written.
     [[nodiscard]] bool begun() const { return m_begun; }

@@ -101,8 +101,10 @@ void Results::write(JsonStream& json) const
     json.beginObject();
     for (const Group& group : m_groups) {
         json.beginArray(group.name);
-        for (const Entry& entry : group.entries)
-            json.value(entry.text());
+        if (json.wanted()) {
+            for (const Entry& entry : group.entries)
+                json.value(entry.text());
+        }
         json.endArray();
     }
     json.endObject();

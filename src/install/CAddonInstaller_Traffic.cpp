@@ -32,10 +32,7 @@ Result CAddonInstaller::FlightPlans_Incorporate()
     m_traffic.wanted = true;
     m_traffic.target = m_context.global.names.simLong;
     CTrafficTools tools(m_context);
-    // Where there is no tool for this simulator, nobody is asked for one.
-    Result done = tools.Sources_Available();
-    if (done)
-        done = tools.Tool_Locate();
+    Result done = tools.Tool_Locate();
     // Without it the files are documents, which is no failure.
     m_traffic.optional = done.kind == ErrorKind::Surroundings;
     if (done) {

@@ -26,8 +26,7 @@ trafficChanges(const CAddonInstallationDetails& details, Context& context, QStri
 {
     QList<ConfigChange> changes;
     CTrafficTools tools(context);
-    const bool any =
-        details.holds(MappedGroup::TrafficTools) && tools.names().hasSources() && tools.Tool_Find();
+    const bool any = details.holds(MappedGroup::TrafficTools) && tools.Tool_Find();
     if (!any)
         return changes;
     const AnsiCodec& ansi = context.services.ansi;

@@ -60,7 +60,7 @@ Result CAddonRemover::FlightPlans_Remove()
 {
     CTrafficTools tools(m_context);
     if (!(m_record.categories & Category::AI_Flight_Plans) || !allFlightPlansGo() ||
-        !tools.names().hasSources() || !tools.Tool_Find())
+        !tools.Tool_Find())
         return Result::success(); // they were never incorporated, or are gone with the tool
     Result done = tools.Sources_Read(*m_actions, CTrafficTools::Missing::Ignore);
     if (done && !tools.sources().record.find(m_masterKey))

@@ -35,11 +35,11 @@ Result fileFailure(const QString& file, const QString& what, const Result& why)
 TrafficNames TrafficNames::of(int generation)
 {
     TrafficNames names;
-    if (generation != FS2004)
-        return names;
-    names.stamp = u"030528"_s;
+    names.stamp = generation == FS2004 ? u"030528"_s : QString();
     for (const TrafficKind kind : trafficKinds)
         names.files[int(kind)] = trafficBaseName(kind) + names.stamp + u".txt"_s;
+    if (generation != FS2004)
+        return names;
     names.collectedAirports = u"Airports_FS2004.txt"_s;
     names.convertSwitch = u" /t4"_s;
     names.collectSwitch = u" /c4"_s;
@@ -84,22 +84,12 @@ void CTrafficTools::status(const QString& text)
 
 QString CTrafficTools::sourceFile(TrafficKind kind) const
 {
-    return m_names.file(kind).isEmpty() ? QString() : m_folder + m_names.file(kind);
+    return m_folder + m_names.file(kind);
 }
 
 QString CTrafficTools::dataFile() const
 {
     return m_folder + u"VT A.I. Flight Plans Data File.txt"_s;
-}
-
-Result CTrafficTools::Sources_Available() const
-{
-    if (m_names.hasSources())
-        return Result::success();
-    return Result::failure(u"Traffic Tools has no source files for "_s +
-                               m_context.global.names.simLong +
-                               u": it makes traffic for Flight Simulator 2004."_s,
-                           ErrorKind::Surroundings);
 }
 
 ResultOf<CTrafficTools::ReadFile> CTrafficTools::read(FileActions& actions,
@@ -142,8 +132,6 @@ Result CTrafficTools::readSource(FileActions& actions, TrafficKind kind, Missing
 Result CTrafficTools::Sources_Read(FileActions& actions, Missing missing)
 {
     status(u"Reading flight plans..."_s);
-    if (Result any = Sources_Available(); !any)
-        return any;
     const ResultOf<ReadFile> data = read(actions, dataFile());
     if (!data)
         return fileFailure(dataFile(), u" could not be read."_s, data.error());

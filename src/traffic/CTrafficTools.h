@@ -20,19 +20,16 @@ namespace vt {
 struct OutsideTool;
 
 /// Names and switches by the simulator's generation. The tool knows one generation alone: for the
-/// others there are no source files, and their names are empty.
+/// others its source files have no stamp, and it is run without its switches.
 struct TrafficNames
 {
-    QString stamp;                   ///< "030528"
+    QString stamp;                   ///< "030528", or empty
     QString files[trafficKindCount]; ///< by TrafficKind: "FlightPlans030528.txt"
-    QString collectedAirports;       ///< "Airports_FS2004.txt"
-    QString convertSwitch;           ///< " /t4"
-    QString collectSwitch;           ///< " /c4"
+    QString collectedAirports;       ///< "Airports_FS2004.txt", or empty
+    QString convertSwitch;           ///< " /t4", or empty
+    QString collectSwitch;           ///< " /c4", or empty
 
     [[nodiscard]] static TrafficNames of(int generation);
-
-    /// Whether there are source files at all.
-    [[nodiscard]] bool hasSources() const { return !stamp.isEmpty(); }
 
     [[nodiscard]] const QString& file(TrafficKind kind) const { return files[int(kind)]; }
 };
@@ -71,8 +68,6 @@ public:
 
     // The source files, after one of the above.
 
-    /// Kind Surroundings where the generation has no source files.
-    [[nodiscard]] Result Sources_Available() const;
     /// Full path; empty where the generation has no such file.
     [[nodiscard]] QString sourceFile(TrafficKind kind) const;
     [[nodiscard]] QString dataFile() const;

@@ -70,7 +70,7 @@ Result CTrafficTools::Sources_Compile()
     const QString failure = u"Could not compile source files."_s;
     for (const TrafficKind kind : trafficKinds) {
         const QString file = sourceFile(kind);
-        if (!file.isEmpty() && !m_context.services.files.isFile(file))
+        if (!m_context.services.files.isFile(file))
             return failed(failure, u"'"_s + file + u"' was not found."_s);
     }
     return run(u"TTools.exe"_s, compileArguments(m_names), compileTimeoutMs, failure);
@@ -88,7 +88,7 @@ Result CTrafficTools::Sources_Create()
         return ran;
     for (const TrafficKind kind : trafficKinds) {
         const QString file = sourceFile(kind);
-        if (!file.isEmpty() && FileStamp::of(actions, file) == before[int(kind)])
+        if (FileStamp::of(actions, file) == before[int(kind)])
             return failed(failure,
                           u"Traffic Tools ended without an error, but did not write '"_s + file +
                               u"'."_s);
@@ -161,8 +161,8 @@ PlanSurroundings CTrafficTools::surroundings(const QList<QByteArray>& aircraft,
 {
     const AnsiCodec& ansi = m_context.services.ansi;
     PlanSurroundings out;
-    out.aircraftFile = trafficBaseName(TrafficKind::Aircraft) + m_names.stamp + u".txt"_s;
-    out.airportsFile = trafficBaseName(TrafficKind::Airports) + m_names.stamp + u".txt"_s;
+    out.aircraftFile = m_names.file(TrafficKind::Aircraft);
+    out.airportsFile = m_names.file(TrafficKind::Airports);
     for (const QByteArray& line : aircraft) {
         const auto one = CAIAircraft::ofLine(ansi.decode(line));
         if (one && !out.aircraft.contains(one->lngNumber))

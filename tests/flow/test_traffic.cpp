@@ -16,19 +16,19 @@ using namespace vt::test;
 
 namespace {
 
-/// The tools know one generation alone.
-void as2004(FlowWorld& world)
+void asGeneration(FlowWorld& world, int generation)
 {
-    world.global.setGeneration(FS2004);
+    world.global.setGeneration(generation);
     world.global.setSimulatorFolder(world.demo.simulatorFolder);
     world.global.sceneryCfgFile = world.demo.allUsersFolder + u"Scenery.cfg"_s;
 }
 
 struct TrafficWorld
 {
-    TrafficWorld() : world(dir.path())
+    explicit TrafficWorld(int generation = FS2004)
+        : world(dir.path()), stamp(generation == FS2004 ? u"030528"_s : QString())
     {
-        as2004(world);
+        asGeneration(world, generation);
         if (!world.start())
             qFatal("the world does not start");
     }
@@ -36,13 +36,18 @@ struct TrafficWorld
     void putTools()
     {
         putTrafficTools(tools());
-        writeHostFile(tools() + u"/Aircraft030528.txt"_s, "AC#1,450,\"Own\"\n; end");
-        writeHostFile(tools() + u"/Airports030528.txt"_s, "KSEA\r\nKSFO\r\n");
-        writeHostFile(tools() + u"/FlightPlans030528.txt"_s, "AC#1,N1,50%,WEEK,IFR\r\n");
+        writeHostFile(source(u"Aircraft"), "AC#1,450,\"Own\"\n; end");
+        writeHostFile(source(u"Airports"), "KSEA\r\nKSFO\r\n");
+        writeHostFile(source(u"FlightPlans"), "AC#1,N1,50%,WEEK,IFR\r\n");
         world.files.newOperation();
     }
 
     [[nodiscard]] QString tools() const { return dir.filePath(u"program/Traffic Tools"_s); }
+
+    [[nodiscard]] QString source(QStringView base) const
+    {
+        return tools() + u"/"_s + base.toString() + stamp + u".txt"_s;
+    }
 
     /// Two sets of plans, some of which other packs bring too.
     [[nodiscard]] QString pack(int number) const
@@ -63,11 +68,12 @@ struct TrafficWorld
 
     QTemporaryDir dir{temporaryTemplate()};
     FlowWorld world;
+    QString stamp; ///< in the names of the tool's source files
 };
 
 QByteArray plansIn(const TrafficWorld& w)
 {
-    return readHostFile(w.tools() + u"/FlightPlans030528.txt"_s);
+    return readHostFile(w.source(u"FlightPlans"));
 }
 
 } // namespace
@@ -77,6 +83,7 @@ class TestTraffic : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void anyOrder_endsAtTheBeginning_data();
     void anyOrder_endsAtTheBeginning();
     void cabinet_takesPlansAlong();
     void lastFileOfPlans_takesThemAlong();
@@ -87,9 +94,17 @@ private Q_SLOTS:
     void airports_goAndComeBack();
 };
 
+void TestTraffic::anyOrder_endsAtTheBeginning_data()
+{
+    QTest::addColumn<int>("generation");
+    QTest::newRow("2004") << int(FS2004);
+    QTest::newRow("X") << int(FSX);
+}
+
 void TestTraffic::anyOrder_endsAtTheBeginning()
 {
-    TrafficWorld w;
+    QFETCH(int, generation);
+    TrafficWorld w(generation);
     w.putTools();
     const TreeSnapshot tree = w.world.tree();
     const TreeSnapshot before = hashTree(w.tools());
@@ -101,7 +116,7 @@ void TestTraffic::anyOrder_endsAtTheBeginning()
         keys.append(*key);
         QCOMPARE(w.world.results.texts(resultgroup::specialActions).value(0),
                  u"The A.I. flight plans were incorporated into "_s + w.world.global.programFolder +
-                     u"Traffic Tools\\FlightPlans030528.txt"_s);
+                     u"Traffic Tools\\FlightPlans"_s + w.stamp + u".txt"_s);
         QVERIFY(w.world.results.texts(resultgroup::failedSpecialActions).isEmpty());
     }
     QVERIFY(modDatabase_Addon::addon(*w.world.database, keys[0])->categories &
@@ -193,11 +208,8 @@ void TestTraffic::plan_saysWhatIsAdded()
 void TestTraffic::withoutTool_areDocuments()
 {
     for (const int generation : {int(FS2004), int(FSX)}) {
-        TrafficWorld w;
-        w.world.global.generation = generation;
-        w.world.global.names = displayNames(generation);
-        if (generation == FS2004)
-            w.world.prompts.expectText(u"Please specify the location"_s, std::nullopt);
+        TrafficWorld w(generation);
+        w.world.prompts.expectText(u"Please specify the location"_s, std::nullopt);
         const TreeSnapshot tree = w.world.tree();
         const ResultOf<qint64> key = w.world.install(w.pack(1));
         QVERIFY2(key.ok(), qPrintable(key.text));
@@ -243,7 +255,7 @@ void TestTraffic::ended_isBeforeOrAfter()
         copyTree(w.dir.filePath(part), base);
     const TreeSnapshot before = hashTree(w.tools());
     const auto work = [&](FlowWorld& world) {
-        as2004(world);
+        asGeneration(world, FS2004);
         (void)world.install(pack);
     };
     TreeSnapshot after;

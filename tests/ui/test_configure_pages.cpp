@@ -382,9 +382,9 @@ private Q_SLOTS:
     {
         OnPage<frmInstall_ConfigureAI> on(*m_world, trafficPack());
         QVERIFY(on.details.holds(MappedGroup::TrafficTools));
-        // No traffic can be made for this simulator: the page says what becomes of the files.
+        // Without the tool the page says what becomes of the files.
         auto* tools = on.child<QWidget>(u"fraTrafficTools"_s);
-        QVERIFY(!tools->findChild<FolderBox*>()->isVisible());
+        QVERIFY(tools->findChild<FolderBox*>()->isVisible());
         QVERIFY(tools->findChild<QLabel*>()->text().contains(on.details.storageFolder()));
         QVERIFY(on.page->leave().ok);
         const Result other = on.details.AI_InstallationChoices_ValidateFolder(

@@ -94,10 +94,6 @@ QString frmInstall_ConfigureAI::outcome(MappedGroup family) const
     if (family == MappedGroup::Afcad)
         return u"The airport and facilities data files are handed to AFCAD, which puts them into "_s +
                sim + u"; those that they replace are kept."_s;
-    const CTrafficTools tools(context);
-    if (const Result available = tools.Sources_Available(); !available)
-        return available.text + u" The flight plans are kept as documents in '"_s +
-               details().storageFolder() + u"'."_s;
     return u"The flight plans are added to the source files of Traffic Tools. Without its folder they are kept as documents in '"_s +
            details().storageFolder() + u"'."_s;
 }
@@ -107,10 +103,7 @@ void frmInstall_ConfigureAI::showTool(const Tool& tool)
     Context& context = state().session.context();
     tool.state->setText(outcome(tool.family));
     tool.folder->setFolder(outsidetool::find(context, outsideTool(tool.family)));
-    const bool usable =
-        details().holds(tool.family) &&
-        (tool.family == MappedGroup::Afcad || CTrafficTools(context).Sources_Available().ok);
-    tool.folder->setVisible(usable);
+    tool.folder->setVisible(details().holds(tool.family));
 }
 
 void frmInstall_ConfigureAI::enter()

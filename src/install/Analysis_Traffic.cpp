@@ -1,5 +1,5 @@
-// Recognising what concerns computer-controlled traffic: flight plans and their lists by name and
-// content, airport files by name where the airport editor can take them.
+// Recognising what concerns computer-controlled traffic: flight plans by content, the lists that go
+// with them by name and content, airport files by name where the airport editor can take them.
 #include "install/Analysis.h"
 #include "install/TrafficEdits.h"
 #include "platform/WinPath.h"

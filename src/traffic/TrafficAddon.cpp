@@ -26,20 +26,32 @@ bool isRecord(TrafficKind kind, const QString& line)
     case TrafficKind::FlightPlans:
         break;
     }
-    return CAIFlightPlan::ofLine(line).has_value();
+    // One that breaks another rule is skipped later, but what it was meant to be is plain.
+    return startsWithNoCase(line.section(u',', 0, 0).trimmed(), u"AC#") &&
+           line.section(u',', 2, 2).contains(u'%');
 }
 
-bool kindOfName(QStringView name, TrafficKind& kind)
+/// Whether most lines that say something are records of that kind.
+bool holds(TrafficKind kind, const QList<QByteArray>& lines, const AnsiCodec& ansi)
 {
-    if (!endsWithNoCase(name, u".txt"))
-        return false;
-    for (const TrafficKind one : trafficKinds) {
-        if (startsWithNoCase(name, trafficBaseName(one))) {
-            kind = one;
-            return true;
-        }
+    qsizetype records = 0;
+    qsizetype others = 0;
+    for (const QByteArray& line : lines) {
+        const QByteArray trimmed = line.trimmed();
+        if (trimmed.isEmpty() || trimmed.startsWith('/') || trimmed.startsWith(';'))
+            continue;
+        ++(isRecord(kind, ansi.decode(line)) ? records : others);
     }
-    return false;
+    return records > others;
+}
+
+/// Flight plans may have any name.
+TrafficKind kindOfName(QStringView name)
+{
+    for (const TrafficKind one : trafficKinds)
+        if (startsWithNoCase(name, trafficBaseName(one)))
+            return one;
+    return TrafficKind::FlightPlans;
 }
 
 struct NamedSet
@@ -51,7 +63,9 @@ struct NamedSet
 
 NamedSet& setFor(QList<NamedSet>& sets, const TrafficFile& file)
 {
-    const QString suffix = file.name.sliced(trafficBaseName(file.kind).size());
+    const QString base = trafficBaseName(file.kind);
+    const QString suffix =
+        startsWithNoCase(file.name, base) ? file.name.sliced(base.size()) : file.name;
     for (NamedSet& one : sets) {
         if (winpath::same(one.folder, file.folder) && equalNoCase(one.suffix, suffix))
             return one;
@@ -91,8 +105,7 @@ QString trafficBaseName(TrafficKind kind)
 
 bool mayBeTrafficFile(QStringView name)
 {
-    TrafficKind kind{};
-    return kindOfName(name, kind);
+    return endsWithNoCase(name, u".txt");
 }
 
 bool isTrafficFile(QStringView name,
@@ -100,18 +113,20 @@ bool isTrafficFile(QStringView name,
                    const AnsiCodec& ansi,
                    TrafficKind& kind)
 {
-    if (!kindOfName(name, kind) || AnsiCodec::looksLikeUtf16OrBinary(bytes))
+    if (!mayBeTrafficFile(name) || AnsiCodec::looksLikeUtf16OrBinary(bytes))
         return false;
-    qsizetype records = 0;
-    qsizetype others = 0;
+    kind = kindOfName(name);
+    // Most texts are read by people and speak of no aircraft by number.
+    if (kind == TrafficKind::FlightPlans && !bytes.contains("AC#") && !bytes.contains("ac#") &&
+        !bytes.contains("Ac#") && !bytes.contains("aC#"))
+        return false;
     const QList<QByteArray> lines = SourceLines::ofBytes(bytes).texts();
-    for (const QByteArray& line : lines) {
-        const QByteArray trimmed = line.trimmed();
-        if (trimmed.isEmpty() || trimmed.startsWith('/') || trimmed.startsWith(';'))
-            continue;
-        ++(isRecord(kind, ansi.decode(line)) ? records : others);
-    }
-    return records > others;
+    if (holds(kind, lines, ansi))
+        return true;
+    if (kind == TrafficKind::FlightPlans)
+        return false;
+    kind = TrafficKind::FlightPlans;
+    return holds(kind, lines, ansi);
 }
 
 QList<TrafficSet> trafficSets(const QList<TrafficFile>& files)

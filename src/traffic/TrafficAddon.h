@@ -35,10 +35,11 @@ struct TrafficFile
     QByteArray bytes;
 };
 
-/// Whether the name is one that such files bear ("FlightPlans_AUR.txt").
+/// Whether it is a text, whose content decides.
 [[nodiscard]] bool mayBeTrafficFile(QStringView name);
-/// Whether name and content are those of one of the tool's files: most lines that say something are
-/// records of that kind. \a kind is set then.
+/// Whether it is one of the tool's files: most lines that say something are records of that kind.
+/// Flight plans may have any name, the lists begin with "Aircraft" and "Airports". \a kind is set
+/// then.
 [[nodiscard]] bool
 isTrafficFile(QStringView name, const QByteArray& bytes, const AnsiCodec& ansi, TrafficKind& kind);
 

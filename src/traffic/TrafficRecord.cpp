@@ -24,6 +24,14 @@ std::optional<TrafficKind> kindOf(QByteArrayView name)
     return std::nullopt;
 }
 
+/// "FlightPlans12" without its number. Earlier versions wrote none.
+QByteArrayView withoutNumber(QByteArrayView key)
+{
+    while (!key.isEmpty() && key.back() >= '0' && key.back() <= '9')
+        key.chop(1);
+    return key;
+}
+
 void readFileEntry(TrafficRecord& record, QByteArrayView key, QByteArrayView value)
 {
     if (key == createdKey) {
@@ -66,7 +74,7 @@ TrafficRecord TrafficRecord::ofBytes(QByteArrayView bytes)
         if (inFiles) {
             readFileEntry(out, key, value);
         } else if (!out.addons.isEmpty()) {
-            if (const auto kind = kindOf(key))
+            if (const auto kind = kindOf(withoutNumber(key)))
                 out.addons.last().lines[int(*kind)].append(value.toByteArray());
             else if (key == "Name")
                 out.addons.last().name = value.toByteArray();
@@ -95,8 +103,10 @@ QByteArray TrafficRecord::bytes() const
         out += '[' + QByteArray::number(addon.key) + "]\r\n";
         writeEntry(out, "Name", addon.name);
         for (const TrafficKind kind : trafficKinds) {
+            const QByteArray base = trafficBaseName(kind).toLatin1();
+            qsizetype number = 0;
             for (const QByteArray& line : addon.lines[int(kind)])
-                writeEntry(out, trafficBaseName(kind).toLatin1(), line);
+                writeEntry(out, base + QByteArray::number(++number), line);
         }
     }
     return out;

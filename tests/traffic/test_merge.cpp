@@ -67,7 +67,19 @@ private Q_SLOTS:
     void numbers_followTheirAircraft();
     void usersEdits_stay();
     void lines_keepTheirEnds();
+    void record_numbersItsLines_andReadsOlderOnes();
 };
+
+void TestMerge::record_numbersItsLines_andReadsOlderOnes()
+{
+    const QByteArray older = "[12]\r\nName=A\r\nAirports=KSEA\r\nFlightPlans=AC#1,N1,5%\r\n"
+                             "FlightPlans=AC#1,N2=3,5%\r\n";
+    const QByteArray now = TrafficRecord::ofBytes(older).bytes();
+    QVERIFY2(now.endsWith("[12]\r\nName=A\r\nAirports1=KSEA\r\nFlightPlans1=AC#1,N1,5%\r\n"
+                          "FlightPlans2=AC#1,N2=3,5%\r\n"),
+             now.constData());
+    QCOMPARE(TrafficRecord::ofBytes(now).bytes(), now);
+}
 
 void TestMerge::anyOrder_endsAtTheBeginning()
 {

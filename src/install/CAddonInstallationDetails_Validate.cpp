@@ -376,6 +376,7 @@ PlanFacts CAddonInstallationDetails::facts() const
         facts.traffic = trafficChanges(*this, m_context, problem);
         if (!problem.isEmpty())
             out.append({0, problem, false});
+        out += flightPlanRemarks(addonFlightPlans(*this, m_context));
     }
     facts.library = libraryChanges();
     if (!facts.library.problem.isEmpty())

@@ -1,9 +1,49 @@
 #include "install/TrafficEdits.h"
 
 #include "platform/AnsiCodec.h"
+#include "platform/Text.h"
+#include "platform/WinPath.h"
 #include "traffic/CTrafficTools.h"
 
+using namespace Qt::StringLiterals;
+
 namespace vt {
+
+namespace {
+
+QList<QByteArray> linesOf(const Context& context, const QString& file)
+{
+    const ResultOf<QByteArray> bytes = file.isEmpty()
+                                           ? ResultOf<QByteArray>(Result::failure({}))
+                                           : context.services.files.read(file, trafficFileLimit);
+    return bytes ? SourceLines::ofBytes(*bytes).texts() : QList<QByteArray>();
+}
+
+/// What one file of plans is compared with: what belongs to it in the add-on, then what is there.
+PlanSurroundings
+surroundingsOf(const TrafficFile& plans, QList<TrafficFile> files, Context& context, bool again)
+{
+    CTrafficTools tools(context);
+    const bool installed = tools.names().hasSources() && tools.Tool_Find();
+    const auto source = [&](TrafficKind kind) {
+        return installed ? linesOf(context, tools.sourceFile(kind)) : QList<QByteArray>();
+    };
+    files.removeIf([](const TrafficFile& file) { return file.kind == TrafficKind::FlightPlans; });
+    files.prepend(plans);
+    const TrafficSet set = trafficSets(files).first(); // that of the plans
+    QList<QByteArray> airports = source(TrafficKind::Airports);
+    for (const TrafficFile& file : std::as_const(files)) {
+        if (file.kind == TrafficKind::Airports)
+            airports += SourceLines::ofBytes(file.bytes).texts();
+    }
+    if (airports.isEmpty())
+        airports.append("*"); // any airport
+    return tools.surroundings(set.of(TrafficKind::Aircraft) + source(TrafficKind::Aircraft),
+                              airports,
+                              again ? QList<QByteArray>() : source(TrafficKind::FlightPlans));
+}
+
+} // namespace
 
 QList<TrafficFile> trafficFiles(const CAddonInstallationDetails& details,
                                 const AnsiCodec& ansi,
@@ -16,9 +56,56 @@ QList<TrafficFile> trafficFiles(const CAddonInstallationDetails& details,
         const ResultOf<QByteArray> bytes = details.source().read(item, trafficFileLimit);
         TrafficKind kind{};
         if (bytes && isTrafficFile(item.sName, *bytes, ansi, kind))
-            files.append({kind, item.sFolder_Current, item.sName, *bytes});
+            files.append({kind, item.sFolder_Current, item.sName, *bytes, item.lngKey});
     }
     return files;
+}
+
+QList<AddonFlightPlan> addonFlightPlans(const CAddonInstallationDetails& details, Context& context)
+{
+    QList<AddonFlightPlan> plans;
+    if (!details.holds(MappedGroup::TrafficTools))
+        return plans;
+    const AnsiCodec& ansi = context.services.ansi;
+    const QList<TrafficFile> files = trafficFiles(
+        details, ansi, [&](const CAddon_Item& item) { return details.willBeInstalled(item); });
+    for (const TrafficFile& file : files) {
+        if (file.kind != TrafficKind::FlightPlans)
+            continue;
+        PlanSurroundings around = surroundingsOf(file, files, context, details.recorded());
+        qsizetype number = 0;
+        for (const CAIFlightPlan& plan :
+             CTrafficTools(context).FlightPlans_Read(SourceLines::ofBytes(file.bytes).texts())) {
+            AddonFlightPlan one{file.item, ++number, plan, {}, {}};
+            one.problems = CTrafficTools::FlightPlan_Validate(plan, around);
+            if (const auto known = around.aircraft.constFind(plan.lngAircraft);
+                known != around.aircraft.cend())
+                one.aircraft = *known;
+            around.plans.insert(CAIFlightPlan::identity(plan.sLine.toUtf8()));
+            plans.append(std::move(one));
+        }
+    }
+    return plans;
+}
+
+QList<PlanProblem> flightPlanRemarks(const QList<AddonFlightPlan>& plans)
+{
+    QList<PlanProblem> remarks;
+    qsizetype faulty = 0;
+    for (qsizetype i = 0; i < plans.size(); ++i) {
+        const AddonFlightPlan& plan = plans.at(i);
+        if (plan.problems.isEmpty())
+            continue;
+        const QString told =
+            u"Flight plan #"_s + QString::number(plan.number) + u": "_s + plan.problems.join(u' ');
+        if (remarks.isEmpty() || remarks.last().item != plan.item) {
+            faulty = 1;
+            remarks.append({plan.item, told, false});
+        } else if (++faulty == 2) {
+            remarks.last().text += u" The page of the A.I. traffic tells of more."_s;
+        }
+    }
+    return remarks;
 }
 
 QList<ConfigChange>

@@ -33,6 +33,7 @@ struct TrafficFile
     QString folder; ///< in the source
     QString name;
     QByteArray bytes;
+    qint32 item = 0; ///< whatever the owner knows it by
 };
 
 /// Whether it is a text, whose content decides.

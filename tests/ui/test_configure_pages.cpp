@@ -28,6 +28,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
@@ -137,7 +138,8 @@ private:
         const QString folder = m_world->host(u"traffic"_s);
         test::writeHostFile(
             folder + u"/FlightPlans_ZET.txt"_s,
-            "AC#1,G-ZET1,10%,WEEK,IFR,1/10:00,1/11:00,200,F,1,EGLL,1/13:00,1/14:00,210,F,2,LKAA\n");
+            "AC#1,G-ZET1,10%,WEEK,IFR,1/10:00,1/11:00,200,F,1,EGLL,1/13:00,1/14:00,210,F,2,LKAA\n"
+            "AC#7,G-ZET7,100%,24Hr,VFR,10:00,11:00,60,R,7,LKAA,13:00,14:00,70,R,8,EGLL\n");
         test::writeHostFile(folder + u"/Aircraft_ZET.txt"_s, "AC#1,250,\"Zeta 5\"\n");
         m_world->session->services().files.newOperation();
         return m_world->windows(u"traffic"_s) + u'\\';
@@ -167,7 +169,7 @@ private:
     }
 
     /// The page in the whole wizard, small and large: nothing is cut, and nothing has to be
-    /// scrolled for sideways.
+    /// scrolled for.
     void look(frmInstall_Wizard& wizard, const QString& name)
     {
         WizardPage* page = nullptr;
@@ -175,12 +177,16 @@ private:
         for (WizardPage* one : pages)
             page = one->isVisible() ? one : page;
         QVERIFY(page);
-        for (const QSize size : {QSize(1280, 800), QSize(800, 600)}) {
+        // The last is what a main window of 800x600 leaves.
+        for (const QSize size : {QSize(1280, 800), QSize(800, 600), QSize(792, 474)}) {
             wizard.resize(size);
             QApplication::processEvents();
             QCOMPARE(wizard.size(), size);
             QCOMPARE(cutTexts(page), QStringList());
-            QTRY_VERIFY(!page->findChild<QScrollArea*>()->horizontalScrollBar()->isVisible());
+            const auto* area = page->findChild<QScrollArea*>();
+            QTRY_VERIFY(!area->horizontalScrollBar()->isVisible());
+            if (size.height() >= 600 || !name.endsWith(u"-refused"_s))
+                QTRY_COMPARE(area->verticalScrollBar()->maximum(), 0);
             QCOMPARE(test::screenshot(
                          wizard, u"wizard-"_s + name + u'-' + QString::number(size.width()), size)
                          .size(),
@@ -386,6 +392,17 @@ private Q_SLOTS:
         auto* tools = on.child<QWidget>(u"fraTrafficTools"_s);
         QVERIFY(tools->findChild<FolderBox*>()->isVisible());
         QVERIFY(tools->findChild<QLabel*>()->text().contains(on.details.storageFolder()));
+        // The plans in words, and what stands in the way of one of them at its file.
+        const QString words = on.child<QPlainTextEdit>(u"txtFlightPlans"_s)->toPlainText();
+        QVERIFY2(words.contains(u"Zeta 5 (AC#1, 250 knots, tail number G-ZET1) flies"_s),
+                 qPrintable(words));
+        QVERIFY2(words.contains(u"The aircraft 'AC#7' is not listed in "_s), qPrintable(words));
+        const QAbstractItemModel* files = on.child<ColumnView>(u"lvwItems"_s)->model();
+        QStringList remarks;
+        for (int row = 0; row < files->rowCount(); ++row)
+            remarks.append(files->index(row, InstallItemModel::ProblemDetails).data().toString());
+        QCOMPARE(remarks.filter(u"Flight plan #2: The aircraft 'AC#7'"_s).size(), 1);
+        QCOMPARE(remarks.filter(QString()).size(), 2);
         QVERIFY(on.page->leave().ok);
         const Result other = on.details.AI_InstallationChoices_ValidateFolder(
             MappedGroup::TrafficTools, m_world->context().global.effectsFolder);
@@ -459,6 +476,7 @@ private Q_SLOTS:
         add("textures", u"kestrel-repaint"_s, &W::SubForm_ConfigureTextures_Show);
         add("ai", {}, &W::SubForm_ConfigureAI_Show);
         add("other", u"swift-aircraft"_s, &W::SubForm_ConfigureOther_Show);
+        add("options", u"swift-aircraft"_s, &W::SubForm_ConfigureOptions_Show);
     }
 
     void pages_showEverything_atEverySize()

@@ -1,6 +1,7 @@
 #include "install/forms/frmInstall_ConfigureAI.h"
 
 #include "install/CAddonInstallationDetails.h"
+#include "install/TrafficEdits.h"
 #include "session/Session.h"
 #include "shell/Settings.h"
 #include "shell/forms/FolderBox.h"
@@ -11,11 +12,21 @@
 
 #include <QGroupBox>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace vt {
+
+namespace {
+
+constexpr int leastPlanLines = 4;
+constexpr qsizetype mostPlansTold = 200;
+
+} // namespace
 
 frmInstall_ConfigureAI::frmInstall_ConfigureAI(WizardState& state, QWidget* parent)
     : WizardPage(state, parent)
@@ -24,6 +35,7 @@ frmInstall_ConfigureAI::frmInstall_ConfigureAI(WizardState& state, QWidget* pare
     m_manager = new CInstallWizardSubFormManager(
         state, {MappedGroup::TrafficTools, MappedGroup::Afcad}, section(), this);
     connect(m_manager, &CInstallWizardSubFormManager::decided, this, [this](bool others) {
+        showPlans();
         Q_EMIT edited();
         if (others)
             Q_EMIT othersChanged();
@@ -39,6 +51,7 @@ frmInstall_ConfigureAI::frmInstall_ConfigureAI(WizardState& state, QWidget* pare
     column->addWidget(m_traffic.frame);
     m_manager->addTabs(column);
     m_manager->addList(column);
+    addPlans(column);
     setContent(content);
 }
 
@@ -78,6 +91,7 @@ frmInstall_ConfigureAI::makeTool(MappedGroup family, const QString& title, const
         showTool(m_airports);
         showTool(m_traffic);
         m_manager->refresh();
+        showPlans();
         Q_EMIT edited();
     });
     connect(tool.folder, &FolderBox::problemChanged, this, &WizardPage::edited);
@@ -89,8 +103,6 @@ QString frmInstall_ConfigureAI::outcome(MappedGroup family) const
 {
     Context& context = state().session.context();
     const QString& sim = context.global.names.simLong;
-    if (!details().holds(family))
-        return u"This addon brings no such files."_s;
     if (family == MappedGroup::Afcad)
         return u"The airport and facilities data files are handed to AFCAD, which puts them into "_s +
                sim + u"; those that they replace are kept."_s;
@@ -101,14 +113,59 @@ QString frmInstall_ConfigureAI::outcome(MappedGroup family) const
 void frmInstall_ConfigureAI::showTool(const Tool& tool)
 {
     Context& context = state().session.context();
+    tool.frame->setVisible(details().holds(tool.family));
     tool.state->setText(outcome(tool.family));
     tool.folder->setFolder(outsidetool::find(context, outsideTool(tool.family)));
     tool.folder->setVisible(details().holds(tool.family));
 }
 
+void frmInstall_ConfigureAI::addPlans(QVBoxLayout* column)
+{
+    m_plansLabel = new QLabel(u"Flight &plans in words:"_s);
+    m_plans = new QPlainTextEdit;
+    m_plans->setObjectName(u"txtFlightPlans"_s);
+    m_plans->setAccessibleName(u"Flight plans in words"_s);
+    m_plans->setReadOnly(true);
+    m_plans->setTabChangesFocus(true);
+    m_plans->setMinimumHeight(m_plans->fontMetrics().lineSpacing() * leastPlanLines);
+    m_plans->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
+    m_plansLabel->setBuddy(m_plans);
+    column->addWidget(m_plansLabel);
+    column->addWidget(m_plans, 1);
+}
+
+void frmInstall_ConfigureAI::showPlans()
+{
+    Context& context = state().session.context();
+    const QList<AddonFlightPlan> plans = addonFlightPlans(details(), context);
+    QStringList texts;
+    for (const AddonFlightPlan& one : plans) {
+        if (texts.size() == mostPlansTold) {
+            texts.append(u"There are "_s + QString::number(plans.size() - mostPlansTold) +
+                         u" more flight plans."_s);
+            break;
+        }
+        QStringList lines = one.problems;
+        lines.append(one.plan.Describe(
+            one.number, one.aircraft ? &*one.aircraft : nullptr, context.global.names.simLong));
+        texts.append(lines.join(u'\n'));
+    }
+    if (plans.isEmpty())
+        texts.append(CTrafficTools::nothingToValidate());
+    else if (std::all_of(plans.cbegin(), plans.cend(), [](const AddonFlightPlan& one) {
+                 return one.problems.isEmpty();
+             }))
+        texts.prepend(CTrafficTools::noProblems());
+    m_plans->setPlainText(texts.join(u"\n\n"_s));
+    const bool any = details().holds(MappedGroup::TrafficTools);
+    m_plansLabel->setVisible(any);
+    m_plans->setVisible(any);
+}
+
 void frmInstall_ConfigureAI::enter()
 {
     m_manager->enter();
+    showPlans();
     showTool(m_airports);
     showTool(m_traffic);
 }

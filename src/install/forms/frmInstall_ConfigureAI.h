@@ -6,6 +6,8 @@
 
 class QGroupBox;
 class QLabel;
+class QPlainTextEdit;
+class QVBoxLayout;
 
 namespace vt {
 
@@ -41,11 +43,15 @@ private:
     [[nodiscard]] Tool makeTool(MappedGroup family, const QString& title, const QString& label);
     [[nodiscard]] OutsideTool outsideTool(MappedGroup family) const;
     void showTool(const Tool& tool);
+    void addPlans(QVBoxLayout* column);
+    void showPlans();
     [[nodiscard]] QString outcome(MappedGroup family) const;
 
     CInstallWizardSubFormManager* m_manager = nullptr;
     Tool m_airports;
     Tool m_traffic;
+    QLabel* m_plansLabel = nullptr;
+    QPlainTextEdit* m_plans = nullptr;
 };
 
 } // namespace vt

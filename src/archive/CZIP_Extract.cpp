@@ -55,14 +55,26 @@ bool matches(QStringView pattern, QStringView name)
     return p == pattern.size();
 }
 
-Prompt overwriteQuestion(const QString& target)
+Prompt overwriteQuestion(const QString& target, const FileInfo& existing, const CZIPFileItem& item)
 {
-    return {u"Confirm Overwrite"_s,
-            u"'"_s + target + u"' already exists. Do you want to overwrite it?"_s,
-            Icon::Question,
-            {Button::Yes, Button::YesToAll, Button::No, Button::NoToAll, Button::Cancel},
-            Button::No,
-            {}};
+    Prompt prompt{u"Confirm Overwrite"_s,
+                  u"'"_s + target + u"' already exists. Do you want to overwrite it?"_s,
+                  Icon::Question,
+                  {Button::Yes, Button::YesToAll, Button::No, Button::NoToAll, Button::Cancel},
+                  Button::No,
+                  {u"Overwrite the existing file."_s,
+                   u"Overwrite the existing file and all others that exist."_s,
+                   u"Leave the existing file as it is."_s,
+                   u"Leave the existing file as it is, and all others that exist."_s,
+                   u"Stop the extraction; files before this one are extracted."_s}};
+    prompt.replacing = ReplaceQuestion{target,
+                                       existing.readOnly,
+                                       false,
+                                       existing.size,
+                                       existing.modified(),
+                                       item.lngSize_Uncompressed,
+                                       QDateTime(item.dteDate, item.dteTime)};
+    return prompt;
 }
 
 Prompt renameFailed()
@@ -201,9 +213,12 @@ Result CZIP::extractOne(const EntryRef& ref, Tally& tally)
         Result made = m_unsynced.makeFolder(target + u'\\');
         return made ? made : Result::failure(cannot + u". "_s + made.text);
     }
-    if (boolExtract_ConfirmOverwrite && m_services.files.exists(target)) {
+    const auto existing =
+        boolExtract_ConfirmOverwrite ? m_services.files.info(target) : std::nullopt;
+    if (existing) {
         if (!tally.asked) {
-            const Button answer = m_services.prompts.ask(overwriteQuestion(target));
+            const Button answer =
+                m_services.prompts.ask(overwriteQuestion(target, *existing, item));
             if (answer == Button::Cancel)
                 return Result::failure(u"Extraction aborted."_s, ErrorKind::Declined);
             tally.overwrite = answer == Button::Yes || answer == Button::YesToAll;

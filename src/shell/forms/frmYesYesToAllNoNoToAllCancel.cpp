@@ -114,7 +114,7 @@ QLayout* frmYesYesToAllNoNoToAllCancel::headline(const Prompt& prompt)
     icon->setPixmap(style()->standardIcon(promptIcon(prompt.icon)).pixmap(size));
     auto* texts = new QVBoxLayout;
     // The first line of the text says what is the matter; the rest is shown side by side.
-    const QString matter = prompt.replacing ? prompt.text.section(u':', 0, 0) : prompt.text;
+    const QString matter = prompt.replacing ? prompt.text.section(u":\n"_s, 0, 0) : prompt.text;
     auto* heading = boldLabel(matter);
     heading->setObjectName(u"lblHeading"_s);
     heading->setWordWrap(true);

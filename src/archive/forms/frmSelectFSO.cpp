@@ -269,8 +269,11 @@ void frmSelectFSO::Form_PrepareToShow()
     const auto stored = [&](LayoutValue value) {
         return settings.layoutText(section(), value).toInt();
     };
-    if (const int first = stored(LayoutValue::FirstPaneWidth); first > 0 && m_tabs)
+    if (m_tabs) {
+        const int kept = stored(LayoutValue::FirstPaneWidth);
+        const int first = kept > 0 ? kept : width() / 4;
         m_columns->setSizes({first, std::max(width() - first, first)});
+    }
     if (const int second = stored(LayoutValue::SecondPaneHeight); second > 0)
         m_rows->setSizes({std::max(height() - second, second), second});
     const QString last = settings.text(SettingKey::LastFolder);
@@ -288,13 +291,13 @@ void frmSelectFSO::sizeColumns()
     m_tree->header()->setSectionResizeMode(ArchiveTreeModel::NameColumn, QHeaderView::Stretch);
     const auto size = [this](ColumnView* list, ViewPrefix prefix, int column, const QString& text) {
         if (!context().settings.stored(section(), layoutName(LayoutValue::CurrentColumns, prefix)))
-            list->setColumnWidth(column, fontMetrics().horizontalAdvance(text + u"mmm"_s));
+            list->setColumnWidth(column, fontMetrics().horizontalAdvance(text + u"mm"_s));
     };
     const QString date =
         QLocale().toString(QDateTime({2026, 12, 22}, {22, 44}), QLocale::ShortFormat);
     size(m_list, ViewPrefix::Files, FolderModel::SizeColumn, u"888.8 MB"_s);
     size(m_list, ViewPrefix::Files, FolderModel::DateColumn, date);
-    size(m_list, ViewPrefix::Files, FolderModel::TypeColumn, u"Panel Configuration"_s);
+    size(m_list, ViewPrefix::Files, FolderModel::TypeColumn, u"ZIP Archive"_s);
     size(m_tree, ViewPrefix::Zip, ArchiveTreeModel::SizeColumn, u"888.8 MB"_s);
     size(m_tree, ViewPrefix::Zip, ArchiveTreeModel::DateColumn, date);
 }

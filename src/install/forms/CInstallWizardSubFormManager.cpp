@@ -25,7 +25,7 @@ namespace {
 /// Longest tab, in average characters.
 constexpr int tabWidth = 28;
 /// Least height of the list, in lines.
-constexpr int leastLines = 4;
+constexpr int leastLines = 2;
 
 void showHint(QLabel* label, const QString& text, bool shown)
 {

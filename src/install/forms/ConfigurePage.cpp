@@ -26,6 +26,8 @@ namespace {
 
 /// Height of a page on which nothing has to move closer, in lines.
 constexpr int comfortableLines = 34;
+/// Below that, in a small main window, the folder's hint goes too and the methods stand close.
+constexpr int narrowLines = 28;
 
 } // namespace
 
@@ -82,13 +84,18 @@ void ConfigurePage::fitHeight()
     const bool low = height() < fontMetrics().lineSpacing() * comfortableLines;
     if (m_prompt)
         m_prompt->setVisible(!low);
-    m_column->setSpacing(low ? m_spacing / 2 : m_spacing);
+    const bool lowest = height() < fontMetrics().lineSpacing() * narrowLines;
+    m_column->setSpacing(lowest ? m_spacing / 3 : low ? m_spacing / 2 : m_spacing);
+    if (m_folderBox)
+        m_folderBox->setCompact(lowest);
+    if (m_methodFrame)
+        m_methodFrame->layout()->setSpacing(lowest ? 0 : m_spacing / 2);
     const auto frames = findChildren<QGroupBox*>();
     for (QGroupBox* frame : frames) {
         const int margin = style()->pixelMetric(QStyle::PM_LayoutTopMargin, nullptr, frame);
         QMargins margins = frame->layout()->contentsMargins();
-        margins.setTop(low ? margin / 3 : margin);
-        margins.setBottom(low ? margin / 3 : margin);
+        margins.setTop(lowest ? 0 : low ? margin / 3 : margin);
+        margins.setBottom(margins.top());
         frame->layout()->setContentsMargins(margins);
     }
 }

@@ -61,12 +61,14 @@ QWidget* frmInstall_ConfigureScenery::library()
     caption->setBuddy(m_title);
     grid->addWidget(caption, 1, 0);
     grid->addWidget(m_title, 1, 1);
-    auto* warning =
+    m_warning =
         new QLabel(u"Without the update you "_s +
                        u"must locate, arrange, layer and activate the scenery manually"_s + u'.',
                    frame);
-    wrap(warning);
-    grid->addWidget(warning, 2, 0, 1, 2);
+    m_warning->setObjectName(u"lblWithoutUpdate"_s);
+    wrap(m_warning);
+    m_update->setToolTip(m_warning->text());
+    grid->addWidget(m_warning, 2, 0, 1, 2);
     connect(m_update, &QCheckBox::toggled, this, &frmInstall_ConfigureScenery::takeLibrary);
     connect(m_title, &QLineEdit::editingFinished, this, &frmInstall_ConfigureScenery::takeLibrary);
     return frame;
@@ -80,6 +82,7 @@ void frmInstall_ConfigureScenery::showGroup()
     m_update->setChecked(shown && shown->sceneryLibraryUpdate);
     m_title->setText(shown ? shown->sceneryTitle : QString());
     m_title->setEnabled(shown && shown->sceneryLibraryUpdate);
+    m_warning->setVisible(shown && !shown->sceneryLibraryUpdate);
 }
 
 void frmInstall_ConfigureScenery::takeLibrary()

@@ -4,6 +4,7 @@
 #include "install/forms/ConfigurePage.h"
 
 class QCheckBox;
+class QLabel;
 class QLineEdit;
 
 namespace vt {
@@ -29,6 +30,7 @@ private:
     QWidget* m_library = nullptr;
     QCheckBox* m_update = nullptr;
     QLineEdit* m_title = nullptr;
+    QLabel* m_warning = nullptr; ///< while the library is not updated
 };
 
 } // namespace vt

@@ -12,6 +12,7 @@
 
 #include <QDragEnterEvent>
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -122,6 +123,9 @@ void frmInstall_SelectFiles::buildContents()
         u"The files of the add-on are listed here before anything is installed."_s,
         u"Choose File or Folder..."_s);
     m_contents->restoreLayout(state().session.context().settings, section(), ViewPrefix::Zip);
+    // The names get what the others leave.
+    m_contents->header()->setSectionResizeMode(SourceContentsModel::NameColumn,
+                                               QHeaderView::Stretch);
     connect(
         m_contents, &ColumnView::emptyButtonClicked, this, &frmInstall_SelectFiles::chooseInWindow);
     qobject_cast<QVBoxLayout*>(layout())->addWidget(m_contents, 1);
@@ -209,6 +213,7 @@ void frmInstall_SelectFiles::showContents()
         m_contents->expandAll();
     else
         m_contents->expandToDepth(0);
+    m_contents->autoSizeAtFirst();
     m_contents->setCurrentIndex(m_model->index(0, 0));
 }
 

@@ -17,6 +17,8 @@
 #include <QTabWidget>
 #include <QTreeWidget>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace vt {
@@ -200,12 +202,8 @@ void frmInstall_Summary::filterChanged()
         m_files->expandAll();
     else
         m_files->expandToDepth(0);
-    // By what is seen now that the folders are open, where the user has no widths of his own.
-    Settings& settings = state().session.context().settings;
-    if (!m_sized &&
-        settings.layoutText(section(), LayoutValue::CurrentColumns, ViewPrefix::Files).isEmpty())
-        m_files->autoSizeColumns();
-    m_sized = true;
+    if (!std::exchange(m_sized, true))
+        m_files->autoSizeAtFirst();
 }
 
 void frmInstall_Summary::showAdditions(const PlanFacts& facts)

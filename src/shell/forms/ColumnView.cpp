@@ -218,6 +218,12 @@ void ColumnView::autoSizeColumns()
     }
 }
 
+void ColumnView::autoSizeAtFirst()
+{
+    if (!m_arranged)
+        autoSizeColumns();
+}
+
 void ColumnView::sizeColumnsOnce()
 {
     if (m_sized || model()->rowCount(rootIndex()) == 0)
@@ -295,8 +301,9 @@ void ColumnView::restoreLayout(Settings& settings, Section window, ViewPrefix pr
     const auto text = [&](LayoutValue value) {
         return settings.stored(window, layoutName(value, prefix));
     };
-    m_sized = takeColumns(text(LayoutValue::CurrentColumns).value_or(QString()));
-    if (!m_sized)
+    m_arranged = takeColumns(text(LayoutValue::CurrentColumns).value_or(QString()));
+    m_sized = m_arranged;
+    if (!m_arranged)
         arrange(firstArrangement());
     if (text(LayoutValue::SortBy)) {
         const int by = settings.layoutText(window, LayoutValue::SortBy, prefix).toInt();

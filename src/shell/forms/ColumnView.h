@@ -102,6 +102,9 @@ public:
 
     /// Each shown column as wide as what it holds.
     void autoSizeColumns();
+    /// The same, for what is seen once folders are open, unless restoreLayout() found the user's
+    /// own widths.
+    void autoSizeAtFirst();
     /// Opens the dialog in which columns are ticked and ordered.
     void customizeColumns();
 
@@ -140,7 +143,8 @@ private:
     ViewType m_viewType = ViewType::Details;
     QList<int> m_shownInDetails; ///< while another view type hides them
     bool m_showsIcons = true;
-    bool m_sized = false; ///< false: columns are sized when the first rows come
+    bool m_arranged = false; ///< by the user, once
+    bool m_sized = false;    ///< false: columns are sized when the first rows come
     QAction* m_selectAll = nullptr;
     QAction* m_selectNone = nullptr;
     QAction* m_invert = nullptr;

@@ -2,6 +2,7 @@
 
 #include "platform/WinPath.h"
 #include "shell/RecentFolders.h"
+#include "shell/forms/Icons.h"
 #include "shell/forms/WrappedLabel.h"
 
 #include <QAction>
@@ -54,7 +55,7 @@ void FolderBox::makeButtons(QGridLayout* grid)
 {
     m_choose = new QToolButton(this);
     m_choose->setObjectName(u"cmdChooseFolder"_s);
-    m_choose->setIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
+    m_choose->setIcon(icons::command(u"browse"_s));
     m_choose->setFocusPolicy(Qt::StrongFocus);
     m_choose->setAccessibleName(u"Choose folder"_s);
     m_choose->setToolTip(u"Choose a folder in a dialog"_s);
@@ -118,7 +119,14 @@ void FolderBox::addButton(QWidget* button)
 void FolderBox::setHint(const QString& hint)
 {
     m_hint->setText(hint);
-    m_hint->setVisible(!hint.isEmpty());
+    m_line->setAccessibleDescription(hint);
+    m_hint->setVisible(!hint.isEmpty() && !m_compact);
+}
+
+void FolderBox::setCompact(bool compact)
+{
+    m_compact = compact;
+    m_hint->setVisible(!m_hint->text().isEmpty() && !m_compact);
 }
 
 void FolderBox::setFolder(const QString& folder)
@@ -225,7 +233,7 @@ void FolderBox::showState()
 {
     const int extent = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
     m_problemIcon->setPixmap(
-        style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(extent, extent));
+        icons::state(icons::State::Attention).pixmap(QSize(extent, extent), devicePixelRatio()));
 }
 
 void FolderBox::changeEvent(QEvent* event)

@@ -39,6 +39,8 @@ public:
     void setQuickPicks(Section window);
     /// A line below the box; empty: none.
     void setHint(const QString& hint);
+    /// Without the hint, which the button beside the line tells too.
+    void setCompact(bool compact);
 
     /// Shows a folder without taking it; whatever was refused before is forgotten.
     void setFolder(const QString& folder);
@@ -88,6 +90,7 @@ private:
     QString m_folder;
     QString m_problem;
     bool m_taking = false;
+    bool m_compact = false;
     QLineEdit* m_line = nullptr;
     QToolButton* m_choose = nullptr;
     QToolButton* m_quickPicks = nullptr;

@@ -19,6 +19,13 @@ using namespace Qt::StringLiterals;
 
 namespace vt {
 
+namespace {
+
+/// Height of a window in which the hint takes no room from the page, in lines.
+constexpr int comfortableLines = 36;
+
+} // namespace
+
 WizardFrame::WizardFrame(Context& context, Frame& frame, Section section, QWidget* parent)
     : ToolWindow(context, section, parent), m_frame(frame)
 {
@@ -148,6 +155,13 @@ void WizardFrame::buildShortcuts()
     shortcut(Qt::Key_Escape, cmdCancel);
 }
 
+/// In a low window the hint, which the step's button tells too, gives its lines to the page.
+void WizardFrame::resizeEvent(QResizeEvent* event)
+{
+    ToolWindow::resizeEvent(event);
+    m_hint->setVisible(height() >= fontMetrics().lineSpacing() * comfortableLines);
+}
+
 // The steps.
 
 void WizardFrame::Steps_Build(const QList<WizardStep>& steps)
@@ -251,9 +265,7 @@ void WizardFrame::setFooter(const QString& text)
 void WizardFrame::setNotice(const QString& text, bool problem)
 {
     const int extent = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
-    const QIcon icon = problem
-                           ? icons::state(icons::State::Attention)
-                           : style()->standardIcon(QStyle::SP_MessageBoxInformation, nullptr, this);
+    const QIcon icon = problem ? icons::state(icons::State::Attention) : icons::command(u"info"_s);
     m_noticeIcon->setPixmap(icon.pixmap(extent, extent));
     m_noticeText->setText(text);
     m_notice->setVisible(!text.isEmpty());

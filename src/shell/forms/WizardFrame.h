@@ -80,6 +80,7 @@ protected:
     [[nodiscard]] virtual QString helpTopic() const { return {}; }
 
     void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void buildColumn();

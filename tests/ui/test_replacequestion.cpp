@@ -1,4 +1,5 @@
 // The replace question inside a real installation, answered in its window, and what it shows.
+#include "archive/CZIP.h"
 #include "demo/SampleAddons.h"
 #include "install/CAddonInstaller.h"
 #include "shell/ErrorLog.h"
@@ -126,6 +127,34 @@ private Q_SLOTS:
         for (const QString& name : {u"fx_1.fx"_s, u"fx_2.fx"_s, u"fx_3.fx"_s})
             now += *real.files.read(effects + name, 100) == "new" ? 1 : 0;
         QCOMPARE(now, replaced);
+    }
+
+    void extraction_asksTheSameWay()
+    {
+        WindowWorld world;
+        const QString effects = world.context().global.simulatorFolder + u"Effects\\"_s;
+        for (const QString& name : {u"fx_1.fx"_s, u"fx_2.fx"_s})
+            QVERIFY(world.session->services().actions.replace(effects + name, "old"));
+        writeHostFile(
+            world.host(u"pack.zip"_s),
+            SampleAddon{u"pack"_s, {}, {{u"fx_1.fx"_s, "new"}, {u"fx_2.fx"_s, "new"}}}.archive());
+        WindowPrompts prompts;
+        prompts.keys = {QKeySequence(u"Alt+N"_s), QKeySequence(u"Alt+Y"_s)};
+        const Services& real = world.session->services();
+        Services services{
+            real.files, real.gate, real.actions, prompts, real.status, real.clock, real.ansi};
+        CZIP zip(services);
+        zip.sZIPFile = world.windows(u"pack.zip"_s);
+        zip.sExtract_Folder = effects;
+        zip.boolExtract_All = true;
+        zip.boolExtract_ConfirmOverwrite = true;
+        QVERIFY2(zip.Extract(), qPrintable(zip.resultText()));
+        QCOMPARE(*real.files.read(effects + u"fx_1.fx"_s, 100), "old");
+        QCOMPARE(*real.files.read(effects + u"fx_2.fx"_s, 100), "new");
+        const frmYesYesToAllNoNoToAllCancel window(prompts.asked.first());
+        QCOMPARE(labelText(window, u"lblHeading"_s),
+                 u"'"_s + effects + u"fx_1.fx' already exists. Do you want to overwrite it?"_s);
+        QCOMPARE(prompts.asked.first().replacing->newSize, 3);
     }
 
     void newerFile_isNamed_data()

@@ -20,6 +20,9 @@ namespace vt {
 
 namespace {
 
+/// Width at which both lists stand side by side, in average characters.
+constexpr int widePage = 110;
+
 /// The fates of files of one or more add-ons, counted.
 QString countsOf(const QList<RemovalPreview>& previews)
 {
@@ -87,6 +90,19 @@ frmRemove_Summary::frmRemove_Summary(Session& session,
     setFocusProxy(m_addons);
 }
 
+/// On a narrow page the files stand below the add-ons instead of beside them.
+void frmRemove_Summary::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    const bool narrow = width() < fontMetrics().averageCharWidth() * widePage;
+    const Qt::Orientation wanted = narrow ? Qt::Vertical : Qt::Horizontal;
+    if (m_splitter->orientation() == wanted)
+        return;
+    m_splitter->setOrientation(wanted);
+    if (narrow)
+        m_splitter->setSizes({height() / 3, height() * 2 / 3});
+}
+
 Result frmRemove_Summary::refresh()
 {
     Services& services = m_session.services();
@@ -141,9 +157,10 @@ void frmRemove_Summary::Form_Settings_Save()
     Settings& settings = m_session.context().settings;
     m_addons->saveLayout(settings, Section::RemoveSummary);
     m_files->saveLayout(settings, Section::RemoveSummary, ViewPrefix::Files);
-    settings.setLayoutText(Section::RemoveSummary,
-                           LayoutValue::FirstPaneWidth,
-                           QString::number(m_splitter->sizes().first()));
+    if (m_splitter->orientation() == Qt::Horizontal)
+        settings.setLayoutText(Section::RemoveSummary,
+                               LayoutValue::FirstPaneWidth,
+                               QString::number(m_splitter->sizes().first()));
 }
 
 } // namespace vt

@@ -33,6 +33,9 @@ public:
 
     void Form_Settings_Save();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void sizeColumns();
     void showFiles();

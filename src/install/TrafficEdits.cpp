@@ -24,7 +24,7 @@ PlanSurroundings
 surroundingsOf(const TrafficFile& plans, QList<TrafficFile> files, Context& context, bool again)
 {
     CTrafficTools tools(context);
-    const bool installed = tools.names().hasSources() && tools.Tool_Find();
+    const bool installed = tools.Tool_Find();
     const auto source = [&](TrafficKind kind) {
         return installed ? linesOf(context, tools.sourceFile(kind)) : QList<QByteArray>();
     };

@@ -23,7 +23,7 @@ namespace vt {
 
 namespace {
 
-constexpr int leastPlanLines = 4;
+constexpr int leastPlanLines = 2;
 constexpr qsizetype mostPlansTold = 200;
 
 } // namespace

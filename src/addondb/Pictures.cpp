@@ -19,6 +19,31 @@ Result notSetUp(const QString& why)
     return Result::failure(u"Could not setup a picture for the addon. "_s + why);
 }
 
+/// A comment of a JPEG file, behind its first two bytes.
+constexpr QByteArrayView startOfImage("\xFF\xD8");
+constexpr QByteArrayView defaultRemark("\xFF\xFE\x00\x1A"
+                                       "Vantrel default picture\0",
+                                       28);
+
+Result notBelowSimulator(const QString& path)
+{
+    return notSetUp(u"'"_s + path + u"' does not lie in the simulator's folder."_s);
+}
+
+Result writeThumbnail(Context& context,
+                      const QString& path,
+                      const QByteArray& picture,
+                      const QString& name,
+                      Chosen chosen)
+{
+    const ResultOf<QByteArray> jpeg = preview(picture, name);
+    if (!jpeg)
+        return notSetUp(jpeg.text);
+    const Result written = context.services.actions.replace(
+        path, chosen == Chosen::ByDefault ? markedAsDefault(*jpeg) : *jpeg);
+    return written ? written : notSetUp(written.text);
+}
+
 /// The folder as well, once nothing is left in it.
 Result deleteWithFolder(FileActions& actions, const QString& path)
 {
@@ -28,6 +53,18 @@ Result deleteWithFolder(FileActions& actions, const QString& path)
 }
 
 } // namespace
+
+QByteArray markedAsDefault(const QByteArray& jpeg)
+{
+    return isDefault(jpeg) ? jpeg : QByteArray(jpeg).insert(startOfImage.size(), defaultRemark);
+}
+
+bool isDefault(const QByteArray& jpeg)
+{
+    return QByteArrayView(jpeg)
+        .sliced(qMin(jpeg.size(), startOfImage.size()))
+        .startsWith(defaultRemark);
+}
 
 ResultOf<QByteArray> preview(const QByteArray& picture, const QString& name, int width)
 {
@@ -125,17 +162,14 @@ Result storeItemThumbnail(Context& context,
                           const QString& configurationFile,
                           const QString& section,
                           const QByteArray& picture,
-                          const QString& name)
+                          const QString& name,
+                          Chosen chosen)
 {
     const QString path = itemThumbnail(context.global, configurationFile, section);
     if (path.isEmpty())
-        return notSetUp(u"'"_s + configurationFile +
-                        u"' does not lie in the simulator's folder."_s);
-    const ResultOf<QByteArray> jpeg = preview(picture, name);
-    if (!jpeg)
-        return notSetUp(jpeg.text);
-    if (Result written = context.services.actions.replace(path, *jpeg); !written)
-        return notSetUp(written.text);
+        return notBelowSimulator(configurationFile);
+    if (Result written = writeThumbnail(context, path, picture, name, chosen); !written)
+        return written;
     if (modDatabase_Addon::itemDetail(database, table, configurationFile, section))
         return Result::success();
     ItemDetailRecord record;
@@ -144,6 +178,22 @@ Result storeItemThumbnail(Context& context,
     if (Result recorded = modDatabase_Addon::setItemDetail(database, table, record); !recorded)
         return notSetUp(recorded.text);
     return Result::success();
+}
+
+QString sceneryThumbnail(const GlobalRecord& global, const QString& folder)
+{
+    return itemThumbnail(global, winpath::asFolder(folder) + u"scenery"_s, {});
+}
+
+Result storeSceneryThumbnail(Context& context,
+                             const QString& folder,
+                             const QByteArray& picture,
+                             const QString& name,
+                             Chosen chosen)
+{
+    const QString path = sceneryThumbnail(context.global, folder);
+    return path.isEmpty() ? notBelowSimulator(folder)
+                          : writeThumbnail(context, path, picture, name, chosen);
 }
 
 Result deleteItemThumbnails(FileActions& actions,
@@ -170,7 +220,12 @@ Result
 clearItemThumbnail(Context& context, const QString& configurationFile, const QString& section)
 {
     const QString path = itemThumbnail(context.global, configurationFile, section);
-    return path.isEmpty() ? Result::success() : deleteWithFolder(context.services.actions, path);
+    return path.isEmpty() ? Result::success() : clearThumbnail(context, path);
+}
+
+Result clearThumbnail(Context& context, const QString& thumbnail)
+{
+    return deleteWithFolder(context.services.actions, thumbnail);
 }
 
 } // namespace vt::pictures

@@ -47,6 +47,17 @@ Result deleteAddonPictures(FileActions& actions,
                            const GlobalRecord& global,
                            qint64 masterKey);
 
+/// Whose choice a thumbnail is. Those that the program chose for the simulator's own content carry
+/// a remark in the file by which they are told from the user's.
+enum class Chosen : quint8
+{
+    ByUser,
+    ByDefault,
+};
+
+[[nodiscard]] QByteArray markedAsDefault(const QByteArray& jpeg);
+[[nodiscard]] bool isDefault(const QByteArray& jpeg);
+
 /// Full path of the thumbnail of an aircraft's section, or of a panel (no section), named by its
 /// configuration file; empty for one outside the simulator's folder.
 [[nodiscard]] QString
@@ -60,7 +71,16 @@ Result storeItemThumbnail(Context& context,
                           const QString& configurationFile,
                           const QString& section,
                           const QByteArray& picture,
-                          const QString& name);
+                          const QString& name,
+                          Chosen chosen = Chosen::ByUser);
+/// Full path of the thumbnail of a folder of scenery; empty for one outside the simulator's folder.
+[[nodiscard]] QString sceneryThumbnail(const GlobalRecord& global, const QString& folder);
+/// Writes it; scenery has no row of its own.
+Result storeSceneryThumbnail(Context& context,
+                             const QString& folder,
+                             const QByteArray& picture,
+                             const QString& name,
+                             Chosen chosen = Chosen::ByUser);
 /// For a removal: the thumbnails of all sections of an aircraft.cfg, or that of a panel.cfg.
 Result deleteItemThumbnails(FileActions& actions,
                             const Files& files,
@@ -68,5 +88,7 @@ Result deleteItemThumbnails(FileActions& actions,
                             const QString& configurationFile);
 Result
 clearItemThumbnail(Context& context, const QString& configurationFile, const QString& section);
+/// Deletes the thumbnail at this path, and its folder once that is empty.
+Result clearThumbnail(Context& context, const QString& thumbnail);
 
 } // namespace vt::pictures

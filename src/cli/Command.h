@@ -97,6 +97,7 @@ struct Command
 [[nodiscard]] std::vector<Command> verifyCommands();
 [[nodiscard]] std::vector<Command> panelCommands(); ///< panel set, sound set
 [[nodiscard]] std::vector<Command> missionCommands();
+[[nodiscard]] std::vector<Command> pictureCommands();
 [[nodiscard]] std::vector<Command> trafficCommands();
 
 } // namespace vt::cli

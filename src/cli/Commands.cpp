@@ -8,10 +8,11 @@ std::vector<Command> allCommands()
 {
     using Group = std::vector<Command> (*)();
     constexpr Group groups[] = {
-        doctorCommands, settingsCommands, iniCommands,     aircraftCommands, sceneryCommands,
-        configCommands, variantCommands,  archiveCommands, databaseCommands, addonCommands,
-        editCommands,   planCommands,     installCommands, importCommands,   removeCommands,
-        repairCommands, verifyCommands,   panelCommands,   missionCommands,  trafficCommands,
+        doctorCommands,  settingsCommands, iniCommands,     aircraftCommands, sceneryCommands,
+        configCommands,  variantCommands,  archiveCommands, databaseCommands, addonCommands,
+        editCommands,    planCommands,     installCommands, importCommands,   removeCommands,
+        repairCommands,  verifyCommands,   panelCommands,   missionCommands,  trafficCommands,
+        pictureCommands,
     };
     std::vector<Command> all;
     for (const Group group : groups) {

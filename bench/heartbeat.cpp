@@ -5,6 +5,7 @@
 //   bench-heartbeat FOLDER [FILES BYTES-MIN BYTES-MAX]
 //
 // FOLDER (made, must be missing or empty) lies on the disk that is to be measured.
+#include "Heart.h"
 #include "demo/BenchmarkPack.h"
 #include "demo/DemoSimulator.h"
 #include "install/forms/frmInstall_Wizard.h"
@@ -15,79 +16,11 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTextStream>
-#include <QTimer>
-
-#include <algorithm>
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int beatMs = 5;
-constexpr qsizetype toldGaps = 8;
-
-struct Gap
-{
-    double ms = 0;
-    double atMs = 0; ///< since the phase began
-    QString said;    ///< the last text of the status bar before its end
-};
-
-/// Beats whenever events are processed.
-class Heart
-{
-public:
-    explicit Heart(vt::QtStatus& status)
-    {
-        m_timer.setTimerType(Qt::PreciseTimer);
-        m_timer.setInterval(beatMs);
-        QObject::connect(&m_timer, &QTimer::timeout, [this] { beat(); });
-        QObject::connect(&status,
-                         &vt::QtStatus::panelChanged,
-                         [this](const QString&, const QString& text) { m_said = text; });
-    }
-
-    void begin()
-    {
-        m_gaps.clear();
-        m_said.clear();
-        m_timer.start();
-        m_clock.start();
-        m_last = 0;
-    }
-
-    /// Tells the phase's longest gaps.
-    void end(const QString& phase)
-    {
-        beat();
-        m_timer.stop();
-        std::sort(
-            m_gaps.begin(), m_gaps.end(), [](const Gap& a, const Gap& b) { return a.ms > b.ms; });
-        QTextStream out(stdout);
-        out << phase << ": " << qRound(m_last) << " ms, " << m_gaps.size()
-            << " beats, the longest gaps:\n";
-        for (const Gap& gap : m_gaps.first(qMin(toldGaps, m_gaps.size())))
-            out << "  " << QString::number(gap.ms, 'f', 1).rightJustified(8) << " ms at "
-                << qRound(gap.atMs) << " ms: " << gap.said << '\n';
-    }
-
-private:
-    void beat()
-    {
-        const double now = double(m_clock.nsecsElapsed()) / 1e6;
-        m_gaps.append({now - m_last, m_last, m_said});
-        m_last = now;
-    }
-
-    QTimer m_timer;
-    QElapsedTimer m_clock;
-    double m_last = 0;
-    QString m_said;
-    QList<Gap> m_gaps;
-};
 
 int failed(const QString& why)
 {
@@ -115,7 +48,7 @@ int measure(const QDir& folder, const QString& archive)
         u"wizard"_s, {}, [&] { return new vt::frmInstall_Wizard(session, window); }));
     QApplication::processEvents();
 
-    Heart heart(status);
+    bench::Heart heart(status);
     heart.begin();
     const vt::Result chosen = wizard->choose(session.userPath(archive));
     QApplication::processEvents();

@@ -302,13 +302,17 @@ ResultOf<QList<AddonRecord>> addons(Connection& database, bool descriptions)
         return databaseFailure(u"Could not open the addon master table."_s);
     if (!descriptions)
         return all;
+    // Both tables lie in the order of keys: one walk beside the other.
     Recordset texts(database, Table::Addon_Description);
+    bool more = texts.moveFirst();
     for (AddonRecord& each : all) {
-        if (texts.seek({each.key}))
+        while (more && texts.number(Field::Addon_Master_Key) < each.key)
+            more = texts.moveNext();
+        if (more && texts.number(Field::Addon_Master_Key) == each.key)
             each.description = texts.text(Field::Description);
-        else if (!texts.error())
-            return databaseFailure(u"Could not open the addon description table."_s);
     }
+    if (!texts.error())
+        return databaseFailure(u"Could not open the addon description table."_s);
     return all;
 }
 

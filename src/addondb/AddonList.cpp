@@ -85,12 +85,14 @@ ResultOf<QList<AddonRow>> addonRows(Connection& database, const ListFilter& filt
         return addons.error();
     QList<AddonRow> rows;
     Recordset details(database, Table::Addon_Details);
-    for (const AddonRecord& addon : *addons) {
-        if (passes(addon, filter))
-            rows.push_back({addon, filesOf(details, addon.key)});
-    }
+    details.setIndex(Index::Addon_Details_Addon_Master_Key);
+    const QHash<qint64, qint64> files = details.countsOfEach();
     if (!details.error())
         return detailsNotRead();
+    for (const AddonRecord& addon : *addons) {
+        if (passes(addon, filter))
+            rows.push_back({addon, files.value(addon.key)});
+    }
     return rows;
 }
 

@@ -436,6 +436,24 @@ qint64 Recordset::counted(Kind kind,
     return 0;
 }
 
+QHash<qint64, qint64> Recordset::countsOfEach()
+{
+    m_error = {};
+    QHash<qint64, qint64> counts;
+    const Statement counting = prepared(Kind::CountEach, 0, [&] {
+        const QByteArray field = schema::quoted(info(m_index).fields.front());
+        return "SELECT " + field + ", count(*) FROM " + schema::quoted(m_table) + " GROUP BY " +
+               field;
+    });
+    int code = counting ? SQLITE_ROW : m_connection.lastError().number;
+    while (counting && (code = sqlite3_step(counting.get())) == SQLITE_ROW)
+        counts.insert(sqlite3_column_int64(counting.get(), 0),
+                      sqlite3_column_int64(counting.get(), 1));
+    if (code != SQLITE_DONE)
+        failed(code);
+    return counts;
+}
+
 Result Recordset::deleteAll(Kind kind,
                             std::initializer_list<FieldValue> keys,
                             const std::function<QByteArray()>& condition)

@@ -7,6 +7,7 @@
 #include "addondb/Tables.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -102,6 +103,9 @@ public:
     [[nodiscard]] qint64 count();
     /// Rows whose leading index fields equal \a keys.
     [[nodiscard]] qint64 countMatching(std::initializer_list<FieldValue> keys);
+    /// How many rows there are of each value of the chosen index's first field, a number. One walk
+    /// over the index.
+    [[nodiscard]] QHash<qint64, qint64> countsOfEach();
     /// Deletes every row whose leading fields of the chosen index equal \a keys, at once.
     Result deleteAllMatching(std::initializer_list<FieldValue> keys);
     /// Deletes the rows that seekBelonging() finds, at once.
@@ -140,6 +144,7 @@ private:
         DeleteMatching,
         Count,
         CountMatching,
+        CountEach,
         Belonging = 32,
         DeleteBelonging = 96,
     };

@@ -32,15 +32,35 @@ QString totalsText(const AddonTotals& totals)
 
 // --- rows and filter ---
 
-void AddonTableModel::setRows(QList<AddonListRow> rows)
+AddonTableModel::Ready AddonTableModel::ready(QList<AddonListRow> rows,
+                                              const std::function<void()>& breathe)
+{
+    constexpr size_t breathEvery = 2048;
+    Ready made;
+    made.begins.reserve(size_t(rows.size()) + 1);
+    for (const AddonListRow& row : std::as_const(rows)) {
+        made.begins.push_back(made.searched.size());
+        made.searched += searchedText(row.addon).toStdString();
+        made.searched += '\n';
+        if (breathe && made.begins.size() % breathEvery == 0)
+            breathe();
+    }
+    made.begins.push_back(made.searched.size());
+    made.rows = std::move(rows);
+    return made;
+}
+
+void AddonTableModel::setRows(Ready ready)
 {
     beginResetModel();
-    m_rows.assign(std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
+    m_searched = std::move(ready.searched);
+    m_searchedBegins = std::move(ready.begins);
+    m_rows.assign(std::make_move_iterator(ready.rows.begin()),
+                  std::make_move_iterator(ready.rows.end()));
     m_dated.assign(m_rows.size(), false);
     m_leftOut.clear();
     for (Places& places : m_ascending)
         places.clear();
-    prepareSearch();
     passWithoutSearch();
     m_shown = passing();
     endResetModel();
@@ -72,19 +92,6 @@ void AddonTableModel::leaveOut(const QList<qint64>& masterKeys)
         m_leftOut.insert(key);
     passWithoutSearch();
     showPassing();
-}
-
-void AddonTableModel::prepareSearch()
-{
-    m_searched.clear();
-    m_searchedBegins.clear();
-    m_searchedBegins.reserve(m_rows.size() + 1);
-    for (const AddonListRow& row : m_rows) {
-        m_searchedBegins.push_back(m_searched.size());
-        m_searched += searchedText(row.addon).toStdString();
-        m_searched += '\n';
-    }
-    m_searchedBegins.push_back(m_searched.size());
 }
 
 void AddonTableModel::passWithoutSearch()
@@ -318,7 +325,6 @@ bool AddonTableModel::setData(const QModelIndex& index, const QVariant& value, i
         return false;
     text = wanted;
     m_ascending[size_t(index.column())].clear();
-    prepareSearch();
     Q_EMIT dataChanged(index, index);
     return true;
 }

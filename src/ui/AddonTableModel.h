@@ -39,8 +39,25 @@ public:
     /// Carries out an edit of a cell; false leaves it as it is. Unset: nothing can be edited.
     std::function<bool(qint64 masterKey, const AddonChanges&)> change;
 
+    /// Rows with what searching them needs.
+    struct Ready
+    {
+        QList<AddonListRow> rows;
+        /// Their texts behind each other, in UTF-8, and where each begins: one walk through memory
+        /// finds every row that holds a text.
+        std::string searched;
+        std::vector<size_t> begins;
+    };
+
+    /// The longer part of setRows(), which touches nothing that is shown. \a breathe is called
+    /// often.
+    [[nodiscard]] static Ready ready(QList<AddonListRow> rows,
+                                     const std::function<void()>& breathe = {});
     /// Takes the place of all rows; filter and sorting stay.
-    void setRows(QList<AddonListRow> rows);
+    void setRows(Ready ready);
+
+    void setRows(QList<AddonListRow> rows) { setRows(ready(std::move(rows))); }
+
     /// Rows that do not pass are left out.
     void setFilter(const ListFilter& filter);
 
@@ -77,7 +94,6 @@ private:
     const Places& ascending(AddonColumn column);
     /// Places of the rows that pass the filter, in the order of the sorting.
     [[nodiscard]] Places passing();
-    void prepareSearch();
     void showPassing();
     void passWithoutSearch();
     void passSearch(std::vector<char>& passes) const;
@@ -85,9 +101,7 @@ private:
 
     mutable std::vector<AddonListRow> m_rows; ///< folder dates are added when they are asked for
     mutable std::vector<bool> m_dated;
-    /// The searched texts of all rows behind each other, in UTF-8, and where each begins: one walk
-    /// through memory finds every row that holds a text.
-    std::string m_searched;
+    std::string m_searched; ///< as Ready has them
     std::vector<size_t> m_searchedBegins;
     std::vector<char> m_passing;                                ///< by place, without the search
     std::array<Places, size_t(AddonColumn::Count)> m_ascending; ///< empty until asked for

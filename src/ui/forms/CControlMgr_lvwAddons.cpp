@@ -185,11 +185,15 @@ void CControlMgr_lvwAddons::fill()
 {
     if (m_loadInProgress)
         return;
-    auto rows = [this] {
+    StatusSink& status = m_session.services().status;
+    auto rows = [&]() -> ResultOf<AddonTableModel::Ready> {
         const QScopedValueRollback guard(m_loadInProgress, true);
-        return addonListRows(*m_session.database(), m_session.services().status, {});
+        ResultOf<QList<AddonListRow>> read = addonListRows(*m_session.database(), status, {});
+        if (!read)
+            return read.error();
+        return AddonTableModel::ready(std::move(*read), [&status] { status.breathe(); });
     }();
-    m_session.services().status.text(u"Primary"_s, rows ? QString() : rows.text);
+    status.text(u"Primary"_s, rows ? QString() : rows.text);
     if (rows)
         m_model.setRows(std::move(*rows));
 }

@@ -161,6 +161,7 @@ private:
     Result collect(File& file, const QString& from);
     Result collectStored(const QString& path);
     Result collectLeftovers();
+    void collectPicture();
     Result recreate(const CabinetFile& file);
     [[nodiscard]] QString recreatedName(const QString& path);
     Result writeRecreateZip();

@@ -2,6 +2,7 @@
 // is written, read back and compared before the transaction that takes it out of the simulator is
 // committed.
 #include "addondb/AddonDatabase.h"
+#include "addondb/Pictures.h"
 #include "platform/Hash.h"
 #include "platform/WinPath.h"
 #include "remove/CAddonRemover.h"
@@ -145,7 +146,9 @@ QString CAddonRemover::recreatedName(const QString& path)
 {
     const GlobalRecord& global = m_context.global;
     QString name;
-    if (winpath::isBelow(path, global.addonsFolder)) {
+    if (winpath::isBelow(path, global.imagesFolder)) {
+        name = winpath::name(path);
+    } else if (winpath::isBelow(path, global.addonsFolder)) {
         name = winpath::relativeTo(path, global.addonsFolder);
         name = name.sliced(name.indexOf(u'\\') + 1);
     } else if (const ResultOf<Place> place = m_context.services.gate.place(path)) {
@@ -187,10 +190,27 @@ Result CAddonRemover::recreate(const CabinetFile& file)
     return Result::success();
 }
 
+/// The add-on's picture goes along with the files that people get, if the settings say so. It is
+/// none of the add-on's files: one that cannot be read is told and stops nothing.
+void CAddonRemover::collectPicture()
+{
+    const QString picture = pictures::addonPicture(m_context.global, m_masterKey);
+    const bool any = !m_collected.empty() || !m_recreated.isEmpty();
+    if (!moves() || !m_whole || !any || !m_context.services.files.isFile(picture) ||
+        !m_context.settings.flag(SettingKey::RecreateIncludeAddonPictures))
+        return;
+    const CabinetFile collected{picture, picture};
+    if (m_options.zip)
+        m_collected.push_back(collected);
+    else if (const Result copied = recreate(collected); !copied)
+        m_results.add(resultgroup::failedSpecialActions, copied.text);
+}
+
 Result CAddonRemover::Remove_ProcessCabinetZip()
 {
     if (m_options.method == RemovalMethod::FileCabinet)
         return fillCabinet();
+    collectPicture();
     if (moves() && m_options.zip) {
         if (Result written = writeRecreateZip(); !written)
             return written;

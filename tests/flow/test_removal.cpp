@@ -346,6 +346,22 @@ private Q_SLOTS:
         QCOMPARE(changes(), QStringList());
     }
 
+    void recreated_withItsPictureWhereTheSettingSaysSo()
+    {
+        for (const auto& [zip, wanted] : {std::pair{false, true}, {true, true}, {true, false}}) {
+            const qint64 key = install(u"pictured.zip"_s, {{u"Effects/fx_a.fx"_s, "a"}});
+            const QString picture = pictures::addonPicture(m_world->global, key);
+            QVERIFY(m_world->actions.replace(picture, "the picture"));
+            QVERIFY(m_world->settings.setFlag(SettingKey::RecreateIncludeAddonPictures, wanted));
+            QVERIFY(m_world->remove(key, by(RemovalMethod::Recreate, zip)));
+            QVERIFY(!m_world->anyFailed);
+            QCOMPARE(gone(key).value(u"picture.jpg"_s),
+                     wanted ? QByteArray("the picture") : QByteArray());
+            QVERIFY(QDir(m_dir->filePath(u"chosen"_s)).removeRecursively());
+        }
+        QCOMPARE(changes(), QStringList());
+    }
+
     void storageOfTheAddon_goesWithWhatTheUserPutThere()
     {
         const qint64 key = install(

@@ -1,6 +1,7 @@
 // The desktop program.
 #include "app/Options.h"
 #include "app/StartUp.h"
+#include "platform/EndSignals.h"
 #include "shell/forms/Icons.h"
 
 #include <QApplication>
@@ -28,5 +29,7 @@ int main(int argc, char** argv)
     vt::app::StartUp start(*options);
     if (!start.Main())
         return start.exitStatus();
+    // As the window's own end; one that must not close now (it installs) stays.
+    const vt::EndSignals asked([&start] { start.window()->close(); });
     return QApplication::exec();
 }

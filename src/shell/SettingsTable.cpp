@@ -61,6 +61,7 @@ constexpr const char16_t* sectionNames[] = {
     u"Select Sound",
     u"Select Panel",
     u"Process Results",
+    u"Help",
     u"Windows Explorer Context Menu",
 };
 

@@ -67,6 +67,7 @@ enum class Section : quint8
     SelectSound,
     SelectPanel,
     ProcessResults,
+    Help,
     WindowsExplorerContextMenu,
     Count,
 };

@@ -34,6 +34,7 @@ frmDatabase_Optimize::frmDatabase_Optimize(Session& session, Frame& frame, QWidg
 {
     setObjectName(u"frmDatabase_Optimize"_s);
     setWindowTitle(u"Optimize Database"_s);
+    setProperty(helpTopicProperty, u"optimize"_s);
     m_size = new QLabel;
     m_size->setObjectName(u"lblSize"_s);
     m_size->setWordWrap(true);
@@ -71,7 +72,7 @@ frmDatabase_Optimize::frmDatabase_Optimize(Session& session, Frame& frame, QWidg
     connect(buttons, &QDialogButtonBox::accepted, this, &frmDatabase_Optimize::optimize);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(buttons, &QDialogButtonBox::helpRequested, this, [this] {
-        m_frame.showHelp(u"OptimizeDatabase"_s);
+        m_frame.showHelp(property(helpTopicProperty).toString());
     });
     showSize();
 }

@@ -325,7 +325,7 @@ void frmRemove_Wizard::refreshFooter()
 
 QString frmRemove_Wizard::helpTopic() const
 {
-    return u"removal-wizard"_s;
+    return u"remove"_s;
 }
 
 } // namespace vt

@@ -85,7 +85,7 @@ constexpr MenuRow rows[] = {
     {"mnuWindow", "mnuToolbar", u"Toolbar", false, true},
 
     {"", "mnuHelp", u"&Help", true},
-    {"mnuHelp", "mnuHelpTopics", u"&Help Topics", false, false, false, "help", "F1"},
+    {"mnuHelp", "mnuHelpTopics", u"&Help Topics", false, false, false, "help"},
     {"mnuHelp", "mnuHowToUseThisProgram", u"&How to use This Program"},
     {"mnuHelp", "mnuBugReport", u"Report a Bug", false, false, true},
     {"mnuHelp", "mnuWebSite", u"Vantrel Web Site", false, false, false, "web"},

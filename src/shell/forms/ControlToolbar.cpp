@@ -70,6 +70,13 @@ void ControlToolbar::setCaptions(bool on)
     setToolButtonStyle(on ? Qt::ToolButtonTextUnderIcon : Qt::ToolButtonIconOnly);
 }
 
+void ControlToolbar::setRaised(bool on)
+{
+    for (QAction* tool : actions())
+        if (auto* button = qobject_cast<QToolButton*>(widgetForAction(tool)))
+            button->setAutoRaise(!on);
+}
+
 void ControlToolbar::setSubmenus(bool on)
 {
     m_wantsSubmenus = on;

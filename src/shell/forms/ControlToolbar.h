@@ -16,6 +16,8 @@ public:
     explicit ControlToolbar(const ControlMenu& menu, QWidget* parent = nullptr);
 
     void setCaptions(bool on);
+    /// Buttons with edges, instead of flat ones.
+    void setRaised(bool on);
     /// Buttons of families ("Aircraft") offer their submenu beside, where there is room for it.
     void setSubmenus(bool on);
 

@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QUrl>
 
+using namespace Qt::StringLiterals;
+
 namespace vt::desktop {
 
 namespace {
@@ -34,6 +36,19 @@ bool openFolder(const Files& files, const QString& path)
 bool openFile(const Files& files, const QString& path)
 {
     return files.isFile(path) && open(files, path);
+}
+
+Result openAddress(const QString& address)
+{
+    const QUrl url(address.trimmed(), QUrl::StrictMode);
+    const QString scheme = url.scheme();
+    if (scheme != "https"_L1 && scheme != "http"_L1 && scheme != "mailto"_L1)
+        return Result::failure(
+            u"'"_s + address +
+            u"' is not opened: an address in the settings must begin with https:, http: or mailto:."_s);
+    if (!QDesktopServices::openUrl(url))
+        return Result::failure(u"The desktop has no program that opens '"_s + address + u"'."_s);
+    return Result::success();
 }
 
 } // namespace vt::desktop

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/Files.h"
+#include "platform/Result.h"
 
 #include <QString>
 
@@ -13,5 +14,9 @@ bool openFolder(const Files& files, const QString& path);
 
 /// Opens a file with the program that the desktop has for it.
 bool openFile(const Files& files, const QString& path);
+
+/// Opens a page of the web, or a new message: "https:", "http:" or "mailto:" and nothing else,
+/// since any other address might start a program. The text of a failure names the address.
+Result openAddress(const QString& address);
 
 } // namespace vt::desktop

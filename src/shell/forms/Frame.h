@@ -19,6 +19,9 @@ struct AfterResults
     std::function<void()> tryAgain = {}; ///< what failed, once more; unset: it cannot be
 };
 
+/// Property of a dialog: the topic that F1 shows while it is open.
+inline constexpr const char* helpTopicProperty = "helpTopic";
+
 class Frame
 {
 public:

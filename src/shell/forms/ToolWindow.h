@@ -28,6 +28,9 @@ public:
     /// Called before the window closes; false keeps it open.
     virtual bool mayClose() { return true; }
 
+    /// What F1 shows: a topic of the help, or the name of a section that has one.
+    [[nodiscard]] virtual QString helpTopic() const { return sectionName(m_section); }
+
     /// An add-on came, went or was edited.
     virtual void recordsChanged() {}
 

@@ -149,7 +149,6 @@ void WizardFrame::buildShortcuts()
         made->setContext(Qt::WidgetWithChildrenShortcut);
         connect(made, &QShortcut::activated, button, &QPushButton::click);
     };
-    shortcut(QKeySequence::HelpContents, cmdHelp);
     shortcut(Qt::CTRL | Qt::Key_PageUp, cmdPrevious);
     shortcut(Qt::CTRL | Qt::Key_PageDown, cmdNext);
     shortcut(Qt::Key_Escape, cmdCancel);

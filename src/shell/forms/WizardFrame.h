@@ -27,7 +27,7 @@ struct WizardStep
 };
 
 /// Steps are counted from 0. "F&inish" stands below them and is none of them. Access keys B and N
-/// are taken, and I; Escape is Cancel, F1 Help, Ctrl+PgUp and Ctrl+PgDown go back and on.
+/// are taken, and I; Escape is Cancel, Ctrl+PgUp and Ctrl+PgDown go back and on.
 class WizardFrame : public ToolWindow
 {
     Q_OBJECT
@@ -75,9 +75,6 @@ protected:
     /// A step's button, Back or Next was pressed: show the page of \a step, or refuse.
     virtual void stepChosen(int step) = 0;
     virtual void finishChosen() = 0;
-
-    /// Topic of the help for the step that is shown.
-    [[nodiscard]] virtual QString helpTopic() const { return {}; }
 
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

@@ -11,6 +11,7 @@
 #include "shell/forms/frmProcessResults.h"
 
 #include <QApplication>
+#include <QFontDatabase>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -19,7 +20,8 @@ using namespace Qt::StringLiterals;
 namespace vt {
 
 frmControl::frmControl(Context& context, QtStatus& status)
-    : m_context(context), m_status(status), m_area(new ControlArea)
+    : m_context(context), m_status(status), m_area(new ControlArea),
+      m_desktopFont(QApplication::font())
 {
     setObjectName(u"frmControl"_s);
     setWindowTitle(context.global.names.productTitle);
@@ -41,6 +43,8 @@ frmControl::frmControl(Context& context, QtStatus& status)
 frmControl::~frmControl()
 {
     qApp->removeEventFilter(this);
+    if (QApplication::font() != m_desktopFont)
+        QApplication::setFont(m_desktopFont);
 }
 
 void frmControl::buildBars()
@@ -88,6 +92,7 @@ void frmControl::applySettings()
     const bool toolbar = settings.flag(SettingKey::ToolbarOn);
     m_menu.actions[u"mnuToolbar"_s]->setChecked(toolbar);
     m_toolbar->setVisible(toolbar);
+    m_toolbar->setRaised(settings.number(SettingKey::StandardToolbarStyle) == 1);
     m_toolbar->setCaptions(settings.flag(SettingKey::ToolbarCaptions));
     m_toolbar->setSubmenus(settings.flag(SettingKey::ShowToolbarSubmenus));
     const qint32 colour = settings.colour(SettingKey::MDIBackgroundColor);
@@ -95,6 +100,19 @@ void frmControl::applySettings()
         settingDefault(settingRow(SettingKey::MDIBackgroundColor), m_context.global.generation);
     m_area->setGround(QColor(colour & 0xff, (colour >> 8) & 0xff, (colour >> 16) & 0xff),
                       standard == QString::number(colour));
+    applyFont();
+}
+
+/// The default stands for the desktop's own font. The size is the desktop's in any case.
+void frmControl::applyFont()
+{
+    const QString family = m_context.settings.text(SettingKey::Font);
+    QFont font = m_desktopFont;
+    if (family != settingDefault(settingRow(SettingKey::Font), m_context.global.generation) &&
+        QFontDatabase::hasFamily(family))
+        font.setFamily(family);
+    if (QApplication::font() != font)
+        QApplication::setFont(font);
 }
 
 void frmControl::setCommand(const QString& controlName, std::function<void()> run)

@@ -8,6 +8,7 @@
 #include "shell/forms/Frame.h"
 #include "shell/forms/QtStatus.h"
 
+#include <QFont>
 #include <QMainWindow>
 #include <QPointer>
 
@@ -100,11 +101,13 @@ private:
     void buildOwnCommands();
     void listChildren();
     void toggle(SettingKey key, bool on);
+    void applyFont();
     QMdiSubWindow* addChild(ToolWindow* tool);
     void placeChild(QMdiSubWindow* child, Section section);
     void keepPlace(QMdiSubWindow* child);
     void keepMainPlace();
     [[nodiscard]] bool passesDuringWork(QObject* watched, QEvent* event) const;
+    [[nodiscard]] QString topicHere() const;
     [[nodiscard]] QString droppedSource(const QMimeData* data) const;
 
     Context& m_context;
@@ -115,6 +118,7 @@ private:
     ControlArea* m_area = nullptr;
     ControlToolbar* m_toolbar = nullptr;
     ControlStatusBar* m_bar = nullptr;
+    const QFont m_desktopFont;
     int m_results = 0; ///< results windows opened so far
     bool m_leaving = false;
 };

@@ -4,6 +4,7 @@
 #include "shell/forms/ControlArea.h"
 #include "shell/forms/ControlStatusBar.h"
 #include "shell/forms/ControlToolbar.h"
+#include "shell/forms/ToolWindow.h"
 #include "shell/forms/WindowPlace.h"
 #include "shell/forms/frmControl.h"
 
@@ -79,9 +80,26 @@ bool frmControl::passesDuringWork(QObject* watched, QEvent* event) const
     return false;
 }
 
+/// Of the dialog that is open, else of the tool that is in front.
+QString frmControl::topicHere() const
+{
+    if (const QWidget* dialog = QApplication::activeModalWidget())
+        return dialog->property(helpTopicProperty).toString();
+    const QMdiSubWindow* child = m_area->currentSubWindow();
+    const auto* tool = child ? qobject_cast<ToolWindow*>(child->widget()) : nullptr;
+    return tool ? tool->helpTopic() : QString();
+}
+
 bool frmControl::eventFilter(QObject* watched, QEvent* event)
 {
     const QEvent::Type type = event->type();
+    if (type == QEvent::KeyPress && watched->isWidgetType() && !m_status.working()) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_F1 && key->modifiers() == Qt::NoModifier) {
+            showHelp(topicHere());
+            return true;
+        }
+    }
     if (type == QEvent::ToolTip && !m_context.settings.flag(SettingKey::ActiveTooltips))
         return true;
     if (m_status.working() && isInput(type) && !passesDuringWork(watched, event)) {

@@ -43,7 +43,7 @@ frmProgramInfo::frmProgramInfo(Context& context,
     m_list->setAccessibleName(windowTitle());
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     auto* copyAll = buttons->addButton(u"&Copy All"_s, QDialogButtonBox::ActionRole);
-    auto* open = buttons->addButton(u"&Open Folder"_s, QDialogButtonBox::ActionRole);
+    auto* open = buttons->addButton(u"Open Fo&lder"_s, QDialogButtonBox::ActionRole);
     open->setObjectName(u"openFolder"_s);
     open->setEnabled(false);
     auto* column = new QVBoxLayout(this);

@@ -24,22 +24,26 @@ QString quoted(const QString& argument)
     return u'"' + out.replace(u'\\', u"\\\\"_s) + u'"';
 }
 
-Result bring(Context& context, const QString& file, const QByteArray& content)
+Result bring(Context& context, const QString& file, const QByteArray& content, bool& changed)
 {
     constexpr qint64 limit = 1024 * 1024;
     Services& services = context.services;
     const ResultOf<QByteArray> present = services.files.read(file, limit);
     if (present && *present == content)
         return Result::success();
+    changed = true;
     if (Result made = services.actions.makeFolder(winpath::parent(file)); !made)
         return made;
     return services.actions.replace(file, content);
 }
 
-Result takeBack(Context& context, const QString& file)
+Result takeBack(Context& context, const QString& file, bool& changed)
 {
     Services& services = context.services;
-    return services.files.isFile(file) ? services.actions.remove(file) : Result::success();
+    if (!services.files.isFile(file))
+        return Result::success();
+    changed = true;
+    return services.actions.remove(file);
 }
 
 } // namespace
@@ -57,7 +61,7 @@ QByteArray entry(const GlobalRecord& global, const QString& executable)
     return text.toUtf8();
 }
 
-Result apply(Context& context, const Surroundings& surroundings)
+ResultOf<bool> apply(Context& context, const Surroundings& surroundings)
 {
     Services& services = context.services;
     const QString data =
@@ -65,13 +69,20 @@ Result apply(Context& context, const Surroundings& surroundings)
     services.gate.setRoot(RootId::Chosen, data);
     const QString file = data + u"applications\\vantrel-install.desktop"_s;
     const QString icon = data + u"icons\\hicolor\\scalable\\apps\\vantrel.svg"_s;
-    if (!context.settings.flag(SettingKey::WindowsExplorerContextMenuOn)) {
-        const Result gone = takeBack(context, file);
-        return gone ? takeBack(context, icon) : gone;
+    bool changed = false;
+    Result done = Result::success();
+    if (context.settings.flag(SettingKey::WindowsExplorerContextMenuOn)) {
+        done = bring(context, icon, surroundings.icon, changed);
+        if (done)
+            done = bring(context, file, entry(context.global, surroundings.executable), changed);
+    } else {
+        done = takeBack(context, file, changed);
+        if (done)
+            done = takeBack(context, icon, changed);
     }
-    if (Result written = bring(context, icon, surroundings.icon); !written)
-        return written;
-    return bring(context, file, entry(context.global, surroundings.executable));
+    if (!done)
+        return done;
+    return changed;
 }
 
 } // namespace vt::desktopentry

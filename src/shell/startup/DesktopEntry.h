@@ -22,7 +22,8 @@ struct Surroundings
 /// The entry's text for that program.
 [[nodiscard]] QByteArray entry(const GlobalRecord& global, const QString& executable);
 
-/// Writes what is missing or differs, or deletes what was written when the setting is off.
-Result apply(Context& context, const Surroundings& surroundings);
+/// Writes what is missing or differs, or deletes what was written when the setting is off. Tells
+/// whether anything changed, which the desktop's list of types should then follow.
+ResultOf<bool> apply(Context& context, const Surroundings& surroundings);
 
 } // namespace vt::desktopentry

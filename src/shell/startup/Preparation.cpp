@@ -43,6 +43,14 @@ QString fileTypeKey(const CRegistry_Manipulation& registry, const QString& exten
     return type.isEmpty() ? extension : type;
 }
 
+/// Keys of the verb, one for each kind of archive.
+QStringList verbKeys(const CRegistry_Manipulation& registry, const GlobalRecord& global)
+{
+    const QString edition = global.generation == FSX ? u"FSX"_s : global.names.simShort;
+    const QString verb = u"\\shell\\Install to "_s + edition + u" using Vantrel"_s;
+    return {fileTypeKey(registry, u".zip"_s) + verb, fileTypeKey(registry, u".rar"_s) + verb};
+}
+
 } // namespace
 
 Result createProgramFolders(Context& context)
@@ -161,15 +169,18 @@ QString welcomeText(const DisplayNames& names)
 
 bool registerExplorerVerbs(CRegistry_Manipulation& registry, const GlobalRecord& global)
 {
-    const QString edition = global.generation == FSX ? u"FSX"_s : global.names.simShort;
-    const QString verb = u"Install to "_s + edition + u" using Vantrel"_s;
     const QString command = global.programFolder + u"Vantrel.exe -file=\"%1\""_s;
     bool ok = true;
-    for (const QString& extension : {u".zip"_s, u".rar"_s}) {
-        const QString key =
-            fileTypeKey(registry, extension) + u"\\shell\\"_s + verb + u"\\command"_s;
-        ok = registry.SaveKeyDirect(Hive::ClassesRoot, key, u"*"_s, command) && ok;
-    }
+    for (const QString& key : verbKeys(registry, global))
+        ok = registry.SaveKeyDirect(Hive::ClassesRoot, key + u"\\command"_s, u"*"_s, command) && ok;
+    return ok;
+}
+
+bool removeExplorerVerbs(CRegistry_Manipulation& registry, const GlobalRecord& global)
+{
+    bool ok = true;
+    for (const QString& key : verbKeys(registry, global))
+        ok = registry.DeleteKeyAndSubKeys(Hive::ClassesRoot, key) && ok;
     return ok;
 }
 

@@ -47,6 +47,8 @@ Result keepOriginals(Context& context);
 /// The verb "Install to FSX using Vantrel" of ".zip" and ".rar" files. False when the registry
 /// refused.
 bool registerExplorerVerbs(CRegistry_Manipulation& registry, const GlobalRecord& global);
+/// Takes them back; true when they are gone.
+bool removeExplorerVerbs(CRegistry_Manipulation& registry, const GlobalRecord& global);
 
 /// Name of the file in the settings folder that holds the program's registry.
 [[nodiscard]] QString registryFile(const GlobalRecord& global);

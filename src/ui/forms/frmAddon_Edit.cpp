@@ -1,6 +1,7 @@
 #include "ui/forms/frmAddon_Edit.h"
 
 #include "addondb/AddonColumns.h"
+#include "shell/forms/Frame.h"
 #include "shell/forms/folderchooser.h"
 
 #include <QComboBox>
@@ -21,6 +22,7 @@ frmAddon_Edit::frmAddon_Edit(const Files& files, const AddonRecord& addon, QWidg
 {
     setObjectName(u"frmAddon_Edit"_s);
     setWindowTitle(u"Edit Addon"_s);
+    setProperty(helpTopicProperty, u"addons"_s);
     auto* layout = new QVBoxLayout(this);
     auto* form = new QFormLayout;
     buildTexts(form);

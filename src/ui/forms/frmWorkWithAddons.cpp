@@ -133,7 +133,6 @@ void frmWorkWithAddons::addShortcuts()
         m_search->selectAll();
     });
     add(Qt::Key_F5, [this] { recordsChanged(); });
-    add(Qt::Key_F1, [this] { m_frame.showHelp(u"WorkWithAddons"_s); });
     auto* down = new QAction(m_search);
     down->setShortcut(Qt::Key_Down);
     down->setShortcutContext(Qt::WidgetShortcut);

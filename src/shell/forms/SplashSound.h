@@ -1,0 +1,18 @@
+// The sound of the splash window: three soft tones, computed, so that no file need be brought
+// along.
+#pragma once
+
+#include "shell/Context.h"
+
+#include <QByteArray>
+
+namespace vt::splashsound {
+
+/// The whole sound as a WAVE file, 16 bits, one channel.
+[[nodiscard]] QByteArray wave();
+
+/// Hands it to the first of the desktop's players that is there, and does not wait. Silence where
+/// there is none, or no desktop to sit at: a start never fails for its sound.
+void play(Context& context);
+
+} // namespace vt::splashsound

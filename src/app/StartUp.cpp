@@ -3,16 +3,22 @@
 #include "addondb/DatabaseCare.h"
 #include "app/Wiring.h"
 #include "import/CAddonImportMgr.h"
+#include "shell/CRegistry_Manipulation.h"
 #include "shell/ErrorLog.h"
 #include "shell/Settings.h"
+#include "shell/forms/ControlStatusBar.h"
+#include "shell/forms/SplashSound.h"
 #include "shell/forms/frmSplashFSX.h"
 #include "shell/startup/CommandLine.h"
 #include "shell/startup/DesktopEntry.h"
 #include "shell/startup/Preparation.h"
+#include "ui/forms/PictureCommands.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QFontDatabase>
+#include <QProcess>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QThread>
@@ -30,7 +36,10 @@ const QSize leastScreen(800, 600);
 
 } // namespace
 
-StartUp::StartUp(Options options) : m_options(std::move(options)) {}
+StartUp::StartUp(Options options) : m_options(std::move(options))
+{
+    screenSize = [] { return QGuiApplication::primaryScreen()->size(); };
+}
 
 StartUp::~StartUp() = default;
 
@@ -110,6 +119,9 @@ void StartUp::listenForOthers()
 bool StartUp::Application_Startup()
 {
     const QString title = m_session->context().global.names.productTitle;
+    Settings& settings = m_session->context().settings;
+    settings.fontInstalled = [](const QString& family) { return QFontDatabase::hasFamily(family); };
+    settings.Registry_LoadSettings();
     m_window = std::make_unique<frmControl>(m_session->context(), m_status);
     wire(*m_window, *m_session);
     stage(u"Application_Startup : ConfigureFlightSimulator"_s);
@@ -128,23 +140,44 @@ bool StartUp::Application_Startup()
     screenResolution();
     firstWindow();
     fileManagerEntry();
+    defaultPictures();
     return true;
 }
 
-/// Only for the program folder that a start without options takes: so file managers start it.
+/// Verbs in the program's registry; entries of the user's desktop only for the program folder that
+/// a start without options takes: so file managers start it.
 void StartUp::fileManagerEntry()
 {
+    stage(u"Application_Startup : Explorer commands"_s);
+    Context& context = m_session->context();
+    const bool on = context.settings.flag(SettingKey::WindowsExplorerContextMenuOn);
+    CRegistry_Manipulation& registry = m_session->registryClass();
+    if (!(on ? registerExplorerVerbs(registry, context.global)
+             : removeExplorerVerbs(registry, context.global)))
+        context.errors.report(u"Application_Startup : Explorer commands"_s,
+                              u"The registry did not take the commands for archives."_s);
     if (!m_options.session.home.isEmpty())
         return;
-    Context& context = m_session->context();
     QFile icon(u":/vantrel/icons/vantrel.svg"_s);
     const bool opened = icon.open(QIODevice::ReadOnly);
     const desktopentry::Surroundings surroundings{
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation),
         QCoreApplication::applicationFilePath(),
         opened ? icon.readAll() : QByteArray()};
-    if (Result kept = desktopentry::apply(context, surroundings); !kept)
+    const ResultOf<bool> kept = desktopentry::apply(context, surroundings);
+    if (!kept)
         context.errors.report(u"Application_Startup : Desktop entry"_s, kept.text);
+    else if (*kept) // desktops that keep a list of types; the others look for themselves
+        QProcess::startDetached(u"update-desktop-database"_s,
+                                {u"-q"_s, surroundings.dataHome + u"/applications"_s});
+}
+
+/// What the first window said is still there to be read afterwards.
+void StartUp::defaultPictures()
+{
+    const QString said = m_window->findChild<ControlStatusBar*>()->panel(u"Primary"_s);
+    assignDefaultPicturesOnce(*m_window, *m_session);
+    m_status.text(u"Primary"_s, said);
 }
 
 bool StartUp::openDatabase()
@@ -169,8 +202,12 @@ void StartUp::showWindow()
         tellRemarks();
     };
     m_window->showAtStart();
-    if (m_session->context().settings.flag(SettingKey::ShowSplashScreen))
-        frmSplashFSX::showOver(m_window.get(), m_session->context());
+    Context& context = m_session->context();
+    if (context.settings.flag(SettingKey::ShowSplashScreen)) {
+        frmSplashFSX::showOver(m_window.get(), context);
+        if (context.settings.flag(SettingKey::PlaySplashSound))
+            splashsound::play(context);
+    }
     QCoreApplication::processEvents(); // painted before anything else is looked at
 }
 
@@ -263,7 +300,7 @@ void StartUp::importAtStartup()
 void StartUp::screenResolution()
 {
     Context& context = m_session->context();
-    const QSize screen = QGuiApplication::primaryScreen()->size();
+    const QSize screen = screenSize();
     if (!context.settings.flag(SettingKey::CheckScreenRes) ||
         (screen.width() >= leastScreen.width() && screen.height() >= leastScreen.height()))
         return;

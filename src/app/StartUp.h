@@ -9,6 +9,7 @@
 #include "shell/forms/QtStatus.h"
 #include "shell/forms/frmControl.h"
 
+#include <functional>
 #include <memory>
 
 namespace vt::app {
@@ -28,6 +29,9 @@ public:
     /// 0, 2 for wrong options, 3 when the surroundings do not fit.
     [[nodiscard]] int exitStatus() const { return m_exit; }
 
+    /// Size of the screen that the window opens on.
+    std::function<QSize()> screenSize;
+
     [[nodiscard]] frmControl* window() const { return m_window.get(); }
 
 private:
@@ -44,6 +48,7 @@ private:
     void screenResolution();
     void firstWindow();
     void fileManagerEntry();
+    void defaultPictures();
     void stage(const QString& name);
     void listenForOthers();
     void tellRemarks();

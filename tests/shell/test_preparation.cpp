@@ -1,4 +1,5 @@
 #include "ShellFixture.h"
+#include "shell/startup/DesktopEntry.h"
 #include "shell/startup/Preparation.h"
 #include "support/Rows.h"
 #include "support/TestMain.h"
@@ -128,10 +129,39 @@ private Q_SLOTS:
         QCOMPARE(shell.store.value(Hive::ClassesRoot, u"CompressedFolder"_s + verb, u""_s),
                  command);
         QCOMPARE(shell.store.value(Hive::ClassesRoot, u".rar"_s + verb, u""_s), command);
+        QVERIFY(removeExplorerVerbs(shell.registry, shell.global));
+        QVERIFY(!shell.store.hasKey(Hive::ClassesRoot,
+                                    u"CompressedFolder\\shell\\Install to FSX using Vantrel"_s));
+        QCOMPARE(shell.store.value(Hive::ClassesRoot, u".zip"_s, u""_s), u"CompressedFolder"_s);
         ShellFixture older(FS2004);
         QVERIFY(registerExplorerVerbs(older.registry, older.global));
         QVERIFY(older.store.hasKey(Hive::ClassesRoot,
                                    u".zip\\shell\\Install to FS 2004 using Vantrel\\command"_s));
+    }
+
+    void desktopEntry_isWrittenOnceAndTakenBack()
+    {
+        ShellFixture shell;
+        const desktopentry::Surroundings user{
+            shell.host(u"data"_s), u"/opt/van \"trel\"/bin/vantrel"_s, "<svg/>"};
+        const QString file = shell.host(u"data/applications/vantrel-install.desktop"_s);
+        shell.write(u"data/applications/other.desktop"_s, "of somebody else");
+        const ResultOf<bool> written = desktopentry::apply(shell.context, user);
+        QVERIFY2(written && *written, qPrintable(written.text));
+        const QByteArray text = vt::test::readHostFile(file);
+        QVERIFY(text.contains("\nName=Install to FSX using Vantrel\n"));
+        QVERIFY(text.contains("\nExec=\"/opt/van \\\\\"trel\\\\\"/bin/vantrel\" -file %f\n"));
+        QVERIFY(text.contains("\nMimeType=application/zip;"));
+        shell.files.newOperation();
+        const ResultOf<bool> again = desktopentry::apply(shell.context, user);
+        QVERIFY(again && !*again);
+        QVERIFY(shell.settings.setFlag(SettingKey::WindowsExplorerContextMenuOn, false));
+        shell.files.newOperation();
+        const ResultOf<bool> gone = desktopentry::apply(shell.context, user);
+        QVERIFY(gone && *gone);
+        QVERIFY(!QFile::exists(file));
+        QVERIFY(!QFile::exists(shell.host(u"data/icons/hicolor/scalable/apps/vantrel.svg"_s)));
+        QVERIFY(QFile::exists(shell.host(u"data/applications/other.desktop"_s)));
     }
 
     void missingDatabase_namesTheFile()

@@ -52,13 +52,19 @@ inline QByteArray utf16(const QByteArray& latin1)
 class TestStatus final : public StatusSink
 {
 public:
-    void text(const QString& panel, const QString& text) override { texts += panel + u'|' + text; }
+    void text(const QString& panel, const QString& text) override
+    {
+        texts += panel + u'|' + text;
+        if (told)
+            told(text);
+    }
 
     void progress(qint64 done, qint64 total) override { last = {done, total}; }
 
     bool cancelled() override { return texts.size() >= cancelAfter; }
 
     QStringList texts;
+    std::function<void(const QString&)> told; ///< what the user does meanwhile
     std::pair<qint64, qint64> last;
     qsizetype cancelAfter = 1'000'000;
 };

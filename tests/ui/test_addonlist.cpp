@@ -313,6 +313,43 @@ private Q_SLOTS:
         QVERIFY(world.status.texts.constLast().startsWith(u"Secondary|5 add-ons, "_s));
     }
 
+    /// A click while rows are loaded, a click inside a click, an analysis inside an analysis.
+    void analysis_isNotEnteredAgain()
+    {
+        ListWorld world(2);
+        CControlMgr_lvwAddons& manager = world.window->manager();
+        ColumnView& list = world.window->list();
+        int analyses = 0;
+        QObject::connect(&manager, &CControlMgr_lvwAddons::analyzed, world.window.get(), [&] {
+            ++analyses;
+            manager.lvwAddons_Analyze();
+            Q_EMIT list.clicked(list.currentIndex());
+        });
+        QTest::mouseClick(list.viewport(),
+                          Qt::LeftButton,
+                          {},
+                          list.visualRect(list.model()->index(1, 1)).center());
+        QCOMPARE(analyses, 2); // of the other selection, and of the click
+        bool loading = false;
+        int whileLoading = 0;
+        world.status.told = [&](const QString& text) {
+            if (text != "Building display..."_L1 || loading)
+                return;
+            loading = true;
+            const int before = analyses;
+            list.selectAll();
+            Q_EMIT list.clicked(list.currentIndex());
+            world.window->recordsChanged(); // would load in the midst of loading
+            whileLoading = analyses - before;
+        };
+        world.window->recordsChanged();
+        world.status.told = {};
+        QVERIFY(loading);
+        QCOMPARE(whileLoading, 0);
+        QCOMPARE(world.shownKeys().size(), 2);
+        QCOMPARE(manager.selectedKeys().size(), 2);
+    }
+
     void edit_changesTheRecord()
     {
         ListWorld world(1);

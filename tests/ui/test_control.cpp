@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QDropEvent>
+#include <QFontDatabase>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -103,6 +104,7 @@ private Q_SLOTS:
     void child_comesBackWhereItWas();
     void child_thatStaysKeepsTheWindowOpen();
     void toolbar_followsTheSettings();
+    void font_isTheSettingsWhereItIsInstalled();
     void work_takesNoOtherInput();
     void droppedFile_isInstalled();
     void flying_asksAndTells();
@@ -293,6 +295,31 @@ void TestControl::toolbar_followsTheSettings()
     QVERIFY(control.world.context().settings.flag(SettingKey::MDIOpenMaximized));
     control.window.showAtStart();
     QVERIFY(control.window.isMaximized());
+}
+
+void TestControl::font_isTheSettingsWhereItIsInstalled()
+{
+    Control control;
+    Settings& settings = control.world.context().settings;
+    const QFont desktop = QApplication::font();
+    QString other;
+    for (const QString& family : QFontDatabase::families())
+        if (family != desktop.family() && other.isEmpty())
+            other = family;
+    QVERIFY(!other.isEmpty());
+    QVERIFY(settings.setText(SettingKey::Font, other));
+    QVERIFY(settings.setNumber(SettingKey::StandardToolbarStyle, 1));
+    control.window.applySettings();
+    QCOMPARE(QApplication::font().family(), other);
+    QCOMPARE(QApplication::font().pointSizeF(), desktop.pointSizeF());
+    QCOMPARE(control.window.menuBar()->font().family(), other);
+    const auto* button = control.window.findChild<ControlToolbar*>()->findChild<QToolButton*>();
+    QVERIFY(!button->autoRaise());
+    QVERIFY(settings.setText(SettingKey::Font, u"No Such Face"_s));
+    QVERIFY(settings.setNumber(SettingKey::StandardToolbarStyle, 0));
+    control.window.applySettings();
+    QCOMPARE(QApplication::font(), desktop);
+    QVERIFY(button->autoRaise());
 }
 
 void TestControl::work_takesNoOtherInput()

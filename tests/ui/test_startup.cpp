@@ -4,14 +4,17 @@
 #include "shell/forms/ControlStatusBar.h"
 #include "shell/forms/ToolWindow.h"
 #include "shell/forms/WizardFrame.h"
+#include "shell/forms/frmHelp.h"
 #include "support/TestMain.h"
 #include "ui/WindowWorld.h"
+#include "ui/forms/frmWorkWithAddons.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QMenu>
 #include <QMessageBox>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -101,6 +104,9 @@ private Q_SLOTS:
     void missingDatabase_stops();
     void damagedDatabase_isRepairedOrLeft();
     void firstWindow_isTheSettings();
+    void importAtStartup_asksAndRecords();
+    void smallScreen_isWarnedOf();
+    void archiveCommands_followTheSetting();
     void everyEnabledEntry_opensSomething();
 };
 
@@ -203,6 +209,87 @@ void TestStartUp::firstWindow_isTheSettings()
              u"Opening Install An Addon..."_s);
 }
 
+void TestStartUp::importAtStartup_asksAndRecords()
+{
+    Started started;
+    started.world.restart();
+    Settings& settings = started.world.context().settings;
+    QVERIFY(settings.setFlag(SettingKey::SearchForNewAddonsDuringStartup, true));
+    QVERIFY(settings.setNumber(SettingKey::OpenWith, 3)); // the list, which shows what came
+    started.world.session->close();
+    {
+        const Answers answers(QMessageBox::No);
+        QVERIFY(started.start());
+        QCOMPARE(answers.texts.size(), 1);
+        QCOMPARE(started.program->window()->tools().size(), 1);
+        QVERIFY(started.program->window()->close());
+        started.program.reset();
+    }
+    const Answers answers(QMessageBox::Yes);
+    QVERIFY(started.start());
+    QVERIFY2(!answers.texts.isEmpty() && answers.texts.constFirst().contains(u"mport"_s),
+             qPrintable(answers.texts.join(u'\n')));
+    frmControl* window = started.program->window();
+    auto* list = qobject_cast<frmWorkWithAddons*>(window->tool(u"addons"_s));
+    QVERIFY(list);
+    QVERIFY(list->manager().model().rowCount() > 0);
+    QCOMPARE(window->tools().size(), 2); // the results as well
+}
+
+void TestStartUp::smallScreen_isWarnedOf()
+{
+    Started started;
+    const auto startOn = [&](QSize screen) {
+        started.world.session.reset();
+        started.program.reset();
+        started.program = std::make_unique<app::StartUp>(started.options());
+        started.program->screenSize = [screen] { return screen; };
+        return started.program->Main();
+    };
+    const Answers answers(QMessageBox::Yes);
+    QVERIFY(startOn({800, 600}));
+    QCOMPARE(answers.texts, QStringList());
+    QVERIFY(startOn({1024, 599}));
+    QCOMPARE(answers.texts.size(), 1);
+    QVERIFY(answers.texts.constFirst().startsWith(u"Warning:  Small Screen Resolution|"_s));
+    const auto* help = qobject_cast<frmHelp*>(started.program->window()->tool(u"help"_s));
+    QVERIFY(help);
+    QCOMPARE(help->shownTopic(), u"screen"_s);
+    started.program.reset();
+    started.world.restart();
+    QVERIFY(started.world.context().settings.setFlag(SettingKey::CheckScreenRes, false));
+    started.world.session->close();
+    QVERIFY(startOn({640, 480}));
+    QCOMPARE(answers.texts.size(), 1);
+}
+
+void TestStartUp::archiveCommands_followTheSetting()
+{
+    // Nothing of this comes to the user's own desktop: the start names its program folder.
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    const QString entry = data + u"/applications/vantrel-install.desktop"_s;
+    const bool before = QFile::exists(entry);
+    Started started;
+    const auto verbs = [&] {
+        return readHostFile(started.world.host(u"home/Settings/Vantrel.reg"_s))
+            .count("Install to FSX using Vantrel");
+    };
+    QVERIFY(started.start());
+    QVERIFY(started.program->window()->close());
+    started.program.reset();
+    const auto there = verbs();
+    QVERIFY(there >= 2);
+    started.world.restart();
+    QVERIFY(
+        started.world.context().settings.setFlag(SettingKey::WindowsExplorerContextMenuOn, false));
+    started.world.session->close();
+    QVERIFY(started.start());
+    QVERIFY(started.program->window()->close());
+    started.program.reset();
+    QCOMPARE(verbs(), 0);
+    QCOMPARE(QFile::exists(entry), before);
+}
+
 void TestStartUp::everyEnabledEntry_opensSomething()
 {
     const QStringList others{u"mnuFile_MainExit"_s,
@@ -211,7 +298,9 @@ void TestStartUp::everyEnabledEntry_opensSomething()
                              u"mnuTile"_s,
                              u"mnuCloseAll"_s,
                              u"mnuOpenMaximized"_s,
-                             u"mnuToolbar"_s};
+                             u"mnuToolbar"_s,
+                             u"mnuClearDefaultPictures"_s,
+                             u"mnuRunAFCAD"_s};
     Started started;
     QVERIFY(started.start());
     frmControl* window = started.program->window();

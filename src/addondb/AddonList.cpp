@@ -84,15 +84,20 @@ ResultOf<QList<AddonRow>> addonRows(Connection& database, const ListFilter& filt
     if (!addons)
         return addons.error();
     QList<AddonRow> rows;
+    for (const AddonRecord& addon : *addons)
+        if (passes(addon, filter))
+            rows.push_back({addon, 0});
+    // For many rows one walk over the whole index is shorter than a look for each.
+    constexpr qsizetype many = 1000;
     Recordset details(database, Table::Addon_Details);
     details.setIndex(Index::Addon_Details_Addon_Master_Key);
-    const QHash<qint64, qint64> files = details.countsOfEach();
+    const QHash<qint64, qint64> counts =
+        rows.size() > many ? details.countsOfEach() : QHash<qint64, qint64>();
+    for (AddonRow& row : rows)
+        row.files =
+            rows.size() > many ? counts.value(row.addon.key) : filesOf(details, row.addon.key);
     if (!details.error())
         return detailsNotRead();
-    for (const AddonRecord& addon : *addons) {
-        if (passes(addon, filter))
-            rows.push_back({addon, files.value(addon.key)});
-    }
     return rows;
 }
 

@@ -35,6 +35,36 @@ private Q_SLOTS:
 
     void init() { m_world = std::make_unique<OpenFixture>(); }
 
+    /// Read in walks beside each other, each row is what it is alone; also where rows are missing.
+    void manyRows_areEachAsAlone()
+    {
+        Connection& database = m_world->database;
+        constexpr int many = 1100;
+        const Result filled = database.together([&] {
+            for (int i = 0; i < many; ++i) {
+                QList<DetailRecord> details;
+                for (int n = 0; n < i % 3; ++n)
+                    details.append(DatabaseFixture::file_(u"C:\\a\\"_s, QString::number(n)));
+                const AddonRecord made = m_world->addAddon(u"Addon"_s, details);
+                if (const Result told =
+                        setDescription(database, made.key, u"is "_s + QString::number(i));
+                    !told)
+                    return told;
+            }
+            return Result::success();
+        });
+        QVERIFY2(filled, qPrintable(filled.text));
+        Recordset texts(database, Table::Addon_Description);
+        QVERIFY(texts.seek({qint64(500)}) && texts.deleteRow());
+        const auto rows = addonRows(database, {});
+        QCOMPARE(rows->size(), many);
+        for (const AddonRow& row : *rows) {
+            const auto alone = addonRow(database, row.addon.key);
+            QCOMPARE(row.files, alone->files);
+            QCOMPARE(row.addon.description, alone->addon.description);
+        }
+    }
+
     void rows_passTheFilter()
     {
         Connection& database = m_world->database;

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QTextStream>
+#include <QTimer>
 
 int main(int argc, char** argv)
 {
@@ -27,9 +28,19 @@ int main(int argc, char** argv)
         return 0;
     }
     vt::app::StartUp start(*options);
+    bool started = false;
+    bool ends = false;
+    // As the window's own end, once what runs has ended; a start, too, so that nothing is closed
+    // below it.
+    const vt::EndSignals asked([&] {
+        ends = true;
+        if (started)
+            start.leave();
+    });
     if (!start.Main())
         return start.exitStatus();
-    // As the window's own end; one that must not close now (it installs) stays.
-    const vt::EndSignals asked([&start] { start.window()->close(); });
+    started = true;
+    if (ends)
+        QTimer::singleShot(0, start.window(), [&start] { start.leave(); });
     return QApplication::exec();
 }

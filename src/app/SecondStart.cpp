@@ -53,7 +53,9 @@ void SecondStart::accept()
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
             while (socket->canReadLine())
                 m_waiting.append(QString::fromLatin1(socket->readLine().trimmed()));
-            carryOut();
+            // Once the socket has returned: a command may process events, and the other start's
+            // leaving deletes the socket then.
+            QMetaObject::invokeMethod(this, &SecondStart::carryOut, Qt::QueuedConnection);
         });
         socket->write(greeting.data(), greeting.size());
     }

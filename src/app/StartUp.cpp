@@ -22,6 +22,7 @@
 #include <QScreen>
 #include <QStandardPaths>
 #include <QThread>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -53,6 +54,15 @@ bool StartUp::refuse(const QString& caption, const Result& why)
 {
     m_prompts.ask(announcement(caption, why.text.trimmed(), Icon::Critical));
     return end(why.kind == ErrorKind::Usage ? wrongUsage : notFit);
+}
+
+void StartUp::leave()
+{
+    constexpr int triesAgainAfterMs = 200;
+    if (m_status.working() || QApplication::activeModalWidget())
+        QTimer::singleShot(triesAgainAfterMs, m_window.get(), [this] { leave(); });
+    else
+        m_window->close();
 }
 
 void StartUp::stage(const QString& name)

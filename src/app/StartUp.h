@@ -29,6 +29,9 @@ public:
     /// 0, 2 for wrong options, 3 when the surroundings do not fit.
     [[nodiscard]] int exitStatus() const { return m_exit; }
 
+    /// Closes the window as soon as nothing works and no question is open.
+    void leave();
+
     /// Size of the screen that the window opens on.
     std::function<QSize()> screenSize;
 

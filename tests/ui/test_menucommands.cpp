@@ -208,9 +208,10 @@ private Q_SLOTS:
         putTrafficTools(world.host(u"prefix/drive_c/TT"_s));
         QVERIFY(settings.setText(SettingKey::TrafficToolsFolder, u"C:\\TT\\"_s));
         wired.window.command(u"mnuTrafficTools_Run"_s);
-        // This simulator has no source files for the tool, and is told so.
-        world.prompts.expect(u"Traffic Tools has no source files for"_s, Button::Ok);
+        world.prompts.expect(u"'C:\\TT\\Aircraft.txt' was not found."_s, Button::Ok);
         wired.window.command(u"mnuEditTrafficToolsAircraftSource"_s);
+        world.prompts.expect(u"keeps no list of collected airports for"_s, Button::Ok);
+        wired.window.command(u"mnuEditTrafficToolsCollectAirportsSource"_s);
         QVERIFY(world.status.texts.contains(u"Primary|Waiting for Traffic Tools to finish..."_s));
     }
 

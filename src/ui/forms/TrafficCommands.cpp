@@ -115,9 +115,12 @@ void edit(Session& session, const std::function<QString(const CTrafficTools&)>& 
     CTrafficTools tools(session.context(), &session.processes());
     if (const Result located = tools.Tool_Locate(); !located)
         return note(session, located);
-    if (const Result available = tools.Sources_Available(); !available)
-        return complain(session, available);
     const QString file = name(tools);
+    if (file.isEmpty())
+        return complain(
+            session,
+            Result::failure(u"Traffic Tools keeps no list of collected airports for "_s +
+                            session.context().global.names.simLong + u'.'));
     Files& files = session.services().files;
     files.newOperation();
     if (!files.isFile(file))
@@ -158,7 +161,8 @@ void wireTrafficTools(frmControl& window, Session& session)
     source(u"mnuEditTrafficToolsFlightPlansSource"_s, TrafficKind::FlightPlans);
     window.setCommand(u"mnuEditTrafficToolsCollectAirportsSource"_s, [&session] {
         edit(session, [](const CTrafficTools& tools) {
-            return tools.folder() + tools.names().collectedAirports;
+            const QString& list = tools.names().collectedAirports;
+            return list.isEmpty() ? QString() : tools.folder() + list;
         });
     });
 }

@@ -13,6 +13,7 @@
 #include <QSplitter>
 #include <QTextBrowser>
 #include <QTextDocument>
+#include <QTextTable>
 #include <QToolButton>
 
 using namespace Qt::StringLiterals;
@@ -74,6 +75,7 @@ void frmHelp::buildPanes()
     m_list->setObjectName(u"lstTopics"_s);
     m_list->setAccessibleName(u"Topics"_s);
     m_list->setTextElideMode(Qt::ElideRight);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_text = new QTextBrowser;
     m_text->setObjectName(u"txtTopic"_s);
     m_text->setAccessibleName(u"Topic"_s);
@@ -128,9 +130,9 @@ QString frmHelp::helpTopic() const
 
 void frmHelp::Form_PrepareToShow()
 {
-    const int list = fontMetrics().averageCharWidth() * 34;
+    const int list = m_list->sizeHintForColumn(0) + fontMetrics().averageCharWidth() * 3;
     const int kept = context().settings.layoutText(section(), LayoutValue::FirstPaneWidth).toInt();
-    m_panes->setSizes({kept > 0 ? kept : list, list * 3});
+    m_panes->setSizes({kept > 0 ? kept : list, qMax(list, width() - list)});
     if (m_shown.isEmpty())
         showTopic({});
     m_text->setFocus();
@@ -182,7 +184,24 @@ void frmHelp::follow()
     for (const HelpTopic& topic : m_topics)
         if (topic.name == m_shown)
             setWindowTitle(u"Help - "_s + topic.title);
+    roomInTables();
     markFound();
+}
+
+/// Tables come with a frame around each cell.
+void frmHelp::roomInTables()
+{
+    for (QTextFrame* frame : m_text->document()->rootFrame()->childFrames()) {
+        auto* table = qobject_cast<QTextTable*>(frame);
+        if (!table)
+            continue;
+        QTextTableFormat format = table->format();
+        format.setCellSpacing(0);
+        format.setCellPadding(fontMetrics().averageCharWidth() / 2.0);
+        format.setBorderCollapse(true);
+        format.setBorderBrush(palette().brush(QPalette::Mid));
+        table->setFormat(format);
+    }
 }
 
 void frmHelp::markFound()
@@ -207,6 +226,7 @@ void frmHelp::changeEvent(QEvent* event)
     ToolWindow::changeEvent(event);
     if (event->type() == QEvent::PaletteChange && m_text) {
         m_text->reload();
+        roomInTables();
         markFound();
     }
 }

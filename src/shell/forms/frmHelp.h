@@ -41,6 +41,7 @@ private:
     void buildShortcuts();
     void filter(const QString& typed);
     void follow();
+    void roomInTables();
     void markFound();
     [[nodiscard]] QStringList words() const;
 

@@ -1,6 +1,7 @@
 // What lists and reports show: filters, the derived status, files beside what lies on the disk.
 #include "addondb/AddonColumns.h"
 #include "addondb/DatabaseFixture.h"
+#include "addondb/Recordset.h"
 #include "platform/Hash.h"
 #include "support/Rows.h"
 #include "support/TestMain.h"

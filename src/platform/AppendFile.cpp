@@ -1,5 +1,7 @@
 #include "platform/AppendFile.h"
 
+#include <QStringEncoder>
+
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -33,9 +35,17 @@ Result AppendFile::open(Gate& gate, const QString& path)
     return Result::success();
 }
 
-void AppendFile::line(QStringView text)
+void AppendFile::line(std::initializer_list<QStringView> pieces)
 {
-    raw(text.toUtf8());
+    if (!m_file.valid())
+        return;
+    for (const QStringView piece : pieces) {
+        QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+        const qsizetype before = m_buffer.size();
+        m_buffer.resize(before + encoder.requiredSpace(piece.size()));
+        const char* end = encoder.appendToBuffer(m_buffer.data() + before, piece);
+        m_buffer.resize(end - m_buffer.constData());
+    }
     raw("\r\n");
 }
 

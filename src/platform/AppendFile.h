@@ -8,6 +8,8 @@
 #include <QByteArray>
 #include <QStringView>
 
+#include <initializer_list>
+
 namespace vt {
 
 class AppendFile
@@ -21,7 +23,11 @@ public:
 
     /// An existing file is begun anew.
     Result open(Gate& gate, const QString& path);
-    void line(QStringView text);
+
+    void line(QStringView text) { line({text}); }
+
+    /// A line that is told in pieces, which need not be joined first.
+    void line(std::initializer_list<QStringView> pieces);
     /// Lines that end in CR LF already, UTF-8.
     void raw(QByteArrayView lines);
     void flush();

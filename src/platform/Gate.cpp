@@ -60,6 +60,7 @@ void Gate::setRoot(RootId id, const QString& folder)
     if (clean.isEmpty())
         return;
     m_insideFolders.clear();
+    m_realRoots.clear();
     m_placedFolders.clear();
     if (id != RootId::Chosen) {
         for (Root& root : m_roots) {
@@ -195,11 +196,15 @@ std::optional<OuterLink>
 Gate::linkOut(const Root& root, QStringView folder, const QByteArray& host) const
 {
     // What was seen holds for one operation: links may be set anew between two.
-    if (std::exchange(m_insideEpoch, m_files.epoch()) != m_files.epoch())
+    if (std::exchange(m_insideEpoch, m_files.epoch()) != m_files.epoch()) {
         m_insideFolders.clear();
+        m_realRoots.clear();
+    }
     if (m_insideFolders.contains(host))
         return std::nullopt;
-    const QByteArray realRoot = canonicalFolder(m_files.hostPath(root.folder));
+    QByteArray& realRoot = m_realRoots[root.folder];
+    if (realRoot.isNull())
+        realRoot = canonicalFolder(m_files.hostPath(root.folder));
     if (realRoot.isNull())
         return std::nullopt; // yet to be made: nothing inside could lead out
     const QByteArray real = canonicalFolder(host.isEmpty() ? "/" : host);

@@ -14,7 +14,7 @@
 #include "simconfig/CSceneryCfgMgr.h"
 
 #include <algorithm>
-#include <iterator>
+#include <numeric>
 
 using namespace Qt::StringLiterals;
 
@@ -174,6 +174,7 @@ Result CAddonRemover::loadRecords()
     QSet<NoCase> wanted;
     for (const QString& path : std::as_const(m_options.files))
         wanted.insert(NoCase{path});
+    m_files.reserve(size_t(m_details.size()));
     for (const DetailRecord& detail : *details) {
         const QString path = detail.location + detail.name;
         if (m_options.files.isEmpty() || wanted.remove(NoCase{path}))
@@ -191,19 +192,24 @@ Result CAddonRemover::loadRecords()
 /// of one folder after a file of another, and neighbours are done at less cost.
 void CAddonRemover::sortByFolders()
 {
+    std::vector<size_t> folderOf; // by file
+    std::vector<size_t> first;    // by folder: how many files lie in it, then where they begin
+    folderOf.reserve(m_files.size());
     QHash<QString, size_t> known;
-    std::vector<std::vector<File>> folders;
-    for (File& file : m_files) {
+    for (const File& file : m_files) {
         auto folder = known.constFind(file.detail.location);
         if (folder == known.cend()) {
-            folder = known.insert(file.detail.location, folders.size());
-            folders.emplace_back();
+            folder = known.insert(file.detail.location, first.size());
+            first.push_back(0);
         }
-        folders[*folder].push_back(std::move(file));
+        ++first[*folder];
+        folderOf.push_back(*folder);
     }
-    m_files.clear();
-    for (std::vector<File>& folder : folders)
-        std::move(folder.begin(), folder.end(), std::back_inserter(m_files));
+    std::exclusive_scan(first.begin(), first.end(), first.begin(), size_t(0));
+    std::vector<File> sorted(m_files.size());
+    for (size_t i = 0; i < m_files.size(); ++i)
+        sorted[first[folderOf[i]]++] = std::move(m_files[i]);
+    m_files = std::move(sorted);
 }
 
 Result CAddonRemover::AddonDatabase_Open()

@@ -178,8 +178,8 @@ Result CAddonRemover::RemoveFile(File& file)
 {
     const QString& path = file.path;
     status(u"Processing '"_s + file.detail.name + u"'..."_s);
-    m_log.line(QString(u"Removing file "_s + path + u" using method "_s +
-                       QString::number(int(m_options.method))));
+    m_log.line(
+        {u"Removing file ", path, u" using method ", QString::number(int(m_options.method))});
     if (m_inCabinet)
         return processStored(file);
     if (m_options.method == RemovalMethod::RemoveRecords)
@@ -225,7 +225,7 @@ Result CAddonRemover::releaseFile(File& file, const std::optional<FileInfo>& now
         return m_actions->remove(keptPath);
     }
     const auto logDependence = [&] {
-        m_log.line(QString(u"   "_s + path + u" has another addon(s) that depend on it"_s));
+        m_log.line({u"   ", path, u" has another addon(s) that depend on it"});
     };
     if (now && kept == m_originals.cend() && isUsedByOthers(path)) {
         logDependence();

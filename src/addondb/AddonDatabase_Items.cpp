@@ -172,6 +172,8 @@ Result addPicture(Connection& database, const PictureRecord& picture)
         const FieldValue category(int(picture.category));
         if (rows.seek({picture.masterKey, picture.detailKey, category})) {
             rows.edit();
+        } else if (!rows.error()) {
+            return databaseFailure(u"Could not open the picture table."_s);
         } else {
             rows.addNew();
             rows.set(Field::Addon_Master_Key, picture.masterKey);

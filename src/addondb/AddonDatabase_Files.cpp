@@ -239,10 +239,12 @@ Result deleteDetailsOf(Connection& database, qint64 masterKey)
         Recordset checks(database, Table::Vantrel_Checks);
         Recordset rows(database, Table::Addon_Details);
         rows.setIndex(Index::Addon_Details_Addon_Master_Key);
-        if (!checks.deleteAllBelonging(Index::Addon_Details_Addon_Master_Key, {masterKey}) ||
-            !rows.deleteAllMatching({masterKey}))
-            return databaseFailure(u"Could not delete the addon details record."_s);
-        return Result::success();
+        const ResultOf<QList<RowRun>> runs = rows.runsMatching({masterKey});
+        bool deleted = runs.ok();
+        for (const RowRun& run : deleted ? *runs : QList<RowRun>())
+            deleted = deleted && checks.deleteRun(run) && rows.deleteRun(run);
+        return deleted ? Result::success()
+                       : databaseFailure(u"Could not delete the addon details record."_s);
     });
 }
 
@@ -278,12 +280,18 @@ std::optional<Fingerprint> checkOf(Connection& database, qint64 detailKey)
 ResultOf<QHash<qint64, Fingerprint>> checksOf(Connection& database, qint64 masterKey)
 {
     QHash<qint64, Fingerprint> checks;
-    Recordset rows(database, Table::Vantrel_Checks);
-    for (bool more = rows.seekBelonging(Index::Addon_Details_Addon_Master_Key, {masterKey}); more;
-         more = rows.moveNext())
-        checks.insert(rows.number(Field::Addon_Details_Key), readCheck(rows));
-    if (!rows.error())
+    Recordset details(database, Table::Addon_Details);
+    details.setIndex(Index::Addon_Details_Addon_Master_Key);
+    const ResultOf<QList<RowRun>> runs = details.runsMatching({masterKey});
+    if (!runs)
         return databaseFailure(u"Could not open the addon details table."_s);
+    Recordset rows(database, Table::Vantrel_Checks);
+    for (const RowRun& run : *runs) {
+        for (bool more = rows.seekRun(run); more; more = rows.moveNext())
+            checks.insert(rows.number(Field::Addon_Details_Key), readCheck(rows));
+        if (!rows.error())
+            return databaseFailure(u"Could not open the addon details table."_s);
+    }
     return checks;
 }
 

@@ -43,13 +43,6 @@ int bindEmpty(sqlite3_stmt* statement, int number, FieldType type)
     return SQLITE_MISUSE;
 }
 
-/// Rows with the number of a row of another table.
-QByteArray belonging(Index index, std::size_t keys)
-{
-    return "rowid IN (SELECT rowid FROM " + schema::quoted(info(index).table) + " WHERE " +
-           schema::equalTo(index, keys) + ")";
-}
-
 Index primaryKeyOf(Table table)
 {
     for (const IndexInfo& index : allIndexes()) {
@@ -155,11 +148,11 @@ bool Recordset::seekFrom(std::initializer_list<FieldValue> keys)
     });
 }
 
-bool Recordset::seekBelonging(Index index, std::initializer_list<FieldValue> keys)
+bool Recordset::seekRun(RowRun run)
 {
     m_index = primaryKeyOf(m_table);
-    return start(Kind(int(Kind::Belonging) + int(index)), keys, [&] {
-        return " WHERE " + belonging(index, keys.size()) + " ORDER BY rowid";
+    return start(Kind::Run, {run.first, run.last}, [] {
+        return QByteArray(" WHERE rowid BETWEEN ?1 AND ?2 ORDER BY rowid");
     });
 }
 
@@ -477,11 +470,38 @@ Result Recordset::deleteAllMatching(std::initializer_list<FieldValue> keys)
         Kind::DeleteMatching, keys, [&] { return schema::equalTo(m_index, keys.size()); });
 }
 
-Result Recordset::deleteAllBelonging(Index index, std::initializer_list<FieldValue> keys)
+ResultOf<QList<RowRun>> Recordset::runsMatching(std::initializer_list<FieldValue> keys)
 {
-    m_index = primaryKeyOf(m_table);
-    return deleteAll(Kind(int(Kind::DeleteBelonging) + int(index)), keys, [&] {
-        return belonging(index, keys.size());
+    m_error = {};
+    const Statement rows = prepared(Kind::RowsMatching, keys.size(), [&] {
+        return "SELECT rowid FROM " + schema::quoted(m_table) + " WHERE " +
+               schema::equalTo(m_index, keys.size()) + " ORDER BY rowid";
+    });
+    QList<RowRun> runs;
+    int number = 0;
+    int code = rows ? SQLITE_OK : m_connection.lastError().number;
+    if (rows) {
+        for (const FieldValue& key : keys)
+            bindValue(rows.get(), ++number, key);
+        code = sqlite3_step(rows.get());
+    }
+    for (; code == SQLITE_ROW; code = sqlite3_step(rows.get())) {
+        const qint64 row = sqlite3_column_int64(rows.get(), 0);
+        if (!runs.isEmpty() && runs.last().last + 1 == row)
+            runs.last().last = row;
+        else
+            runs.push_back({row, row});
+    }
+    if (code == SQLITE_DONE)
+        return runs;
+    failed(code);
+    return m_error;
+}
+
+Result Recordset::deleteRun(RowRun run)
+{
+    return deleteAll(Kind::DeleteRun, {run.first, run.last}, [] {
+        return QByteArray("rowid BETWEEN ?1 AND ?2");
     });
 }
 

@@ -46,6 +46,13 @@ private:
 [[nodiscard]] QString dateText(const QDateTime& time);
 [[nodiscard]] QDateTime dateOf(const QString& text);
 
+/// Rows whose own keys are these and all between.
+struct RowRun
+{
+    qint64 first = 0;
+    qint64 last = 0;
+};
+
 class Recordset
 {
 public:
@@ -63,9 +70,8 @@ public:
     bool seek(std::initializer_list<FieldValue> keys);
     /// The first row at or after \a keys; moveNext() then goes on to the end of the table.
     bool seekFrom(std::initializer_list<FieldValue> keys);
-    /// The first row whose own key is the own key of a row of \a index's table that equals \a keys
-    /// (the checks of an add-on's detail rows, say); moveNext() stays among such rows.
-    bool seekBelonging(Index index, std::initializer_list<FieldValue> keys);
+    /// The first row of the run; moveNext() stays in it.
+    bool seekRun(RowRun run);
     /// Addon_Details only: the rows of other add-ons at the places of this one's rows, oldest
     /// first.
     bool seekAtSamePlaces(qint64 masterKey);
@@ -108,8 +114,12 @@ public:
     [[nodiscard]] QHash<qint64, qint64> countsOfEach();
     /// Deletes every row whose leading fields of the chosen index equal \a keys, at once.
     Result deleteAllMatching(std::initializer_list<FieldValue> keys);
-    /// Deletes the rows that seekBelonging() finds, at once.
-    Result deleteAllBelonging(Index index, std::initializer_list<FieldValue> keys);
+    /// The own keys of the rows whose leading index fields equal \a keys, in ascending order. What
+    /// was written together has neighbouring keys, so that a few runs say it all, also of tables
+    /// that share the keys (the checks of an add-on's detail rows, say).
+    [[nodiscard]] ResultOf<QList<RowRun>> runsMatching(std::initializer_list<FieldValue> keys);
+    /// Deletes the rows of the run, at once.
+    Result deleteRun(RowRun run);
 
     /// Why the last call returned false, when it was not for want of a row.
     [[nodiscard]] const Result& error() const { return m_error; }
@@ -131,7 +141,7 @@ private:
         std::vector<char> bytes;
     };
 
-    /// Which statement of a table and index; the last two are followed by one for each index.
+    /// Which statement of a table and index.
     enum class Kind
     {
         Seek,
@@ -145,8 +155,9 @@ private:
         Count,
         CountMatching,
         CountEach,
-        Belonging = 32,
-        DeleteBelonging = 96,
+        RowsMatching,
+        Run,
+        DeleteRun,
     };
 
     Statement prepared(Kind kind, std::size_t keys, const std::function<QByteArray()>& sql);

@@ -62,6 +62,7 @@ void Gate::setRoot(RootId id, const QString& folder)
     m_insideFolders.clear();
     m_realRoots.clear();
     m_placedFolders.clear();
+    m_lastFolder.clear();
     if (id != RootId::Chosen) {
         for (Root& root : m_roots) {
             if (root.id == id) {
@@ -105,13 +106,16 @@ ResultOf<Place> Gate::place(QStringView path) const
 {
     // Of a second file in one folder only the name is new.
     const qsizetype cut = path.lastIndexOf(u'\\');
-    const QString folder = path.first(cut + 1).toString();
+    const QStringView folder = path.first(cut + 1);
     const QStringView name = path.sliced(cut + 1);
-    const auto known = m_placedFolders.constFind(folder);
-    if (!name.isEmpty() && known != m_placedFolders.cend()) {
+    if (folder != m_lastFolder || m_lastFolder.isEmpty()) {
+        m_lastFolder = folder.toString();
+        m_lastPlace = m_placedFolders.value(m_lastFolder);
+    }
+    if (!name.isEmpty() && m_lastPlace.root != RootId::None) {
         if (Result checked = winpath::checkComponent(name); !checked)
             return refusedName(path, checked);
-        Place place = *known;
+        Place place = m_lastPlace;
         place.relative.reserve(place.relative.size() + name.size());
         place.relative += name;
         return place;
@@ -124,7 +128,8 @@ ResultOf<Place> Gate::place(QStringView path) const
         std::none_of(m_roots.cbegin(), m_roots.cend(), liesBelowFolder)) {
         if (m_placedFolders.size() >= maxPlacedFolders)
             m_placedFolders.clear();
-        m_placedFolders.insert(folder, {found->root, found->relative.chopped(name.size())});
+        m_lastPlace = {found->root, found->relative.chopped(name.size())};
+        m_placedFolders.insert(m_lastFolder, m_lastPlace);
     }
     return found;
 }

@@ -120,6 +120,8 @@ private:
     QList<Root> m_roots;
     /// By folder, with its trailing "\"; in the places it stays, but for the root itself.
     mutable QHash<QString, Place> m_placedFolders;
+    mutable QString m_lastFolder; ///< as place() was last asked, with what is known of it
+    mutable Place m_lastPlace;
     mutable QSet<QByteArray> m_insideFolders;       ///< host folders already seen to lie inside
     mutable QHash<QString, QByteArray> m_realRoots; ///< where the roots lie, all links resolved
     mutable quint64 m_insideEpoch = 0;              ///< of the files, when both were seen

@@ -229,7 +229,7 @@ private Q_SLOTS:
         QCOMPARE(rows.count(), 1);
     }
 
-    void deleteAllMatching_takesOnlyTheEqualOnes()
+    void deletingManyRows_takesOnlyThose()
     {
         Recordset rows(m_world->database, Table::Addon_Details);
         Recordset checks(m_world->database, Table::Vantrel_Checks);
@@ -239,9 +239,17 @@ private Q_SLOTS:
             QVERIFY(
                 modDatabase_Addon::setCheck(m_world->database, key, {i, i, QByteArray(16, 'x')}));
         }
-        QVERIFY(checks.deleteAllBelonging(Index::Addon_Details_Addon_Master_Key, {1}));
         rows.setIndex(Index::Addon_Details_Addon_Master_Key);
+        const auto runs = rows.runsMatching({1});
+        QVERIFY(runs.ok());
+        QCOMPARE(runs->size(), 10); // every third row
+        for (const RowRun& run : *runs) {
+            QVERIFY(checks.seekRun(run));
+            QVERIFY(!checks.moveNext());
+            QVERIFY(checks.deleteRun(run));
+        }
         QVERIFY(rows.deleteAllMatching({1}));
+        QCOMPARE(rows.runsMatching({2})->size(), 10);
         QCOMPARE(rows.count(), 20);
         QCOMPARE(checks.count(), 20);
         QCOMPARE(rows.countMatching({1}), 0);

@@ -53,7 +53,7 @@ void TestCliTraffic::tool()
     putTrafficTools(cli.dir.filePath(u"home/Traffic Tools"_s));
     const Ran without = cli.run({u"traffic"_s, u"compile"_s});
     QCOMPARE(without.status, 1);
-    QVERIFY(without.err.contains("FlightPlans.txt' was not found."));
+    QVERIFY(without.err.contains("Aircraft.txt' was not found."));
     for (const QString& source : {u"FlightPlans.txt"_s, u"Aircraft.txt"_s, u"Airports.txt"_s})
         cli.write(u"home/Traffic Tools/"_s + source, "");
     const Ran ran = cli.run({u"--json"_s, u"traffic"_s, u"compile"_s});

@@ -15,10 +15,18 @@ DetailRecord readDetail(const Recordset& rows, const QString& before = {})
     detail.key = rows.number(Field::Addon_Details_Key);
     detail.masterKey = rows.number(Field::Addon_Master_Key);
     detail.filename = rows.text(Field::Filename);
-    detail.location = rows.textLike(Field::Installed_To_Location, before);
-    detail.name = rows.textLike(Field::Installed_To_FileName, detail.filename);
-    detail.preferredLocation = rows.textLike(Field::Preferred_Install_To_Location, detail.location);
-    detail.preferredName = rows.textLike(Field::Preferred_Install_To_Filename, detail.name);
+    detail.location = rows.text(Field::Installed_To_Location);
+    if (detail.location == before)
+        detail.location = before;
+    const auto textOf = [&rows](Field field, Field other, const QString& otherText) {
+        return rows.sameText(field, other) ? otherText : rows.text(field);
+    };
+    using F = Field;
+    detail.name = textOf(F::Installed_To_FileName, F::Filename, detail.filename);
+    detail.preferredLocation =
+        textOf(F::Preferred_Install_To_Location, F::Installed_To_Location, detail.location);
+    detail.preferredName =
+        textOf(F::Preferred_Install_To_Filename, F::Installed_To_FileName, detail.name);
     return detail;
 }
 

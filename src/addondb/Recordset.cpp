@@ -4,7 +4,7 @@
 
 #include <QStringEncoder>
 
-#include <algorithm>
+#include <cstring>
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
@@ -214,17 +214,16 @@ QString Recordset::text(Field field) const
                              sqlite3_column_bytes(m_walk.get(), column(field)));
 }
 
-QString Recordset::textLike(Field field, const QString& guess) const
+bool Recordset::sameText(Field first, Field second) const
 {
     Q_ASSERT(m_present);
-    const unsigned char* utf8 = sqlite3_column_text(m_walk.get(), column(field));
-    const int size = sqlite3_column_bytes(m_walk.get(), column(field));
-    const auto isAsciiUnit = [](QChar unit, unsigned char byte) {
-        return unit.unicode() == byte && byte < 0x80;
-    };
-    if (size == guess.size() && std::equal(guess.cbegin(), guess.cend(), utf8, isAsciiUnit))
-        return guess;
-    return QString::fromUtf8(reinterpret_cast<const char*>(utf8), size);
+    const int one = column(first);
+    const int other = column(second);
+    const unsigned char* text = sqlite3_column_text(m_walk.get(), one);
+    const unsigned char* otherText = sqlite3_column_text(m_walk.get(), other);
+    const int size = sqlite3_column_bytes(m_walk.get(), one);
+    return size == sqlite3_column_bytes(m_walk.get(), other) &&
+           std::memcmp(text, otherText, std::size_t(size)) == 0;
 }
 
 QDateTime Recordset::date(Field field) const

@@ -86,8 +86,8 @@ public:
     [[nodiscard]] qint64 number(Field field) const;
     [[nodiscard]] bool flag(Field field) const;
     [[nodiscard]] QString text(Field field) const;
-    /// The same, as \a guess itself where that is the text: neighbouring rows and fields repeat.
-    [[nodiscard]] QString textLike(Field field, const QString& guess) const;
+    /// Whether two fields of the row hold the same text, of which one object then does for both.
+    [[nodiscard]] bool sameText(Field first, Field second) const;
     [[nodiscard]] QDateTime date(Field field) const;
     [[nodiscard]] QByteArray blob(Field field) const;
 

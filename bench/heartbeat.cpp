@@ -5,13 +5,10 @@
 //   bench-heartbeat FOLDER [FILES BYTES-MIN BYTES-MAX]
 //
 // FOLDER (made, must be missing or empty) lies on the disk that is to be measured.
+#include "DemoSession.h"
 #include "Heart.h"
 #include "demo/BenchmarkPack.h"
-#include "demo/DemoSimulator.h"
 #include "install/forms/frmInstall_Wizard.h"
-#include "session/Session.h"
-#include "shell/forms/QtPrompts.h"
-#include "shell/forms/QtStatus.h"
 #include "shell/forms/frmControl.h"
 
 #include <QApplication>
@@ -22,39 +19,23 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-int failed(const QString& why)
+int measure(bench::DemoSession& demo, const QString& archive)
 {
-    QTextStream(stderr) << why << '\n';
-    return 1;
-}
-
-int measure(const QDir& folder, const QString& archive)
-{
-    vt::QtPrompts prompts;
-    vt::QtStatus status(prompts);
-    vt::SessionOptions options;
-    options.home = folder.filePath(u"home"_s);
-    options.prefix = folder.filePath(u"prefix"_s);
-    vt::Session session(options, prompts, status);
-    for (const vt::Result& ready :
-         {session.prepare(), session.needSimulator(), session.needWriting()}) {
-        if (!ready)
-            return failed(ready.text);
-    }
-    vt::frmControl window(session.context(), status);
+    vt::Session& session = demo.session;
+    vt::frmControl window(session.context(), demo.status);
     window.resize(1280, 800);
     window.show();
     auto* wizard = static_cast<vt::frmInstall_Wizard*>(window.openTool(
         u"wizard"_s, {}, [&] { return new vt::frmInstall_Wizard(session, window); }));
     QApplication::processEvents();
 
-    bench::Heart heart(status);
+    bench::Heart heart(demo.status);
     heart.begin();
     const vt::Result chosen = wizard->choose(session.userPath(archive));
     QApplication::processEvents();
     heart.end(u"choose"_s);
     if (!chosen)
-        return failed(chosen.text);
+        return bench::failed(chosen.text);
     heart.begin();
     wizard->SubForm_InstallationSummary_Show();
     QApplication::processEvents();
@@ -75,13 +56,11 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() != 2 && arguments.size() != 5)
-        return failed(u"bench-heartbeat FOLDER [FILES BYTES-MIN BYTES-MAX]"_s);
+        return bench::failed(u"bench-heartbeat FOLDER [FILES BYTES-MIN BYTES-MAX]"_s);
     const QDir folder(arguments.at(1));
-    if (!QDir().mkpath(folder.path()))
-        return failed(u"cannot make "_s + folder.path());
-    const auto simulator = vt::writeDemoSimulator(folder.filePath(u"prefix"_s));
-    if (!simulator)
-        return failed(simulator.text);
+    bench::DemoSession demo(folder);
+    if (const vt::Result ready = demo.prepare(folder); !ready)
+        return bench::failed(ready.text);
     vt::BenchmarkPack pack;
     pack.out = folder.filePath(u"pack.zip"_s);
     pack.files = 1500;
@@ -95,7 +74,7 @@ int main(int argc, char** argv)
     }
     const auto made = vt::writeBenchmarkPack(pack);
     if (!made)
-        return failed(made.text);
+        return bench::failed(made.text);
     QTextStream(stdout) << pack.files << " files, " << (made->bytes >> 20) << " MB\n";
-    return measure(folder, pack.out);
+    return measure(demo, pack.out);
 }

@@ -4,12 +4,10 @@
 //   bench-listfill FOLDER [ADD-ONS FILES-OF-EACH]
 //
 // FOLDER (made, must be missing or empty) lies on the disk that is to be measured.
+#include "DemoSession.h"
 #include "Heart.h"
 #include "addondb/AddonDatabase.h"
 #include "addondb/Connection.h"
-#include "demo/DemoSimulator.h"
-#include "session/Session.h"
-#include "shell/forms/QtPrompts.h"
 #include "shell/forms/frmControl.h"
 #include "ui/forms/AddonListCommands.h"
 #include "ui/forms/frmWorkWithAddons.h"
@@ -20,12 +18,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-int failed(const QString& why)
-{
-    QTextStream(stderr) << why << '\n';
-    return 1;
-}
 
 vt::Result fill(vt::Connection& database, int addons, int files)
 {
@@ -65,34 +57,23 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() != 2 && arguments.size() != 4)
-        return failed(u"bench-listfill FOLDER [ADD-ONS FILES-OF-EACH]"_s);
+        return bench::failed(u"bench-listfill FOLDER [ADD-ONS FILES-OF-EACH]"_s);
     const QDir folder(arguments.at(1));
-    if (!QDir().mkpath(folder.path()))
-        return failed(u"cannot make "_s + folder.path());
-    const auto simulator = vt::writeDemoSimulator(folder.filePath(u"prefix"_s));
-    if (!simulator)
-        return failed(simulator.text);
-    vt::QtPrompts prompts;
-    vt::QtStatus status(prompts);
-    vt::SessionOptions options;
-    options.home = folder.filePath(u"home"_s);
-    options.prefix = folder.filePath(u"prefix"_s);
-    vt::Session session(options, prompts, status);
-    for (const vt::Result& ready :
-         {session.prepare(), session.needSimulator(), session.needWriting()})
-        if (!ready)
-            return failed(ready.text);
+    bench::DemoSession demo(folder);
+    if (const vt::Result ready = demo.prepare(folder); !ready)
+        return bench::failed(ready.text);
+    vt::Session& session = demo.session;
     const int addons = arguments.size() == 4 ? arguments.at(2).toInt() : 100'000;
     const int files = arguments.size() == 4 ? arguments.at(3).toInt() : 3;
     if (const vt::Result filled = fill(*session.database(), addons, files); !filled)
-        return failed(filled.text);
-    vt::frmControl window(session.context(), status);
+        return bench::failed(filled.text);
+    vt::frmControl window(session.context(), demo.status);
     vt::wireAddonLists(window, session);
     window.resize(1280, 800);
     window.show();
     QApplication::processEvents();
 
-    bench::Heart heart(status);
+    bench::Heart heart(demo.status);
     const auto phase = [&](const QString& name, auto&& work) {
         heart.begin();
         work();

@@ -252,10 +252,8 @@ int runTool(World& world, Result (CTrafficTools::*work)(), const QString& done)
     world.out().field(u"ok", true);
     world.out().field(u"text", done);
     PlanFile file;
-    if (const QString source = tools.sourceFile(TrafficKind::FlightPlans); !source.isEmpty()) {
-        if (const ResultOf<PlanFile> read = readPlans(world, source))
-            file = *read;
-    }
+    if (const auto read = readPlans(world, tools.sourceFile(TrafficKind::FlightPlans)))
+        file = *read;
     writePlans(world, file);
     world.out().endObject();
     world.say(done);

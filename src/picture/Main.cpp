@@ -4,11 +4,12 @@
 //
 // Exit status: 0 done; 1 no picture that could be used, one phrase on standard error; 2 wrong
 // usage.
+#include "guarded/Limits.h"
+
 #include <FreeImage.h>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <sys/resource.h>
 #include <vector>
 
 namespace {
@@ -21,23 +22,6 @@ constexpr unsigned long long pointsLimit = 64ULL * 1000 * 1000;
 constexpr int jpegQuality = 85;
 /// A picture is at most this many times as high as the width asked for.
 constexpr int tallest = 4;
-
-bool limitTo(int what, rlim_t value)
-{
-    const rlimit limit{value, value};
-    return setrlimit(static_cast<__rlimit_resource>(what), &limit) == 0;
-}
-
-bool limitMyself()
-{
-#ifdef __SANITIZE_ADDRESS__
-    const bool memory = true; // its shadow alone needs more addresses
-#else
-    const bool memory = limitTo(RLIMIT_AS, memoryLimit);
-#endif
-    return memory && limitTo(RLIMIT_CPU, secondsLimit) && limitTo(RLIMIT_FSIZE, 0) &&
-           limitTo(RLIMIT_CORE, 0);
-}
 
 [[noreturn]] void refuse(const std::string& why)
 {
@@ -145,7 +129,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "vantrel-picture WIDTH: 1 to 4096\n");
         return 2;
     }
-    if (!limitMyself())
+    if (!vt::guarded::limitMyself(memoryLimit) || !vt::guarded::limitTo(RLIMIT_CPU, secondsLimit))
         refuse("its decoder could not be limited");
     std::vector<BYTE> bytes = standardInput();
     FreeImage_Initialise(TRUE);

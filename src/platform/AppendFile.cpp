@@ -1,6 +1,6 @@
 #include "platform/AppendFile.h"
 
-#include <QStringEncoder>
+#include "platform/Utf8.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -39,13 +39,8 @@ void AppendFile::line(std::initializer_list<QStringView> pieces)
 {
     if (!m_file.valid())
         return;
-    for (const QStringView piece : pieces) {
-        QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
-        const qsizetype before = m_buffer.size();
-        m_buffer.resize(before + encoder.requiredSpace(piece.size()));
-        const char* end = encoder.appendToBuffer(m_buffer.data() + before, piece);
-        m_buffer.resize(end - m_buffer.constData());
-    }
+    for (const QStringView piece : pieces)
+        appendUtf8(m_buffer, piece);
     raw("\r\n");
 }
 

@@ -2,10 +2,10 @@
 #include "platform/Journal.h"
 
 #include "platform/StepRunner.h"
+#include "platform/Utf8.h"
 #include "platform/WinPath.h"
 
 #include <QDataStream>
-#include <QStringEncoder>
 #include <QtEndian>
 
 #include <concepts>
@@ -39,12 +39,10 @@ public:
 
     void text(QStringView text)
     {
-        QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
         const qsizetype at = m_bytes.size();
         number(quint32(0)); // the length, known in a moment
         const qsizetype begin = m_bytes.size();
-        m_bytes.resize(begin + encoder.requiredSpace(text.size()));
-        m_bytes.resize(encoder.appendToBuffer(m_bytes.data() + begin, text) - m_bytes.constData());
+        appendUtf8(m_bytes, text);
         qToBigEndian(quint32(m_bytes.size() - begin), m_bytes.data() + at);
     }
 

@@ -226,7 +226,6 @@ private:
     RemovalClosing m_closing;
     QList<DetailRecord> m_details; ///< all of the add-on's
     std::vector<File> m_files;     ///< those that are to go
-    QString m_coveredFolder;       ///< of the last file that lies where files may be changed
     bool m_whole = true;           ///< all of them are
     bool m_inCabinet = false;
     QString m_target;

@@ -189,12 +189,9 @@ Result CAddonRemover::RemoveFile(File& file)
         if (closed)
             return Result::failure(outerlinks::closedText(*closed));
     }
-    if (file.detail.location != m_coveredFolder) {
-        // Below a program folder that has moved since, for one.
-        if (const ResultOf<Place> place = m_context.services.gate.place(path); !place)
-            return place.error();
-        m_coveredFolder = file.detail.location;
-    }
+    // Below a program folder that has moved since, for one.
+    if (const ResultOf<Place> place = m_context.services.gate.place(path); !place)
+        return place.error();
     const auto now = m_context.services.files.entry(path);
     if (now && now->folder && !now->link)
         return Result::failure(u"a folder of that name lies there now."_s);

@@ -95,7 +95,7 @@ JsonStream::~JsonStream()
 
 void JsonStream::flush()
 {
-    if (m_used > 0 && m_sink)
+    if (m_used > 0)
         m_sink(QByteArrayView(m_buffer.data(), m_used));
     m_used = 0;
 }

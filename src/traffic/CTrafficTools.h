@@ -68,7 +68,7 @@ public:
 
     // The source files, after one of the above.
 
-    /// Full path; empty where the generation has no such file.
+    /// Full path.
     [[nodiscard]] QString sourceFile(TrafficKind kind) const;
     [[nodiscard]] QString dataFile() const;
 

@@ -4,18 +4,16 @@
 // started it ends it when nothing more comes.
 //
 // Exit status: 0 the input ended; 1 the pipe failed or its limits could not be set.
+#include "guarded/Limits.h"
 #include "unpack/Wire.h"
 
 #include <algorithm>
 #include <archive.h>
 #include <archive_entry.h>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <memory>
 #include <string>
-#include <sys/prctl.h>
-#include <sys/resource.h>
 #include <unarr.h>
 #include <unistd.h>
 #include <vector>
@@ -26,23 +24,6 @@ namespace {
 
 /// The largest model (256 MB) and window (64 MB) of either library, and room beside them.
 constexpr rlim_t memoryLimit = 768UL * 1024 * 1024;
-
-bool limitTo(int what, rlim_t value)
-{
-    const rlimit limit{value, value};
-    return setrlimit(static_cast<__rlimit_resource>(what), &limit) == 0;
-}
-
-bool limitMyself()
-{
-#ifdef __SANITIZE_ADDRESS__
-    const bool memory = true; // its shadow alone needs more addresses
-#else
-    const bool memory = limitTo(RLIMIT_AS, memoryLimit);
-#endif
-    return memory && limitTo(RLIMIT_FSIZE, 0) && limitTo(RLIMIT_CORE, 0) &&
-           prctl(PR_SET_PDEATHSIG, SIGKILL) == 0;
-}
 
 /// False at the end of the input.
 bool get(void* to, std::size_t bytes)
@@ -271,7 +252,7 @@ void answer(const Request& request, const std::vector<std::uint64_t>& sizes)
 
 int main()
 {
-    if (!limitMyself())
+    if (!vt::guarded::limitMyself(memoryLimit))
         return 1;
     Request request;
     while (get(&request, sizeof request)) {

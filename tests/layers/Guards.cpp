@@ -36,8 +36,9 @@ const QList<Layer>& layers()
         choosing;
     static const QList<Layer> all{
         {"platform"_L1, {}},
-        {"picture"_L1, {}},
-        {"unpack"_L1, {}},
+        {"guarded"_L1, {}},
+        {"picture"_L1, {"guarded"_L1}},
+        {"unpack"_L1, {"guarded"_L1}},
         {"shell"_L1, {"platform"_L1}},
         {"simconfig/engine"_L1, files},
         {"archive"_L1, Folders{"unpack"_L1} + files},

@@ -1,11 +1,10 @@
 // The help: its topics hang together, every window has one, and they are found and left by
 // keyboard.
-#include "app/Wiring.h"
 #include "shell/SettingsTable.h"
 #include "shell/forms/HelpTopics.h"
 #include "shell/forms/frmHelp.h"
 #include "support/TestMain.h"
-#include "ui/WindowWorld.h"
+#include "ui/WiredWindow.h"
 
 #include <QAction>
 #include <QApplication>
@@ -26,23 +25,9 @@ namespace vt::test {
 
 namespace {
 
-/// The main window with every command of the program.
-struct Wired
+struct Wired : WiredWindow
 {
-    Wired()
-    {
-        app::wire(window, *world.session);
-        window.showAtStart();
-        window.resize(1280, 800);
-        QApplication::setActiveWindow(&window);
-        QApplication::processEvents();
-    }
-
     frmHelp* help() { return qobject_cast<frmHelp*>(window.tool(u"help"_s)); }
-
-    WindowWorld world;
-    QtStatus status{world.prompts};
-    frmControl window{world.context(), status};
 };
 
 } // namespace

@@ -1,7 +1,6 @@
 // What the menus do without a window of their own: default pictures, outside tools, web addresses.
 #include "addondb/Pictures.h"
 #include "app/StartUp.h"
-#include "app/Wiring.h"
 #include "demo/StandIns.h"
 #include "platform/WinPath.h"
 #include "shell/Settings.h"
@@ -9,7 +8,7 @@
 #include "shell/forms/frmHelp.h"
 #include "support/StandInTool.h"
 #include "support/TestMain.h"
-#include "ui/WindowWorld.h"
+#include "ui/WiredWindow.h"
 
 #include <QAction>
 #include <QApplication>
@@ -23,19 +22,6 @@ using namespace Qt::StringLiterals;
 namespace vt::test {
 
 namespace {
-
-struct Wired
-{
-    Wired()
-    {
-        app::wire(window, *world.session);
-        window.showAtStart();
-    }
-
-    WindowWorld world;
-    QtStatus status{world.prompts};
-    frmControl window{world.context(), status};
-};
 
 /// An aircraft and scenery of the simulator's own, with pictures, in a world without them.
 void addStockContent(const WindowWorld& world)
@@ -157,7 +143,7 @@ private Q_SLOTS:
 
     void reloading_isAskedAbout()
     {
-        Wired wired;
+        WiredWindow wired;
         addStockContent(wired.world);
         wired.world.prompts.expect(
             u"Pictures assigned to third-party addons will not be affected.\nAre you sure you want to reload default addon pictures?"_s,
@@ -176,7 +162,7 @@ private Q_SLOTS:
 
     void webSites_areTheSettings()
     {
-        Wired wired;
+        WiredWindow wired;
         Opened opened;
         Settings& settings = wired.world.context().settings;
         wired.window.command(u"mnuBugReport"_s);
@@ -195,7 +181,7 @@ private Q_SLOTS:
 
     void outsideTools_areRunOrMissed()
     {
-        Wired wired;
+        WiredWindow wired;
         WindowWorld& world = wired.world;
         Settings& settings = world.context().settings;
         QVERIFY(settings.setText(SettingKey::AFCADFolder, u"C:\\AFCAD2\\"_s));
@@ -218,7 +204,7 @@ private Q_SLOTS:
     /// Alt and a letter opens a menu, or presses one button: never both, never two.
     void accessKeys_leaveTheMenusAlone()
     {
-        Wired wired;
+        WiredWindow wired;
         wired.window.resize(1280, 800);
         (void)wired.world.install(u"swift-aircraft"_s);
         QStringList clashes;
@@ -242,7 +228,7 @@ private Q_SLOTS:
     /// Every entry does something, or its window comes later.
     void entries_areEnabledButThoseOfLaterWindows()
     {
-        Wired wired;
+        WiredWindow wired;
         QStringList disabled;
         for (const MenuRow& row : menuRows())
             if (!row.menu && !wired.window.hasCommand(QString::fromLatin1(row.name)))

@@ -1,10 +1,7 @@
 #include "remove/forms/RemovedFilesModel.h"
 
-#include "platform/Text.h"
 #include "platform/WinPath.h"
 #include "shell/forms/Icons.h"
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -33,12 +30,8 @@ void RemovedFilesModel::setFiles(const QList<PreviewedFile>& files)
 {
     beginResetModel();
     m_files = files;
+    setRowCount(m_files.size());
     endResetModel();
-}
-
-int RemovedFilesModel::rowCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : int(m_files.size());
 }
 
 int RemovedFilesModel::columnCount(const QModelIndex&) const
@@ -62,7 +55,7 @@ QVariant RemovedFilesModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid())
         return {};
-    const PreviewedFile& file = m_files.at(index.row());
+    const PreviewedFile& file = m_files.at(placeOf(index.row()));
     if (role == Qt::DisplayRole)
         return cell(file, index.column());
     if (role == Qt::ToolTipRole)
@@ -78,17 +71,6 @@ QVariant RemovedFilesModel::headerData(int section, Qt::Orientation orientation,
         return {};
     static const QStringList titles = {u"Name"_s, u"What Happens"_s, u"Folder"_s};
     return titles.value(section);
-}
-
-void RemovedFilesModel::sort(int column, Qt::SortOrder order)
-{
-    beginResetModel();
-    std::stable_sort(
-        m_files.begin(), m_files.end(), [&](const PreviewedFile& a, const PreviewedFile& b) {
-            const int which = compareNoCase(cell(a, column), cell(b, column));
-            return order == Qt::AscendingOrder ? which < 0 : which > 0;
-        });
-    endResetModel();
 }
 
 } // namespace vt

@@ -3,12 +3,11 @@
 #pragma once
 
 #include "remove/RemovalPreview.h"
-
-#include <QAbstractTableModel>
+#include "ui/OrderedTableModel.h"
 
 namespace vt {
 
-class RemovedFilesModel : public QAbstractTableModel
+class RemovedFilesModel : public OrderedTableModel
 {
     Q_OBJECT
 
@@ -21,16 +20,20 @@ public:
         ColumnCount,
     };
 
-    using QAbstractTableModel::QAbstractTableModel;
+    explicit RemovedFilesModel(QObject* parent = nullptr) : OrderedTableModel(-1, parent) {}
 
     void setFiles(const QList<PreviewedFile>& files);
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QVariant
     headerData(int section, Qt::Orientation orientation, int role) const override;
-    void sort(int column, Qt::SortOrder order) override;
+
+protected:
+    [[nodiscard]] QVariant sortKey(qsizetype place, int column) const override
+    {
+        return cell(m_files.at(place), column);
+    }
 
 private:
     [[nodiscard]] static QString cell(const PreviewedFile& file, int column);

@@ -3,6 +3,7 @@
 #include "platform/Gate.h"
 #include "platform/WinPath.h"
 #include "shell/Settings.h"
+#include "shell/startup/Preparation.h"
 
 using namespace Qt::StringLiterals;
 
@@ -50,9 +51,8 @@ Result takeBack(Context& context, const QString& file, bool& changed)
 
 QByteArray entry(const GlobalRecord& global, const QString& executable)
 {
-    const QString edition = global.generation == FSX ? u"FSX"_s : global.names.simShort;
-    const QString text = u"[Desktop Entry]\nType=Application\nName=Install to "_s + edition +
-                         u" using Vantrel\nComment=Installs an add-on from an archive\nExec="_s +
+    const QString text = u"[Desktop Entry]\nType=Application\nName="_s + explorerVerb(global) +
+                         u"\nComment=Installs an add-on from an archive\nExec="_s +
                          quoted(executable) +
                          u" -file %f\nIcon=vantrel\nTerminal=false\nNoDisplay=true\n"_s +
                          u"StartupWMClass=vantrel\n"_s +

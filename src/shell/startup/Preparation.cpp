@@ -46,8 +46,7 @@ QString fileTypeKey(const CRegistry_Manipulation& registry, const QString& exten
 /// Keys of the verb, one for each kind of archive.
 QStringList verbKeys(const CRegistry_Manipulation& registry, const GlobalRecord& global)
 {
-    const QString edition = global.generation == FSX ? u"FSX"_s : global.names.simShort;
-    const QString verb = u"\\shell\\Install to "_s + edition + u" using Vantrel"_s;
+    const QString verb = u"\\shell\\"_s + explorerVerb(global);
     return {fileTypeKey(registry, u".zip"_s) + verb, fileTypeKey(registry, u".rar"_s) + verb};
 }
 
@@ -165,6 +164,12 @@ QString welcomeText(const DisplayNames& names)
 {
     return u"Welcome to "_s + names.productTitle +
            u"! Need some help? Just press the Help button or pull down the Help menu."_s;
+}
+
+QString explorerVerb(const GlobalRecord& global)
+{
+    const QString edition = global.generation == FSX ? u"FSX"_s : global.names.simShort;
+    return u"Install to "_s + edition + u" using Vantrel"_s;
 }
 
 bool registerExplorerVerbs(CRegistry_Manipulation& registry, const GlobalRecord& global)

@@ -44,8 +44,9 @@ Result keepOriginals(Context& context);
 /// What the status bar says once the add-on wizard is open.
 [[nodiscard]] QString welcomeText(const DisplayNames& names);
 
-/// The verb "Install to FSX using Vantrel" of ".zip" and ".rar" files. False when the registry
-/// refused.
+/// "Install to FSX using Vantrel": what file managers offer for archives.
+[[nodiscard]] QString explorerVerb(const GlobalRecord& global);
+/// The verb of ".zip" and ".rar" files. False when the registry refused.
 bool registerExplorerVerbs(CRegistry_Manipulation& registry, const GlobalRecord& global);
 /// Takes them back; true when they are gone.
 bool removeExplorerVerbs(CRegistry_Manipulation& registry, const GlobalRecord& global);

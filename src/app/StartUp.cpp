@@ -16,12 +16,12 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QFontDatabase>
 #include <QProcess>
 #include <QScreen>
 #include <QStandardPaths>
-#include <QThread>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -32,7 +32,7 @@ namespace {
 
 constexpr int wrongUsage = 2;
 constexpr int notFit = 3;
-constexpr unsigned long afterOptimizingMs = 1000;
+constexpr int afterOptimizingMs = 1000;
 const QSize leastScreen(800, 600);
 
 } // namespace
@@ -277,8 +277,19 @@ bool StartUp::sizeCheck()
     if (!report.result)
         m_prompts.ask(announcement(
             context.global.names.productTitle, report.result.text.trimmed(), Icon::Warning));
-    QThread::msleep(afterOptimizingMs);
+    pauseAfterOptimizing();
     return true;
+}
+
+/// The window is drawn and can be moved meanwhile, but no command begins before the start is over;
+/// there is nothing to cancel either, so that no button offers it.
+void StartUp::pauseAfterOptimizing()
+{
+    m_status.beginWork();
+    QEventLoop pause;
+    QTimer::singleShot(afterOptimizingMs, Qt::PreciseTimer, &pause, &QEventLoop::quit);
+    pause.exec();
+    m_status.endWork();
 }
 
 /// What was done without being asked for.

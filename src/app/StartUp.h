@@ -47,6 +47,7 @@ private:
     bool databaseHealth();
     bool damageCheck();
     bool sizeCheck();
+    void pauseAfterOptimizing();
     void importAtStartup();
     void screenResolution();
     void firstWindow();

@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QtEndian>
 
 #include <cmath>
@@ -71,18 +70,15 @@ void play(Context& context)
     const QString platform = QGuiApplication::platformName();
     if (platform == "offscreen"_L1 || platform == "minimal"_L1)
         return;
-    QString player;
-    for (const QString& name : {u"pw-play"_s, u"paplay"_s, u"aplay"_s}) {
-        player = QStandardPaths::findExecutable(name);
-        if (!player.isEmpty())
-            break;
-    }
     const QString file = context.global.tempFolder + u"Start.wav"_s;
-    if (player.isEmpty() || !context.services.actions.replace(file, wave()))
+    if (!context.services.actions.replace(file, wave()))
         return;
     QProcess process;
-    process.setProgram(player);
-    process.setArguments({QFile::decodeName(context.services.files.hostPath(file))});
+    process.setProgram(u"/bin/sh"_s);
+    process.setArguments({u"-c"_s,
+                          u"pw-play \"$1\" || paplay \"$1\" || aplay -q \"$1\""_s,
+                          u"sh"_s,
+                          QFile::decodeName(context.services.files.hostPath(file))});
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     process.startDetached();

@@ -11,8 +11,9 @@ namespace vt::splashsound {
 /// The whole sound as a WAVE file, 16 bits, one channel.
 [[nodiscard]] QByteArray wave();
 
-/// Hands it to the first of the desktop's players that is there, and does not wait. Silence where
-/// there is none, or no desktop to sit at: a start never fails for its sound.
+/// Hands it to the desktop's players, until one of them can play it (one that is there may have no
+/// server to play to), and does not wait. Silence where none can, or where there is no desktop to
+/// sit at: a start never fails for its sound.
 void play(Context& context);
 
 } // namespace vt::splashsound

@@ -4,6 +4,7 @@
 #include "shell/Settings.h"
 #include "shell/forms/Icons.h"
 
+#include <QEvent>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
@@ -20,7 +21,8 @@ void frmSplashFSX::showOver(QWidget* window, Context& context)
         return;
     auto* splash = new frmSplashFSX(context.global.names, window);
     splash->resize(splash->sizeHint());
-    splash->move(window->rect().center() - splash->rect().center());
+    splash->toMiddle();
+    window->installEventFilter(splash);
     splash->show();
     splash->raise();
     QTimer::singleShot(seconds * 1000, splash, &QObject::deleteLater);
@@ -32,6 +34,19 @@ frmSplashFSX::frmSplashFSX(const DisplayNames& names, QWidget* parent)
     setObjectName(u"frmSplashFSX"_s);
     setAccessibleName(m_title);
     setFocusPolicy(Qt::NoFocus);
+}
+
+void frmSplashFSX::toMiddle()
+{
+    move(parentWidget()->rect().center() - rect().center());
+}
+
+/// A window that opens maximised gets its size only after it was shown.
+bool frmSplashFSX::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == parent() && event->type() == QEvent::Resize)
+        toMiddle();
+    return QWidget::eventFilter(watched, event);
 }
 
 QSize frmSplashFSX::sizeHint() const

@@ -23,8 +23,11 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void toMiddle();
+
     QString m_title;
     QString m_simulator;
 };

@@ -2,6 +2,7 @@
 #include "app/Options.h"
 #include "app/StartUp.h"
 #include "platform/EndSignals.h"
+#include "shell/forms/DarkMarks.h"
 #include "shell/forms/Icons.h"
 
 #include <QApplication>
@@ -14,6 +15,7 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"vantrel"_s);
     QApplication::setDesktopFileName(u"vantrel"_s);
+    vt::DarkMarks::install();
     QApplication::setWindowIcon(vt::icons::program());
     const vt::ResultOf<vt::app::Options> options =
         vt::app::optionsOf(QApplication::arguments().mid(1));

@@ -1,7 +1,10 @@
 #include "ui/Screenshot.h"
 
+#include "shell/forms/DarkMarks.h"
+
 #include <QApplication>
 #include <QDir>
+#include <QImage>
 #include <QPixmap>
 #include <QTest>
 #include <QWidget>
@@ -41,8 +44,11 @@ QPalette darkPalette()
 
 QStringList screenshot(QWidget& window, const QString& name, QSize size)
 {
-    const QDir folder(QStringLiteral(VT_SCREENSHOTS));
+    const int percent = qRound(window.devicePixelRatioF() * 100);
+    const QDir folder(QStringLiteral(VT_SCREENSHOTS) +
+                      (percent == 100 ? QString() : u'-' + QString::number(percent)));
     QDir().mkpath(folder.path());
+    DarkMarks::install(); // as the program does
     const QPalette before = QApplication::palette();
     const QSize sizeBefore = window.size();
     if (!size.isEmpty())
@@ -61,6 +67,11 @@ QStringList screenshot(QWidget& window, const QString& name, QSize size)
     window.resize(sizeBefore);
     QApplication::processEvents();
     return files;
+}
+
+QSize sizeOf(const QString& file)
+{
+    return (QSizeF(QImage(file).size()) / qApp->devicePixelRatio()).toSize();
 }
 
 } // namespace vt::test

@@ -123,6 +123,7 @@ private Q_SLOTS:
         options.session.home = world.host(u"home"_s);
         options.session.prefix = world.host(u"prefix"_s);
         app::StartUp program(options);
+        program.screenSize = [] { return QSize(1280, 800); }; // whatever the scale
         QVERIFY(program.Main());
         const QStringList assigned{first, panel, scenery};
         for (const QString& file : assigned)

@@ -13,9 +13,12 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTimer>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -42,6 +45,7 @@ struct Started
     {
         world.session.reset();
         program = std::make_unique<app::StartUp>(options(file));
+        program->screenSize = [] { return QSize(1280, 800); }; // whatever the scale
         return program->Main();
     }
 
@@ -304,6 +308,12 @@ void TestStartUp::everyEnabledEntry_opensSomething()
     Started started;
     QVERIFY(started.start());
     frmControl* window = started.program->window();
+    window->resize(1280, 800);
+    QPointer<QWidget> splash = window->findChild<QWidget*>(u"frmSplashFSX"_s);
+    QVERIFY(splash);
+    screenshot(*window, u"splash-1280x800"_s);
+    QTest::mouseClick(splash, Qt::LeftButton);
+    QTRY_VERIFY(!splash);
     int opened = 0;
     for (QAction* action : window->findChildren<QAction*>()) {
         if (!action->objectName().startsWith(u"mnu"_s) || !action->isEnabled() || action->menu() ||
@@ -313,17 +323,21 @@ void TestStartUp::everyEnabledEntry_opensSomething()
         QTRY_VERIFY(window->tools().isEmpty());
         bool dialog = false;
         QTimer close;
-        QObject::connect(&close, &QTimer::timeout, &close, [&dialog] {
-            if (QWidget* modal = QApplication::activeModalWidget()) {
-                dialog = true;
-                modal->close();
-            }
+        QObject::connect(&close, &QTimer::timeout, &close, [&] {
+            QWidget* modal = QApplication::activeModalWidget();
+            if (!modal)
+                return;
+            close.stop();
+            if (!std::exchange(dialog, true))
+                screenshot(*modal, action->objectName());
+            modal->close();
+            close.start();
         });
         close.start(20);
         action->trigger();
         QVERIFY2(dialog || window->tools().size() == 1, qPrintable(action->objectName()));
         if (!window->tools().isEmpty())
-            screenshot(*window, action->objectName() + u"-1280x800"_s, {1280, 800});
+            screenshot(*window, action->objectName() + u"-1280x800"_s);
         ++opened;
     }
     QVERIFY(opened >= 4);

@@ -37,7 +37,7 @@ void TestWindowWorld::screenshot_showsBothLooks()
     QCOMPARE(files.size(), 2);
     const QImage light(files[0]);
     const QImage dark(files[1]);
-    QCOMPARE(light.size(), QSize(320, 200));
+    QCOMPARE(test::sizeOf(files[0]), QSize(320, 200));
     QVERIFY(light.pixelColor(1, 1).lightness() > 200);
     QVERIFY(dark.pixelColor(1, 1).lightness() < 80);
     QCOMPARE(label.palette(), before);

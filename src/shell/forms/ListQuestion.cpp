@@ -83,9 +83,7 @@ ListQuestion::ListQuestion(const Prompt& prompt, QWidget* parent)
 QLayout* ListQuestion::headline(const Prompt& prompt)
 {
     auto* icon = new QLabel;
-    icon->setPixmap(style()
-                        ->standardIcon(promptIcon(prompt.icon))
-                        .pixmap(style()->pixelMetric(QStyle::PM_MessageBoxIconSize)));
+    icon->setPixmap(promptPicture(prompt.icon, *this));
     auto* texts = new QVBoxLayout;
     if (!prompt.heading.isEmpty()) {
         QLabel* heading = wrapped(prompt.heading, u"lblHeading"_s);

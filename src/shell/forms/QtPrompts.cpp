@@ -48,23 +48,6 @@ Button buttonOf(int standard)
     return Button::Cancel;
 }
 
-QMessageBox::Icon iconOf(Icon icon)
-{
-    switch (icon) {
-    case Icon::Information:
-        return QMessageBox::Information;
-    case Icon::Question:
-        return QMessageBox::Question;
-    case Icon::Warning:
-        return QMessageBox::Warning;
-    case Icon::Critical:
-        return QMessageBox::Critical;
-    case Icon::None:
-        break;
-    }
-    return QMessageBox::NoIcon;
-}
-
 void addTexts(QMessageBox& box, const Prompt& prompt)
 {
     QStringList below;
@@ -110,8 +93,10 @@ QWidget* QtPrompts::parent() const
 
 CheckedAnswer QtPrompts::show(const Prompt& prompt)
 {
-    QMessageBox box(iconOf(prompt.icon), prompt.caption, {}, QMessageBox::NoButton, parent());
+    QMessageBox box(QMessageBox::NoIcon, prompt.caption, {}, QMessageBox::NoButton, parent());
     box.setObjectName(u"prompt"_s);
+    if (prompt.icon != Icon::None)
+        box.setIconPixmap(promptPicture(prompt.icon, box));
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse);
     addTexts(box, prompt);

@@ -31,7 +31,7 @@ frmHelp::frmHelp(Context& context, QWidget* parent)
     buildPanes();
     column->addWidget(m_panes, 1);
     buildShortcuts();
-    filter({});
+    filter();
 }
 
 QLayout* frmHelp::buildBar()
@@ -156,9 +156,8 @@ QStringList frmHelp::words() const
 }
 
 /// The topics that hold every word that was typed; all of them at first.
-void frmHelp::filter(const QString& typed)
+void frmHelp::filter()
 {
-    Q_UNUSED(typed)
     const QSignalBlocker quiet(m_list);
     m_list->clear();
     for (const HelpTopic& topic : m_topics) {
@@ -199,6 +198,8 @@ void frmHelp::roomInTables()
         format.setCellSpacing(0);
         format.setCellPadding(fontMetrics().averageCharWidth() / 2.0);
         format.setBorderCollapse(true);
+        format.setBorder(1);
+        format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
         format.setBorderBrush(palette().brush(QPalette::Mid));
         table->setFormat(format);
     }

@@ -39,7 +39,7 @@ private:
     QLayout* buildBar();
     void buildPanes();
     void buildShortcuts();
-    void filter(const QString& typed);
+    void filter();
     void follow();
     void roomInTables();
     void markFound();

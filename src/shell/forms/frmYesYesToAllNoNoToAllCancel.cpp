@@ -110,8 +110,7 @@ frmYesYesToAllNoNoToAllCancel::frmYesYesToAllNoNoToAllCancel(const Prompt& promp
 QLayout* frmYesYesToAllNoNoToAllCancel::headline(const Prompt& prompt)
 {
     auto* icon = new QLabel;
-    const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
-    icon->setPixmap(style()->standardIcon(promptIcon(prompt.icon)).pixmap(size));
+    icon->setPixmap(promptPicture(prompt.icon, *this));
     auto* texts = new QVBoxLayout;
     // The first line of the text says what is the matter; the rest is shown side by side.
     const QString matter = prompt.replacing ? prompt.text.section(u":\n"_s, 0, 0) : prompt.text;

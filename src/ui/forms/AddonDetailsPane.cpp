@@ -171,7 +171,8 @@ void AddonDetailsPane::showAddon(const AddonListRow& row)
     if (!addon.authors.isEmpty())
         facts.append(u"by "_s + addon.authors);
     facts.append(countText(row.files, u"file"_s, u"files"_s) + u", "_s +
-                 sizeText(addon.sourceSize) + u", rating "_s + ratingText(addon.rating));
+                 sizeText(addon.sourceSize) +
+                 (addon.rating > 0 ? u", rating "_s + ratingText(addon.rating) : QString()));
     showHead(addon.name, facts.join(u'\n'), addon.description);
     m_edit->show();
     showPicture(addon.key);

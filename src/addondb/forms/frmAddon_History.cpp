@@ -133,7 +133,7 @@ void frmAddon_History::buildPanes()
             &frmAddon_History::showSelection);
     auto* details = new QWidget;
     auto* layout = new QVBoxLayout(details);
-    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setContentsMargins(fontMetrics().averageCharWidth(), 0, 0, 0);
     m_name = new QLabel;
     m_name->setObjectName(u"lblName"_s);
     m_name->setWordWrap(true);

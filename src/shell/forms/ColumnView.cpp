@@ -25,6 +25,7 @@ namespace {
 
 /// Widest that a column gets by itself, in average characters.
 constexpr int widestByItself = 48;
+constexpr int narrowestPath = 32; ///< while other columns are out of sight
 
 /// The rows from the topmost level down to \a index, for comparing places in a tree.
 QList<int> placeOf(QModelIndex index)
@@ -218,10 +219,26 @@ void ColumnView::autoSizeColumns()
     }
 }
 
+/// Paths are understood when they are cut, numbers out of sight are not.
+void ColumnView::narrowPathColumns()
+{
+    const int least = narrowestPath * fontMetrics().averageCharWidth();
+    int tooMuch = header()->length() - viewport()->width();
+    for (const int column : m_pathColumns) {
+        const int gives = std::min(tooMuch, columnWidth(column) - least);
+        if (isColumnHidden(column) || gives <= 0)
+            continue;
+        setColumnWidth(column, columnWidth(column) - gives);
+        tooMuch -= gives;
+    }
+}
+
 void ColumnView::autoSizeAtFirst()
 {
-    if (!m_arranged)
-        autoSizeColumns();
+    if (m_arranged)
+        return;
+    autoSizeColumns();
+    narrowPathColumns();
 }
 
 void ColumnView::sizeColumnsOnce()
@@ -230,6 +247,7 @@ void ColumnView::sizeColumnsOnce()
         return;
     m_sized = true;
     autoSizeColumns();
+    narrowPathColumns();
     const int left = viewport()->width() - header()->length();
     if (left > 0 && !isColumnHidden(m_mainColumn))
         setColumnWidth(m_mainColumn,

@@ -131,6 +131,7 @@ private:
     [[nodiscard]] QString columnsText() const;
     bool takeColumns(const QString& text);
     void sizeColumnsOnce();
+    void narrowPathColumns();
     void applyViewType();
     void updateEmptyPlace();
     void placeEmptyPlace();

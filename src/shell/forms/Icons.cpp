@@ -159,7 +159,7 @@ constexpr std::array<StateRow, 16> states = {{
     {State::Changed, u"state-changed", Meaning::Caution},
     {State::Missing, u"state-missing", Meaning::Bad},
     {State::TrashCan, u"state-trash-can", Meaning::Bad},
-    {State::Own, u"state-own", Meaning::Plain},
+    {State::Own, u"vantrel", Meaning::Plain},
     {State::Simulator, u"state-simulator", Meaning::Plain},
     {State::Cabinet, u"cabinet", Meaning::Plain},
 }};

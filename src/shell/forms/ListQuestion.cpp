@@ -83,7 +83,8 @@ ListQuestion::ListQuestion(const Prompt& prompt, QWidget* parent)
 QLayout* ListQuestion::headline(const Prompt& prompt)
 {
     auto* icon = new QLabel;
-    icon->setPixmap(promptPicture(prompt.icon, *this));
+    keepPromptPicture(
+        *this, prompt.icon, [icon](const QPixmap& picture) { icon->setPixmap(picture); });
     auto* texts = new QVBoxLayout;
     if (!prompt.heading.isEmpty()) {
         QLabel* heading = wrapped(prompt.heading, u"lblHeading"_s);

@@ -96,7 +96,8 @@ CheckedAnswer QtPrompts::show(const Prompt& prompt)
     QMessageBox box(QMessageBox::NoIcon, prompt.caption, {}, QMessageBox::NoButton, parent());
     box.setObjectName(u"prompt"_s);
     if (prompt.icon != Icon::None)
-        box.setIconPixmap(promptPicture(prompt.icon, box));
+        keepPromptPicture(
+            box, prompt.icon, [&box](const QPixmap& picture) { box.setIconPixmap(picture); });
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse);
     addTexts(box, prompt);

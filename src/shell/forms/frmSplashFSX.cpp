@@ -51,7 +51,7 @@ bool frmSplashFSX::eventFilter(QObject* watched, QEvent* event)
 
 QSize frmSplashFSX::sizeHint() const
 {
-    return {fontMetrics().averageCharWidth() * 64, fontMetrics().lineSpacing() * 15};
+    return {fontMetrics().averageCharWidth() * 100, fontMetrics().lineSpacing() * 22};
 }
 
 void frmSplashFSX::mousePressEvent(QMouseEvent*)

@@ -110,7 +110,8 @@ frmYesYesToAllNoNoToAllCancel::frmYesYesToAllNoNoToAllCancel(const Prompt& promp
 QLayout* frmYesYesToAllNoNoToAllCancel::headline(const Prompt& prompt)
 {
     auto* icon = new QLabel;
-    icon->setPixmap(promptPicture(prompt.icon, *this));
+    keepPromptPicture(
+        *this, prompt.icon, [icon](const QPixmap& picture) { icon->setPixmap(picture); });
     auto* texts = new QVBoxLayout;
     // The first line of the text says what is the matter; the rest is shown side by side.
     const QString matter = prompt.replacing ? prompt.text.section(u":\n"_s, 0, 0) : prompt.text;

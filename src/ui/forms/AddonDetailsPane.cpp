@@ -57,7 +57,7 @@ AddonDetailsPane::AddonDetailsPane(Session& session, QWidget* parent)
 {
     setObjectName(u"AddonDetailsPane"_s);
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setContentsMargins(fontMetrics().averageCharWidth(), 0, 0, 0);
     m_picture = new QLabel;
     m_picture->setObjectName(u"picAddon"_s);
     m_picture->setAlignment(Qt::AlignCenter);

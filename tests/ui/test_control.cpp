@@ -104,6 +104,7 @@ private Q_SLOTS:
     void child_comesBackWhereItWas();
     void child_thatStaysKeepsTheWindowOpen();
     void toolbar_followsTheSettings();
+    void children_areChangedAndClosedByKeyboard();
     void font_isTheSettingsWhereItIsInstalled();
     void work_takesNoOtherInput();
     void droppedFile_isInstalled();
@@ -295,6 +296,26 @@ void TestControl::toolbar_followsTheSettings()
     QVERIFY(control.world.context().settings.flag(SettingKey::MDIOpenMaximized));
     control.window.showAtStart();
     QVERIFY(control.window.isMaximized());
+}
+
+void TestControl::children_areChangedAndClosedByKeyboard()
+{
+    Control control;
+    const SmallTool* first = control.open();
+    auto* area = control.window.findChild<QMdiArea*>();
+    control.open(u"another"_s);
+    QApplication::setActiveWindow(&control.window);
+    const auto press = [&](Qt::Key key) {
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus ? focus : area, key, Qt::ControlModifier);
+    };
+    press(Qt::Key_Tab);
+    QTest::keyRelease(area, Qt::Key_Control);
+    QTRY_COMPARE(area->currentSubWindow()->widget(), first);
+    press(Qt::Key_F4);
+    QTRY_COMPARE(control.window.tools().size(), 1);
+    press(Qt::Key_W);
+    QTRY_VERIFY(control.window.tools().isEmpty());
 }
 
 void TestControl::font_isTheSettingsWhereItIsInstalled()

@@ -49,6 +49,9 @@ QMdiSubWindow* frmControl::addChild(ToolWindow* tool)
 {
     QMdiSubWindow* child = m_area->addSubWindow(tool);
     child->setAttribute(Qt::WA_DeleteOnClose);
+    for (QAction* action : child->systemMenu()->actions())
+        if (!action->shortcut().isEmpty()) // that of closing, which differs from desktop to desktop
+            action->setShortcuts({Qt::CTRL | Qt::Key_W, Qt::CTRL | Qt::Key_F4});
     if (tool->windowIcon().isNull())
         child->setWindowIcon(windowIcon());
     return child;

@@ -115,6 +115,7 @@ void frmHelp::buildShortcuts()
     });
     shortcut(Qt::ALT | Qt::Key_Left, [this] { m_text->backward(); });
     shortcut(Qt::ALT | Qt::Key_Right, [this] { m_text->forward(); });
+    shortcut(Qt::ALT | Qt::Key_Right, [this] { m_text->forward(); });
     shortcut(Qt::Key_Escape, [this] {
         if (m_search->text().isEmpty())
             (parentWidget() && !isWindow() ? parentWidget() : this)->close();

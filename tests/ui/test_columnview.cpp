@@ -115,6 +115,30 @@ private Q_SLOTS:
         QCOMPARE(list.shownTitles(), shown);
     }
 
+    /// Numbers beside a long path stay in sight; what the user sizes stays as it is.
+    void pathColumns_giveWayToTheOthers()
+    {
+        Shown list;
+        list.model.item(0, 0)->setText(QString(60, u'p'));
+        list.view.setPathColumns({0});
+        list.restore();
+        const auto overflow = [&] {
+            return list.view.header()->length() - list.view.viewport()->width();
+        };
+        const int wide = list.view.columnWidth(0);
+        list.view.resize(wide, 300);
+        QApplication::processEvents();
+        QVERIFY(overflow() <= 0);
+        QVERIFY(list.view.columnWidth(0) < wide);
+        list.view.resize(900, 300);
+        QApplication::processEvents();
+        QCOMPARE(list.view.columnWidth(0), wide);
+        list.view.setColumnWidth(1, 200);
+        list.view.resize(wide, 300);
+        QApplication::processEvents();
+        QCOMPARE(list.view.columnWidth(0), wide);
+    }
+
     void dialog_byKeyboardAlone()
     {
         const ColumnArrangement before{{{0, true}, {1, true}, {2, false}}, 0, false};

@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -70,6 +71,10 @@ void ColumnView::buildHeader()
     columns->setAccessibleName(u"Columns"_s);
     columns->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(columns, &QWidget::customContextMenuRequested, this, &ColumnView::showHeaderMenu);
+    connect(columns, &QHeaderView::sectionResized, this, [this] {
+        if (!m_fitting)
+            m_pathWidths.clear();
+    });
     columns->setSortIndicator(-1, Qt::AscendingOrder); // until somebody sorts
     setSortingEnabled(true);
 }
@@ -220,17 +225,30 @@ void ColumnView::autoSizeColumns()
 }
 
 /// Paths are understood when they are cut, numbers out of sight are not.
-void ColumnView::narrowPathColumns()
+void ColumnView::fitPathColumns()
 {
+    const QScopedValueRollback fitting(m_fitting, true);
     const int least = narrowestPath * fontMetrics().averageCharWidth();
+    for (auto wanted = m_pathWidths.cbegin(); wanted != m_pathWidths.cend(); ++wanted)
+        setColumnWidth(wanted.key(), wanted.value());
     int tooMuch = header()->length() - viewport()->width();
-    for (const int column : m_pathColumns) {
-        const int gives = std::min(tooMuch, columnWidth(column) - least);
-        if (isColumnHidden(column) || gives <= 0)
+    for (auto wanted = m_pathWidths.cbegin(); wanted != m_pathWidths.cend(); ++wanted) {
+        const int gives = std::min(tooMuch, wanted.value() - least);
+        if (gives <= 0)
             continue;
-        setColumnWidth(column, columnWidth(column) - gives);
+        setColumnWidth(wanted.key(), wanted.value() - gives);
         tooMuch -= gives;
     }
+}
+
+/// From now on they follow the view's width, until the user sizes a column.
+void ColumnView::followWithPathColumns()
+{
+    m_pathWidths.clear();
+    for (const int column : std::as_const(m_pathColumns))
+        if (!isColumnHidden(column) && !header()->stretchLastSection())
+            m_pathWidths.insert(column, columnWidth(column));
+    fitPathColumns();
 }
 
 void ColumnView::autoSizeAtFirst()
@@ -238,7 +256,7 @@ void ColumnView::autoSizeAtFirst()
     if (m_arranged)
         return;
     autoSizeColumns();
-    narrowPathColumns();
+    followWithPathColumns();
 }
 
 void ColumnView::sizeColumnsOnce()
@@ -247,12 +265,12 @@ void ColumnView::sizeColumnsOnce()
         return;
     m_sized = true;
     autoSizeColumns();
-    narrowPathColumns();
     const int left = viewport()->width() - header()->length();
     if (left > 0 && !isColumnHidden(m_mainColumn))
         setColumnWidth(m_mainColumn,
                        columnWidth(m_mainColumn) +
                            std::min(left, widestByItself * fontMetrics().averageCharWidth()));
+    followWithPathColumns();
 }
 
 void ColumnView::customizeColumns()
@@ -411,6 +429,8 @@ void ColumnView::resizeEvent(QResizeEvent* event)
 {
     QTreeView::resizeEvent(event);
     placeEmptyPlace();
+    if (!m_pathWidths.isEmpty())
+        fitPathColumns();
 }
 
 void ColumnView::changeEvent(QEvent* event)

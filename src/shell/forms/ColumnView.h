@@ -4,6 +4,7 @@
 
 #include "shell/SettingsTable.h"
 
+#include <QMap>
 #include <QTreeView>
 
 class QLabel;
@@ -131,12 +132,16 @@ private:
     [[nodiscard]] QString columnsText() const;
     bool takeColumns(const QString& text);
     void sizeColumnsOnce();
-    void narrowPathColumns();
+    void fitPathColumns();
+    void followWithPathColumns();
     void applyViewType();
     void updateEmptyPlace();
     void placeEmptyPlace();
 
     int m_mainColumn = 0;
+    QMap<int, int>
+        m_pathWidths; ///< that columns of paths want; empty: all columns stay as they are
+    bool m_fitting = false;
     QList<int> m_hiddenAtFirst;
     QList<int> m_pathColumns;
     int m_firstSort = 0;

@@ -8,14 +8,12 @@
 #include "shell/forms/frmHelp.h"
 #include "support/StandInTool.h"
 #include "support/TestMain.h"
+#include "ui/AccessKeys.h"
 #include "ui/WiredWindow.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QDesktopServices>
-#include <QLabel>
-#include <QTabBar>
-#include <QToolButton>
 
 using namespace Qt::StringLiterals;
 
@@ -40,35 +38,6 @@ void addStockContent(const WindowWorld& world)
     writeHostFile(airplanes + u"C172/panel/main.bmp"_s, standins::picture(64, 48, 3));
     writeHostFile(world.demo.simulatorHost + u"/Scenery/World/preview.png"_s,
                   standins::picture(32, 32, 4));
-}
-
-/// What the visible parts of a window want to be pressed by.
-QStringList accessKeyClashes(const QWidget* window, const QString& name)
-{
-    QHash<QKeySequence, QStringList> wanted;
-    for (const MenuRow& row : menuRows())
-        if (!*row.parent)
-            wanted[QKeySequence::mnemonic(QString::fromUtf16(row.caption))] +=
-                QString::fromUtf16(row.caption);
-    for (const QWidget* part : window->findChildren<QWidget*>()) {
-        QStringList texts;
-        if (const auto* button = qobject_cast<const QAbstractButton*>(part))
-            texts += button->text();
-        else if (const auto* label = qobject_cast<const QLabel*>(part); label && label->buddy())
-            texts += label->text();
-        else if (const auto* tabs = qobject_cast<const QTabBar*>(part))
-            for (int i = 0; i < tabs->count(); ++i)
-                texts += tabs->tabText(i);
-        for (const QString& text : texts)
-            if (const QKeySequence keys = QKeySequence::mnemonic(text);
-                !keys.isEmpty() && part->isVisible())
-                wanted[keys] += text;
-    }
-    QStringList clashes;
-    for (const QStringList& parts : wanted)
-        if (parts.size() > 1)
-            clashes += name + u": "_s + parts.join(u" / "_s);
-    return clashes;
 }
 
 /// Takes what is handed to the desktop.
@@ -216,13 +185,13 @@ private Q_SLOTS:
                                      u"mnuHelpTopics"_s}) {
             wired.window.command(entry);
             QApplication::processEvents();
-            clashes += accessKeyClashes(wired.window.tools().constFirst(), entry);
+            clashes += accessKeyClashes(*wired.window.tools().constFirst());
             wired.window.command(u"mnuCloseAll"_s);
             QTRY_VERIFY(wired.window.tools().isEmpty());
         }
         wired.window.showResults(u"Results"_s, Results({u"Installed"_s}));
         QApplication::processEvents();
-        clashes += accessKeyClashes(wired.window.tools().constFirst(), u"results"_s);
+        clashes += accessKeyClashes(*wired.window.tools().constFirst());
         QVERIFY2(clashes.isEmpty(), qPrintable(clashes.join(u'\n')));
     }
 

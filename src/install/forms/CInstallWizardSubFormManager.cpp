@@ -160,17 +160,17 @@ void CInstallWizardSubFormManager::buildActions()
     connect(m_commands, &QMenu::aboutToShow, this, &M::updateActions);
 }
 
-void CInstallWizardSubFormManager::addTabs(QVBoxLayout* column)
+QWidget* CInstallWizardSubFormManager::addTabs(QVBoxLayout* column)
 {
     buildTabs();
     column->addWidget(m_tabs);
     column->addWidget(m_noTabs);
-    m_page->setFocusProxy(m_tabs);
+    return m_tabs;
 }
 
 void CInstallWizardSubFormManager::addList(QVBoxLayout* column)
 {
-    auto* caption = new QLabel(u"&What goes where:"_s, m_page);
+    auto* caption = new QLabel(u"Chec&k what goes where:"_s, m_page);
     m_change = new QToolButton(m_page);
     m_change->setObjectName(u"cmdChangeItems"_s);
     m_change->setText(u"Chan&ge Selected Files"_s);

@@ -43,8 +43,8 @@ public:
     // Each is called once, in the order in which the parts lie on the page: so the keyboard goes
     // through them.
 
-    /// The tabs, or what stands for them while there are none; the page's focus goes there.
-    void addTabs(QVBoxLayout* column);
+    /// The tabs, or what stands for them while there are none. Gives what takes the focus.
+    QWidget* addTabs(QVBoxLayout* column);
     /// The list with its caption and its hints; takes what room is left.
     void addList(QVBoxLayout* column);
 

@@ -29,6 +29,22 @@ constexpr int comfortableLines = 34;
 /// Below that, in a small main window, the folder's hint goes too and the methods stand close.
 constexpr int narrowLines = 28;
 
+/// How a page makes room.
+enum Closeness
+{
+    AtEase,
+    Closer,
+    Narrow,
+    WithoutTitle, ///< of the folder's frame
+};
+
+/// At once, not when the layouts come to it.
+void measureAnew(QWidget* part)
+{
+    part->layout()->activate();
+    part->updateGeometry();
+}
+
 } // namespace
 
 ConfigurePage::ConfigurePage(WizardState& state, const ConfigurePageLook& look, QWidget* parent)
@@ -57,7 +73,7 @@ void ConfigurePage::build(QLabel* title, const std::function<QWidget*()>& extra)
     m_spacing = column->spacing();
     if (title)
         column->addWidget(title);
-    m_manager->addTabs(column);
+    setFocusProxy(m_manager->addTabs(column));
     if (!m_look.prompt.isEmpty()) {
         m_prompt = new QLabel(m_look.prompt, content);
         m_prompt->setObjectName(u"lblPrompt"_s);
@@ -78,16 +94,37 @@ void ConfigurePage::build(QLabel* title, const std::function<QWidget*()>& extra)
     setContent(content);
 }
 
-/// On a low page everything stands closer, and the prompt, which the frames say again, gives way.
+/// On a low page everything stands closer, as close as it must so that nothing has to be scrolled
+/// for.
 void ConfigurePage::fitHeight()
 {
-    const bool low = height() < fontMetrics().lineSpacing() * comfortableLines;
+    const int line = fontMetrics().lineSpacing();
+    int closeness = height() < line * narrowLines        ? Narrow
+                    : height() < line * comfortableLines ? Closer
+                                                         : AtEase;
+    setCloseness(closeness);
+    const auto needed = [this] {
+        return qMax(m_column->totalMinimumSize().height(),
+                    m_column->hasHeightForWidth() ? m_column->totalHeightForWidth(width()) : 0);
+    };
+    while (closeness < WithoutTitle && needed() > height())
+        setCloseness(++closeness);
+}
+
+/// The prompt gives way first, which the frames say again; then the folder's hint and title.
+void ConfigurePage::setCloseness(int closeness)
+{
+    const bool low = closeness > AtEase;
+    const bool lowest = closeness >= Narrow;
     if (m_prompt)
         m_prompt->setVisible(!low);
-    const bool lowest = height() < fontMetrics().lineSpacing() * narrowLines;
     m_column->setSpacing(lowest ? m_spacing / 3 : low ? m_spacing / 2 : m_spacing);
-    if (m_folderBox)
+    if (m_folderBox) {
         m_folderBox->setCompact(lowest);
+        measureAnew(m_folderBox);
+        m_folderFrame->setTitle(closeness == WithoutTitle ? QString()
+                                                          : m_folderFrame->accessibleName());
+    }
     if (m_methodFrame)
         m_methodFrame->layout()->setSpacing(lowest ? 0 : m_spacing / 2);
     const auto frames = findChildren<QGroupBox*>();
@@ -97,6 +134,7 @@ void ConfigurePage::fitHeight()
         margins.setTop(lowest ? 0 : low ? margin / 3 : margin);
         margins.setBottom(margins.top());
         frame->layout()->setContentsMargins(margins);
+        measureAnew(frame);
     }
 }
 
@@ -104,15 +142,15 @@ void ConfigurePage::fitHeight()
 void ConfigurePage::resizeEvent(QResizeEvent* event)
 {
     WizardPage::resizeEvent(event);
+    if (m_picture && m_methodFrame) {
+        const int beside = m_methodFrame->minimumSizeHint().width() + m_picture->wideWidth() +
+                           m_methodRow->spacing();
+        const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
+        const bool narrow = beside + bar > width();
+        m_picture->setCompact(narrow);
+        m_methodRow->setDirection(narrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    }
     fitHeight();
-    if (!m_picture || !m_methodFrame)
-        return;
-    const int beside =
-        m_methodFrame->minimumSizeHint().width() + m_picture->wideWidth() + m_methodRow->spacing();
-    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
-    const bool narrow = beside + bar > width();
-    m_picture->setCompact(narrow);
-    m_methodRow->setDirection(narrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
 }
 
 QWidget* ConfigurePage::methods()
@@ -138,11 +176,13 @@ QWidget* ConfigurePage::folderFrame()
 {
     const GlobalRecord& global = state().session.context().global;
     m_folderFrame = new QGroupBox(u"Set Installation Folder"_s, this);
+    m_folderFrame->setAccessibleName(m_folderFrame->title());
     auto* column = new QVBoxLayout(m_folderFrame);
     m_folderBox = new FolderBox(state().session.context(), m_look.folderLabel, m_folderFrame);
     m_folderBox->setChooser(m_look.chooser);
     m_folderBox->setQuickPicks(m_look.section);
     m_folderBox->setHint(folderHint(m_look.family, global.names, global.generation));
+    connect(m_folderBox, &FolderBox::problemChanged, this, &ConfigurePage::fitHeight);
     m_folderBox->take = [this](const QString& folder) { return takeFolder(folder); };
     column->addWidget(m_folderBox);
     return m_folderFrame;
@@ -189,6 +229,7 @@ void ConfigurePage::showAll()
     showMethod(shown);
     showPicture(shown);
     showGroup();
+    fitHeight();
 }
 
 void ConfigurePage::showMethod(const InstallationGroup* group)
@@ -256,6 +297,11 @@ Result ConfigurePage::takeFolder(const QString& folder)
     if (!taken)
         Q_EMIT edited();
     return taken;
+}
+
+bool ConfigurePage::tells(const QString& problem) const
+{
+    return m_folderBox && m_folderBox->problem() == problem;
 }
 
 Result ConfigurePage::leave()

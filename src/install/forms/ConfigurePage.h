@@ -45,6 +45,7 @@ public:
 
     void enter() override;
     Result leave() override;
+    [[nodiscard]] bool tells(const QString& problem) const override;
     bool advance(bool forward) override;
     void Form_Settings_Save() override;
 
@@ -85,6 +86,7 @@ private:
     [[nodiscard]] QWidget* folderFrame();
     [[nodiscard]] QWidget* pictureFrame();
     void fitHeight();
+    void setCloseness(int closeness);
     void showAll();
     void showMethod(const InstallationGroup* group);
     void showPicture(const InstallationGroup* group);

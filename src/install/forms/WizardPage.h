@@ -24,8 +24,8 @@ struct WizardState
     CAddonInstallationDetails* details = nullptr;
 };
 
-/// Access keys: the frame and the steps use A B D E H I L M N O S T U, so pages have C F G J K P Q
-/// R V W X Y Z and the digits.
+/// Access keys: the main menu uses A F H O T W, the frame and the steps A B D E I L M N O S T U;
+/// the pages have C G J K P Q R V X Y Z and the digits.
 class WizardPage : public QWidget
 {
     Q_OBJECT
@@ -42,9 +42,16 @@ public:
     /// since.
     virtual void enter() = 0;
     /// Takes over what is not in the details yet, and validates. A failure keeps the page, and its
-    /// text is shown below it; what is wrong where is marked on the page. Called some time after
-    /// each edited() too, so it must move no focus and ask nothing.
+    /// text is shown below it, unless the page tells() it; what is wrong where is marked on the
+    /// page. Called some time after each edited() too, so it must move no focus and ask nothing.
     virtual Result leave() = 0;
+
+    /// Whether the page shows this text of leave() itself, at what it is about.
+    [[nodiscard]] virtual bool tells(const QString& problem) const
+    {
+        Q_UNUSED(problem)
+        return false;
+    }
 
     /// The user is on the way to another page, by a step's button, Back, Next (\a forward) or
     /// Finish: takes what was typed and asks what has to be asked before. Called before leave();

@@ -46,7 +46,7 @@ frmInstall_ConfigureAI::frmInstall_ConfigureAI(WizardState& state, QWidget* pare
     auto* title = new QLabel(windowTitle(), content);
     column->addWidget(title);
     m_airports = makeTool(MappedGroup::Afcad, u"Airport Files"_s, u"AF&CAD folder:"_s);
-    m_traffic = makeTool(MappedGroup::TrafficTools, u"Traffic Tools"_s, u"Tools &folder:"_s);
+    m_traffic = makeTool(MappedGroup::TrafficTools, u"Traffic Tools"_s, u"Tools folde&r:"_s);
     column->addWidget(m_airports.frame);
     column->addWidget(m_traffic.frame);
     m_manager->addTabs(column);
@@ -170,6 +170,11 @@ void frmInstall_ConfigureAI::enter()
     showTool(m_traffic);
 }
 
+void frmInstall_ConfigureAI::focusInEvent(QFocusEvent*)
+{
+    (details().holds(MappedGroup::Afcad) ? m_airports : m_traffic).folder->setFocus();
+}
+
 Result frmInstall_ConfigureAI::leave()
 {
     for (const Tool& tool : {m_airports, m_traffic}) {
@@ -177,6 +182,11 @@ Result frmInstall_ConfigureAI::leave()
             return Result::failure(tool.folder->problem());
     }
     return m_manager->validate();
+}
+
+bool frmInstall_ConfigureAI::tells(const QString& problem) const
+{
+    return m_airports.folder->problem() == problem || m_traffic.folder->problem() == problem;
 }
 
 bool frmInstall_ConfigureAI::advance(bool)

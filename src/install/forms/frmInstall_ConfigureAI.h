@@ -27,8 +27,12 @@ public:
 
     void enter() override;
     Result leave() override;
+    [[nodiscard]] bool tells(const QString& problem) const override;
     bool advance(bool forward) override;
     void Form_Settings_Save() override;
+
+protected:
+    void focusInEvent(QFocusEvent* event) override;
 
 private:
     /// One outside tool with its folder.

@@ -18,7 +18,7 @@ ConfigurePageLook aircraftLook(WizardState& state)
     look.prompt =
         u"Click an aircraft group tab then choose an installation folder and a picture for the aircraft."_s;
     look.methodName = u"optAircraftMethod"_s;
-    look.folderLabel = u"&Folder:"_s;
+    look.folderLabel = u"Folde&r:"_s;
     look.chooser.title = u"Select Aircraft Folder"_s;
     look.chooser.prompt = folderHint(look.family, global.names, global.generation);
     look.chooser.root =

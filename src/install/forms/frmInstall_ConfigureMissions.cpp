@@ -27,7 +27,7 @@ ConfigurePageLook missionsLook(WizardState& state)
     look.prompt = u"Click a mission group tab then select "_s +
                   u"an installation method for the mission files."_s;
     look.methodName = u"optMissionMethod"_s;
-    look.folderLabel = u"&Folder:"_s;
+    look.folderLabel = u"Folde&r:"_s;
     look.chooser.title = u"Select Mission Folder"_s;
     look.chooser.prompt = u"Select a folder under the Missions folder."_s;
     look.chooser.root = state.session.context().global.missionsFolder;

@@ -117,7 +117,7 @@ QWidget* frmInstall_ConfigureOptions::authorsAndRating()
     auto* grid = new QGridLayout;
     m_authors = new QLineEdit;
     m_authors->setObjectName(u"txtAuthors"_s);
-    grid->addWidget(captionOf(u"Who created this addon?"_s, u'w', m_authors), 0, 0);
+    grid->addWidget(captionOf(u"Who created this addon?"_s, u'c', m_authors), 0, 0);
     grid->addWidget(m_authors, 1, 0);
     m_rating = new QComboBox;
     m_rating->setObjectName(u"cboRating"_s);
@@ -138,7 +138,7 @@ QWidget* frmInstall_ConfigureOptions::installTo()
 {
     const DisplayNames& names = state().session.context().global.names;
     auto* grid = new QGridLayout;
-    m_toSimulator = new QRadioButton(withAccessKey(names.simLong, u'x'));
+    m_toSimulator = new QRadioButton(names.simLong);
     m_toSimulator->setObjectName(u"optInstallToSimulator"_s);
     m_toCabinet = new QRadioButton(withAccessKey(names.productName + u" File Cabinet"_s, u'v'));
     m_toCabinet->setObjectName(u"optInstallToFileCabinet"_s);
@@ -162,11 +162,11 @@ QWidget* frmInstall_ConfigureOptions::afterwards()
     m_changeFolder = new QPushButton(u"Change Folder"_s);
     m_changeFolder->setObjectName(u"cmdChangeArchiveFolder"_s);
     m_changeFolder->setToolTip(u"Change addon archival folder."_s);
-    m_delete = new QCheckBox(withAccessKey(u"Delete the source files after installation"_s, u'c'));
+    m_delete = new QCheckBox(u"Delete the source files after installation"_s);
     m_delete->setObjectName(u"chkDeleteSource"_s);
     m_start = new QCheckBox(withAccessKey(
         u"Start "_s + state().session.context().global.names.simLong + u" after installation"_s,
-        u'f'));
+        u'x'));
     m_start->setObjectName(u"chkStartSimulator"_s);
     grid->addWidget(m_archive, 0, 0);
     grid->addWidget(m_archiveFolderLabel, 0, 1);

@@ -18,7 +18,7 @@ ConfigurePageLook panelLook(WizardState& state)
     look.prompt =
         u"Click a panel group tab then select an installation method for the panel files."_s;
     look.methodName = u"optPanelMethod"_s;
-    look.folderLabel = u"&Folder:"_s;
+    look.folderLabel = u"Folde&r:"_s;
     look.chooser.title = u"Select Panel Folder"_s;
     look.chooser.prompt = folderHint(look.family, global.names, global.generation);
     look.chooser.root =

@@ -27,7 +27,7 @@ ConfigurePageLook sceneryLook(WizardState& state)
     look.prompt =
         u"Click a scenery group tab then select an installation method for the scenery files."_s;
     look.methodName = u"optSceneryMethod"_s;
-    look.folderLabel = u"&Folder:"_s;
+    look.folderLabel = u"Folde&r:"_s;
     look.chooser.title = u"Select Scenery Folder"_s;
     look.chooser.prompt =
         u"Select the folder that holds, or is to hold, the scenery and texture folders."_s;
@@ -57,7 +57,7 @@ QWidget* frmInstall_ConfigureScenery::library()
     grid->addWidget(m_update, 0, 0, 1, 2);
     m_title = new QLineEdit(frame);
     m_title->setObjectName(u"txtSceneryTitle"_s);
-    auto* caption = new QLabel(u"Title in the library (&Z):"_s, frame);
+    auto* caption = new QLabel(u"Title in the librar&y:"_s, frame);
     caption->setBuddy(m_title);
     grid->addWidget(caption, 1, 0);
     grid->addWidget(m_title, 1, 1);

@@ -18,7 +18,7 @@ ConfigurePageLook soundLook(WizardState& state)
     look.prompt =
         u"Click a sound group tab then select an installation method for the sound files."_s;
     look.methodName = u"optSoundMethod"_s;
-    look.folderLabel = u"&Folder:"_s;
+    look.folderLabel = u"Folde&r:"_s;
     look.chooser.title = u"Select Sound Folder"_s;
     look.chooser.prompt = folderHint(look.family, global.names, global.generation);
     look.chooser.root =

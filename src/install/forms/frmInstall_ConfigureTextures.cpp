@@ -27,7 +27,7 @@ ConfigurePageLook texturesLook(WizardState& state)
     look.prompt =
         u"Click a texture group tab then select an installation method for the texture files."_s;
     look.methodName = u"optTextureMethod"_s;
-    look.folderLabel = u"&Folder:"_s;
+    look.folderLabel = u"Folde&r:"_s;
     look.chooser.title = u"Select Texture Folder"_s;
     look.chooser.prompt = folderHint(look.family, global.names, global.generation);
     look.chooser.root =
@@ -66,7 +66,7 @@ QWidget* frmInstall_ConfigureTextures::repaintTools()
     m_variants->setObjectName(u"lblVariants"_s);
     m_variants->setTextFormat(Qt::PlainText);
     wrap(m_variants);
-    m_selectAircraft = new QPushButton(u"Select Ai&rcraft..."_s, tools);
+    m_selectAircraft = new QPushButton(u"Select Air&craft..."_s, tools);
     m_selectAircraft->setObjectName(u"cmdSelectAircraft"_s);
     m_selectAircraft->setToolTip(u"Choose the aircraft that is painted from a list"_s);
     m_details = new QPushButton(u"&Variant Details..."_s, tools);

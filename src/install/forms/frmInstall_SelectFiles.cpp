@@ -68,13 +68,13 @@ void frmInstall_SelectFiles::buildPath()
         row->addWidget(made);
         return made;
     };
-    connect(button(u"Choose &File or Folder..."_s, u"cmdChoose"_s),
+    connect(button(u"&Choose File or Folder..."_s, u"cmdChoose"_s),
             &QPushButton::clicked,
             this,
             &frmInstall_SelectFiles::chooseInWindow);
     m_recentButton = new QToolButton;
     m_recentButton->setObjectName(u"cmdRecent"_s);
-    m_recentButton->setText(u"Re&cent"_s);
+    m_recentButton->setText(u"&Recent"_s);
     m_recentButton->setToolButtonStyle(Qt::ToolButtonTextOnly);
     m_recentButton->setPopupMode(QToolButton::InstantPopup);
     m_recentButton->setFocusPolicy(Qt::StrongFocus);

@@ -33,7 +33,7 @@ enum Tab
     ProblemsTab,
 };
 
-/// "Files (74)"; the caption alone for none.
+/// "Problems (3)"; the caption alone for none.
 QString withCount(const QString& caption, qsizetype count)
 {
     return count == 0 ? caption : QString(caption + u" ("_s + QString::number(count) + u')');
@@ -52,12 +52,13 @@ frmInstall_Summary::frmInstall_Summary(WizardState& state, QWidget* parent)
     m_tabs->addTab(m_changes, QString());
     m_tabs->addTab(additionsTab(), QString());
     m_tabs->addTab(problemsTab(), QString());
+    m_tabs->setTabToolTip(FilesTab, u"Every file below the folder that it goes to"_s);
+    m_tabs->setTabToolTip(ChangesTab, u"Configuration files that change, line by line"_s);
     layout->addWidget(m_tabs, 1);
     m_remark = new QLabel;
     m_remark->setObjectName(u"lblRemark"_s);
     m_remark->setWordWrap(true);
     layout->addWidget(m_remark);
-    setFocusProxy(m_files);
 }
 
 QString frmInstall_Summary::header() const
@@ -72,7 +73,7 @@ QWidget* frmInstall_Summary::filesTab()
     auto* tab = new QWidget;
     auto* column = new QVBoxLayout(tab);
     auto* row = new QHBoxLayout;
-    auto* label = new QLabel(u"Sho&w:"_s);
+    auto* label = new QLabel(u"&Kind:"_s);
     m_filter = new QComboBox;
     m_filter->setObjectName(u"cboFilter"_s);
     m_filter->addItems({u"All files"_s,
@@ -144,6 +145,12 @@ QWidget* frmInstall_Summary::problemsTab()
 
 // What is shown.
 
+/// No focus proxy, which would be where Tab goes from the steps, past what is above it.
+void frmInstall_Summary::focusInEvent(QFocusEvent*)
+{
+    m_files->setFocus();
+}
+
 void frmInstall_Summary::enter()
 {
     InstallationSummary_UpdateInstallationClass();
@@ -163,8 +170,7 @@ void frmInstall_Summary::InstallationSummary_UpdateInstallationClass()
     const PlanFacts facts = details().facts();
     showFiles(facts);
     m_changes->setChanges(facts.configChanges());
-    m_tabs->setTabText(ChangesTab,
-                       withCount(u"Confi&guration Changes"_s, facts.configChanges().size()));
+    m_tabs->setTabText(ChangesTab, withCount(u"Chan&ges"_s, facts.configChanges().size()));
     showAdditions(facts);
     showProblems(facts);
     const QString space = details().spaceProblem();
@@ -190,8 +196,8 @@ void frmInstall_Summary::showFiles(const PlanFacts& facts)
             parts.append(QString::number(count) + u' ' + plannedStateWord(each));
     }
     m_counts->setText(parts.join(u", "_s));
-    m_tabs->setTabText(FilesTab,
-                       withCount(u"&Files"_s, qsizetype(details().addon().colAddonItems().size())));
+    m_tabs->setTabText(
+        FilesTab, withCount(u"Ta&rgets"_s, qsizetype(details().addon().colAddonItems().size())));
     filterChanged();
 }
 

@@ -36,6 +36,9 @@ Q_SIGNALS:
     /// The step that configures this file is wanted.
     void itemStepWanted(qint32 item);
 
+protected:
+    void focusInEvent(QFocusEvent* event) override;
+
 private:
     QWidget* filesTab();
     QWidget* additionsTab();

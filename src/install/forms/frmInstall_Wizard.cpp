@@ -95,7 +95,7 @@ Result frmInstall_Wizard::leaveCurrentPage()
         return left;
     if (InstallStep(currentStep()) != InstallStep::SelectFiles)
         Step_SetGraphic(currentStep(), StepState::NeedsAttention, left.text);
-    setNotice(left.text, true);
+    tellProblem(left.text);
     return left;
 }
 
@@ -240,13 +240,18 @@ void frmInstall_Wizard::validate()
     refreshSteps();
     if (!valid) {
         Step_SetGraphic(currentStep(), StepState::NeedsAttention, valid.text);
-        setNotice(valid.text, true);
+        tellProblem(valid.text);
         return;
     }
     setNotice(m_othersChanged
                   ? u"Other steps may have been updated to reflect the changes you just made."_s
                   : QString(),
               false);
+}
+
+void frmInstall_Wizard::tellProblem(const QString& problem)
+{
+    setNotice(currentPage()->tells(problem) ? QString() : problem, true);
 }
 
 void frmInstall_Wizard::refreshSteps()

@@ -81,6 +81,7 @@ private:
     void selectionChanged();
     void markOnly(const QStringList& files);
     void validate();
+    void tellProblem(const QString& problem);
     void refreshSteps();
     void refreshFooter();
     void keepPageSize();

@@ -94,7 +94,7 @@ frmRemove_ConfigureOptions::frmRemove_ConfigureOptions(Session& session,
     m_applies->setObjectName(u"cboAppliesTo"_s);
     m_applies->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     connect(m_applies, &QComboBox::currentIndexChanged, this, &frmRemove_ConfigureOptions::showWay);
-    m_appliesLabel = new QLabel(u"For &which:"_s);
+    m_appliesLabel = new QLabel(u"For whi&ch:"_s);
     m_appliesLabel->setBuddy(m_applies);
     auto* line = new QHBoxLayout;
     line->addWidget(m_appliesLabel);
@@ -135,7 +135,7 @@ void frmRemove_ConfigureOptions::buildFolder(QVBoxLayout* layout)
 {
     m_folderLabel = new ElidedLabel;
     m_folderLabel->setObjectName(u"lblRecreateFolder"_s);
-    auto* change = new QPushButton(u"&Change..."_s);
+    auto* change = new QPushButton(u"Chan&ge..."_s);
     change->setObjectName(u"cmdRecreateFolder"_s);
     change->setToolTip(u"Change the destination folder."_s);
     change->setAccessibleDescription(change->toolTip());
@@ -196,6 +196,8 @@ void frmRemove_ConfigureOptions::refresh()
     m_intro->setText(u"Customize the way the "_s + addonWord(choice) +
                      u" will be removed by making changes below."_s);
     showWay();
+    QAbstractButton* const checked = m_methods->checkedButton();
+    setFocusProxy(choice || !checked ? static_cast<QWidget*>(m_applies) : checked);
 }
 
 void frmRemove_ConfigureOptions::showTexts()

@@ -38,7 +38,7 @@ frmRemove_SelectAddons::frmRemove_SelectAddons(Context& context,
     auto* line = new QHBoxLayout;
     line->addWidget(label);
     line->addWidget(m_search, 1);
-    line->addWidget(button(u"cmdTickAll"_s, u"&Tick All"_s, true));
+    line->addWidget(button(u"cmdTickAll"_s, u"Tick A&ll"_s, true));
     line->addWidget(button(u"cmdTickNone"_s, u"Tic&k None"_s, false));
 
     m_list = new ColumnView;
@@ -60,8 +60,13 @@ frmRemove_SelectAddons::frmRemove_SelectAddons(Context& context,
     layout->addLayout(line);
     layout->addWidget(m_list, 1);
     layout->addWidget(m_count);
-    setFocusProxy(m_list);
     showCount();
+}
+
+/// No focus proxy, which would be where Tab goes from the steps, past what is above it.
+void frmRemove_SelectAddons::focusInEvent(QFocusEvent*)
+{
+    m_list->setFocus();
 }
 
 Result frmRemove_SelectAddons::refresh()

@@ -35,6 +35,9 @@ public:
 Q_SIGNALS:
     void ticksChanged();
 
+protected:
+    void focusInEvent(QFocusEvent* event) override;
+
 private:
     void showCount();
 

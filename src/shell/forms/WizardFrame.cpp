@@ -23,15 +23,15 @@ namespace {
 
 /// Height of a window in which the hint takes no room from the page, in lines.
 constexpr int comfortableLines = 36;
+/// Size in which a wizard opens where there is room, in average characters and lines.
+constexpr QSize roomySize(160, 46);
 
 } // namespace
 
 WizardFrame::WizardFrame(Context& context, Frame& frame, Section section, QWidget* parent)
     : ToolWindow(context, section, parent), m_frame(frame)
 {
-    auto* layout = new QGridLayout(this);
-    layout->setColumnStretch(1, 1);
-    layout->setRowStretch(0, 1);
+    buildBody();
     buildColumn();
     buildPageArea();
     buildButtons();
@@ -46,6 +46,24 @@ WizardFrame::withCaption(const QString& before, const QString& caption, const QS
 
 // The parts.
 
+/// Steps and page; a window that is too small for them gets scroll bars, and keeps its buttons.
+void WizardFrame::buildBody()
+{
+    auto* body = new QWidget;
+    m_grid = new QGridLayout(body);
+    m_grid->setContentsMargins({});
+    m_grid->setColumnStretch(1, 1);
+    m_grid->setRowStretch(0, 1);
+    auto* scroll = new QScrollArea;
+    scroll->setObjectName(u"WizardBody"_s);
+    scroll->setWidget(body);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    m_whole = new QVBoxLayout(this);
+    m_whole->addWidget(scroll, 1);
+}
+
 void WizardFrame::buildColumn()
 {
     auto* content = new QWidget;
@@ -59,7 +77,7 @@ void WizardFrame::buildColumn()
     m_column->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_column->setFocusPolicy(Qt::NoFocus);
     m_column->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
-    qobject_cast<QGridLayout*>(layout())->addWidget(m_column, 0, 0);
+    m_grid->addWidget(m_column, 0, 0);
 }
 
 void WizardFrame::buildPageArea()
@@ -89,8 +107,7 @@ void WizardFrame::buildPageArea()
     row->addWidget(m_noticeText, 1);
     m_notice->hide();
     area->addWidget(m_notice);
-    auto* grid = qobject_cast<QGridLayout*>(layout());
-    grid->addLayout(area, 0, 1);
+    m_grid->addLayout(area, 0, 1);
 
     m_hint = new QLabel;
     m_hint->setObjectName(u"lblHint"_s);
@@ -99,24 +116,22 @@ void WizardFrame::buildPageArea()
     // Two lines always, so that the page keeps its height from step to step; below the column too,
     // so that two lines are enough in a small window.
     m_hint->setMinimumHeight(2 * m_hint->fontMetrics().lineSpacing());
-    grid->addWidget(m_hint, 1, 0, 1, 2);
+    m_grid->addWidget(m_hint, 1, 0, 1, 2);
 }
 
 void WizardFrame::buildButtons()
 {
-    auto* grid = qobject_cast<QGridLayout*>(layout());
     auto* line = new QFrame;
     line->setFrameStyle(QFrame::HLine | QFrame::Sunken);
-    grid->addWidget(line, 2, 0, 1, 2);
+    m_whole->addWidget(line);
 
+    auto* row = new QHBoxLayout;
     m_footerRow = new QHBoxLayout;
     m_footer = new QLabel;
     m_footer->setObjectName(u"lblFooter"_s);
     m_footer->setWordWrap(true);
     m_footerRow->addWidget(m_footer, 1);
-    grid->addLayout(m_footerRow, 3, 0, 1, 2);
-
-    auto* row = new QHBoxLayout;
+    row->addLayout(m_footerRow, 1);
     const auto button = [this, row](const QString& text, const QString& name) {
         auto* made = new QPushButton(text);
         made->setObjectName(name);
@@ -125,7 +140,6 @@ void WizardFrame::buildButtons()
         return made;
     };
     cmdHelp = button(u"Help"_s, u"cmdHelp"_s);
-    row->addStretch(1);
     cmdPrevious = button(u"< &Back"_s, u"cmdPrevious"_s);
     cmdNext = button(u"&Next >"_s, u"cmdNext"_s);
     cmdOK = button(u"Finish"_s, u"cmdOK"_s);
@@ -139,7 +153,7 @@ void WizardFrame::buildButtons()
     connect(cmdNext, &QPushButton::clicked, this, [this] { go(1); });
     connect(cmdOK, &QPushButton::clicked, this, [this] { finishChosen(); });
     connect(cmdCancel, &QPushButton::clicked, this, &QWidget::close);
-    grid->addLayout(row, 4, 0, 1, 2);
+    m_whole->addLayout(row);
 }
 
 void WizardFrame::buildShortcuts()
@@ -152,6 +166,13 @@ void WizardFrame::buildShortcuts()
     shortcut(Qt::CTRL | Qt::Key_PageUp, cmdPrevious);
     shortcut(Qt::CTRL | Qt::Key_PageDown, cmdNext);
     shortcut(Qt::Key_Escape, cmdCancel);
+}
+
+QSize WizardFrame::sizeHint() const
+{
+    const QFontMetrics metrics = fontMetrics();
+    return ToolWindow::sizeHint().expandedTo({metrics.averageCharWidth() * roomySize.width(),
+                                              metrics.lineSpacing() * roomySize.height()});
 }
 
 /// In a low window the hint, which the step's button tells too, gives its lines to the page.
@@ -279,7 +300,50 @@ void WizardFrame::showPage(QWidget* page)
 
 void WizardFrame::addToFooter(QWidget* widget)
 {
-    m_footerRow->addWidget(widget);
+    m_footerRow->addWidget(widget, 2);
+}
+
+// The keys.
+
+/// The step whose caption has this access key, for two of one letter the next of them; -1: none.
+int WizardFrame::stepOfKey(const QKeyEvent& event) const
+{
+    if (event.modifiers() != Qt::AltModifier)
+        return -1;
+    const QKeySequence keys(event.keyCombination());
+    for (int i = 1; i <= m_steps.size(); ++i) {
+        const int step = int((m_current + i) % m_steps.size());
+        if (m_steps.at(step)->isEnabled() &&
+            QKeySequence::mnemonic(m_steps.at(step)->text()) == keys)
+            return step;
+    }
+    return -1;
+}
+
+/// Some of the steps' letters are those of the main menu. In front is the wizard, so they are its
+/// own; a menu whose letter no step takes opens as ever.
+bool WizardFrame::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride && QApplication::focusWidget() &&
+        stepOfKey(*static_cast<QKeyEvent*>(event)) >= 0) {
+        m_keyTarget = QApplication::focusWidget();
+        m_keyTarget->installEventFilter(this); // a line would take the letter for text
+        event->accept();
+        return true;
+    }
+    return ToolWindow::event(event);
+}
+
+bool WizardFrame::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != m_keyTarget || event->type() != QEvent::KeyPress)
+        return ToolWindow::eventFilter(watched, event);
+    m_keyTarget->removeEventFilter(this);
+    m_keyTarget = nullptr;
+    const int step = stepOfKey(*static_cast<QKeyEvent*>(event));
+    if (step >= 0)
+        stepChosen(step);
+    return step >= 0;
 }
 
 void WizardFrame::keyPressEvent(QKeyEvent* event)

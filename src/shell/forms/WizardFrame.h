@@ -6,9 +6,11 @@
 #include "shell/forms/ToolWindow.h"
 
 #include <QList>
+#include <QPointer>
 #include <QString>
 
 class QBoxLayout;
+class QGridLayout;
 class QLabel;
 class QPushButton;
 class QScrollArea;
@@ -27,7 +29,8 @@ struct WizardStep
 };
 
 /// Steps are counted from 0. "F&inish" stands below them and is none of them. Access keys B and N
-/// are taken, and I; Escape is Cancel, Ctrl+PgUp and Ctrl+PgDown go back and on.
+/// are taken, and I; Escape is Cancel, Ctrl+PgUp and Ctrl+PgDown go back and on. A step's access
+/// key goes before one of the main menu while the wizard has the focus.
 class WizardFrame : public ToolWindow
 {
     Q_OBJECT
@@ -48,6 +51,9 @@ public:
     /// Puts the caption of a step's button, without its "&", between two halves of a text.
     [[nodiscard]] static QString
     withCaption(const QString& before, const QString& caption, const QString& after);
+
+    /// Room for every page.
+    [[nodiscard]] QSize sizeHint() const override;
 
 protected:
     /// Makes the column; every step is off at first. Called once.
@@ -76,18 +82,25 @@ protected:
     virtual void stepChosen(int step) = 0;
     virtual void finishChosen() = 0;
 
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void buildBody();
     void buildColumn();
     void buildPageArea();
     void buildButtons();
     void buildShortcuts();
     void go(int direction);
     void refreshButtons();
+    [[nodiscard]] int stepOfKey(const QKeyEvent& event) const;
 
     Frame& m_frame;
+    QBoxLayout* m_whole = nullptr;
+    QGridLayout* m_grid = nullptr; ///< column and pages
+    QPointer<QWidget> m_keyTarget; ///< whose next key goes to a step
     QList<StepButton*> m_steps;
     QList<QString> m_hints;
     int m_current = -1;

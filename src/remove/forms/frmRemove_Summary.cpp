@@ -21,7 +21,7 @@ namespace vt {
 namespace {
 
 /// Width at which both lists stand side by side, in average characters.
-constexpr int widePage = 110;
+constexpr int widePage = 130;
 
 /// The fates of files of one or more add-ons, counted.
 QString countsOf(const QList<RemovalPreview>& previews)
@@ -141,7 +141,7 @@ void frmRemove_Summary::sizeColumns()
             list->setColumnWidth(column, fontMetrics().averageCharWidth() * characters);
     };
     size(m_addons, ViewPrefix::None, Addons::OrderColumn, 9);
-    size(m_files, ViewPrefix::Files, RemovedFilesModel::NameColumn, 22);
+    size(m_files, ViewPrefix::Files, RemovedFilesModel::NameColumn, 30);
 }
 
 void frmRemove_Summary::showFiles()

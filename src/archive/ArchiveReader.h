@@ -4,6 +4,10 @@
 #include "platform/FileActions.h"
 #include "platform/Result.h"
 
+#include <QList>
+
+#include <functional>
+
 namespace vt {
 
 class ArchiveReader
@@ -21,14 +25,19 @@ public:
     /// a piece ends the reading, which is then no failure of the archive: the sink knows why.
     virtual Result read(int key, const Content::Sink& sink) = 0;
 
-    /// Whether entries are encrypted that a password would open, and none did so yet.
-    [[nodiscard]] virtual bool wantsPassword() const { return false; }
+    /// Keys of the encrypted entries that a password would open, as far as none did so yet.
+    [[nodiscard]] virtual QList<int> locked() const { return {}; }
 
-    /// Opens the encrypted entries when it is their password, which is seen by reading one; false
-    /// when it is not.
-    virtual bool tryPassword(const QByteArray& password)
+    /// Opens those of locked() whose password it is, which is seen by their headers and by reading
+    /// one of them; false when there is none. An entry that is damaged counts as opened where its
+    /// header can tell, so that reading it tells the damage.
+    /// Strong encryption takes milliseconds for each entry: \a goOn is told how many of locked()
+    /// are through, and ends the rest by false.
+    virtual bool tryPassword(const QByteArray& password,
+                             const std::function<bool(qint64 done)>& goOn)
     {
         Q_UNUSED(password)
+        Q_UNUSED(goOn)
         return false;
     }
 

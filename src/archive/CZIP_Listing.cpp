@@ -65,15 +65,25 @@ CZIPFileItem itemOf(const ZipEntry& entry, int key)
     return item;
 }
 
-TextPrompt passwordQuestion(const CZIPFile& file, bool again)
+/// \a locked: entries that are still shut.
+TextPrompt passwordQuestion(const CZIPFile& file, const QList<int>& locked, bool some, bool again)
 {
     const QString name = u"'"_s + file.fullName() + u"'"_s;
-    return {u"Password"_s,
-            (again ? u"This password does not open "_s + name + u". "_s
-                   : u"Files in the archive "_s + name + u" are encrypted. "_s) +
-                u"Enter the archive's password, or nothing to go on without these files."_s,
-            {},
-            true};
+    const QString first = u"'"_s + file.item(locked.first())->fullName() + u"'"_s;
+    const QString rest = locked.size() == 1
+                             ? u"The file "_s + first + u" in the archive "_s + name + u" is"_s
+                             : countText(locked.size(), u"file"_s, u"files"_s) +
+                                   u" in the archive "_s + name + u", "_s + first +
+                                   u" among them, are"_s;
+    QString text = again ? u"This password does not open "_s + name + u". "_s : QString();
+    if (some)
+        text += rest + u" encrypted with another password. Enter it, "_s;
+    else
+        text += (again ? QString() : u"Files in the archive "_s + name + u" are encrypted. "_s) +
+                u"Enter the archive's password, "_s;
+    text += some && locked.size() == 1 ? u"or nothing to go on without this file."_s
+                                       : u"or nothing to go on without these files."_s;
+    return {u"Password"_s, text, {}, true};
 }
 
 /// RAR archives are recognised by their signature, whatever their name; by the name when what it
@@ -150,32 +160,45 @@ Result CZIP::listArchive(const std::shared_ptr<ByteSource>& source, CZIPFile& fi
     file.lngTotal_SizeUncompressed = (*directory)->unpacked().bytes;
     file.lngTotal_Items = qint64(entries.size());
     file.reader = std::make_shared<ZipReader>(*directory, m_scratch);
-    if (boolPasswords_Ask && file.reader->wantsPassword())
+    Result charged = charge(file, (*directory)->unpacked(), budget);
+    if (charged && boolPasswords_Ask)
         unlock(file);
-    return charge(file, (*directory)->unpacked(), budget);
+    return charged;
 }
 
-/// The known passwords, then those that are given when asked for; without one, what is encrypted
-/// stays shut.
+/// The known passwords, then those that are given when asked for, until nothing is shut any more;
+/// without an answer, what still is stays so.
 void CZIP::unlock(const CZIPFile& file)
 {
+    ArchiveReader& reader = *file.reader;
+    bool some = false;
     const auto opens = [&](const QString& password) {
+        const QByteArray utf8 = password.toUtf8();
         const ResultOf<QByteArray> ansi = m_services.ansi.encode(password);
-        return file.reader->tryPassword(password.toUtf8()) ||
-               (ansi && file.reader->tryPassword(*ansi));
+        status(u"Trying the password of '"_s + file.sFilename + u"'..."_s);
+        const auto goOn = [this, all = reader.locked().size()](qint64 done) {
+            progress(done, all);
+            return !cancelled();
+        };
+        const bool opened = reader.tryPassword(utf8, goOn) ||
+                            (ansi && *ansi != utf8 && reader.tryPassword(*ansi, goOn));
+        some = some || opened;
+        return opened;
     };
-    for (const QString& password : std::as_const(sarrayPasswords))
-        if (opens(password))
+    for (const QString& password : std::as_const(sarrayPasswords)) {
+        if (reader.locked().isEmpty())
             return;
-    for (bool again = false; !cancelled(); again = true) {
+        opens(password);
+    }
+    bool again = false;
+    while (!reader.locked().isEmpty() && !cancelled()) {
         const std::optional<QString> password =
-            m_services.prompts.askText(passwordQuestion(file, again));
+            m_services.prompts.askText(passwordQuestion(file, reader.locked(), some, again));
         if (!password || password->isEmpty())
             return;
-        if (!opens(*password))
-            continue;
-        sarrayPasswords += *password;
-        return;
+        again = !opens(*password);
+        if (!again)
+            sarrayPasswords += *password;
     }
 }
 

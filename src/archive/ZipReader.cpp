@@ -4,6 +4,7 @@
 
 #include <QtEndian>
 
+#include <algorithm>
 #include <libdeflate.h>
 #include <zip.h>
 
@@ -67,7 +68,14 @@ ZipScratch::~ZipScratch()
 ZipReader::ZipReader(std::shared_ptr<const ZipDirectory> directory,
                      std::shared_ptr<ZipScratch> scratch)
     : m_directory(std::move(directory)), m_scratch(std::move(scratch))
-{}
+{
+    int key = 0;
+    for (const ZipEntry& entry : m_directory->entries()) {
+        ++key;
+        if (entry.encrypted() && entry.kind == EntryKind::File && canDecrypt(entry))
+            m_locked += key;
+    }
+}
 
 ZipReader::~ZipReader()
 {
@@ -93,6 +101,11 @@ Result ZipReader::wrongCrc(const ZipEntry& entry)
     return failed(entry, ZIP_ER_CRC, u"is damaged: its check sum (CRC) is wrong."_s);
 }
 
+const ZipEntry& ZipReader::entryOf(int key) const
+{
+    return m_directory->entries()[size_t(key - 1)];
+}
+
 Result ZipReader::check(int key, int& code) const
 {
     const std::vector<ZipEntry>& entries = m_directory->entries();
@@ -101,7 +114,7 @@ Result ZipReader::check(int key, int& code) const
         return Result::failure(u"The archive '"_s + m_directory->source().name() +
                                u"' has no entry number "_s + QString::number(key) + u'.');
     }
-    const ZipEntry& entry = entries[size_t(key - 1)];
+    const ZipEntry& entry = entryOf(key);
     code = ZIP_ER_OPNOTSUPP;
     if (entry.kind == EntryKind::Link)
         return told(entry, u"is a link, which is never extracted."_s);
@@ -111,8 +124,12 @@ Result ZipReader::check(int key, int& code) const
     if (entry.kind == EntryKind::File && entry.encrypted()) {
         if (!canDecrypt(entry))
             return told(entry, u"is encrypted in a way that cannot be decrypted here."_s);
-        if (m_password.isEmpty())
-            return told(entry, u"is encrypted and cannot be extracted without its password."_s);
+        if (std::binary_search(m_locked.begin(), m_locked.end(), key))
+            return told(
+                entry,
+                m_passwords.isEmpty()
+                    ? u"is encrypted and cannot be extracted without its password."_s
+                    : u"is encrypted with another password, or its beginning is damaged."_s);
         code = ZIP_ER_OK;
         return Result::success();
     }
@@ -136,7 +153,7 @@ Result ZipReader::read(int key, const Content::Sink& sink)
 {
     if (Result checked = check(key, m_code); !checked)
         return checked;
-    const ZipEntry& entry = m_directory->entries()[size_t(key - 1)];
+    const ZipEntry& entry = entryOf(key);
     if (entry.kind == EntryKind::Folder)
         return Result::success();
     const bool whole = entry.size <= ziplimits::wholeEntryBytes &&
@@ -272,60 +289,22 @@ Result ZipReader::streamStored(const ZipEntry& entry, const Content::Sink& sink)
 
 Result ZipReader::streamPacked(const ZipEntry& entry, const Content::Sink& sink)
 {
+    return streamWith(entry, entry.encrypted() ? passwordOf(entry) : QByteArray(), sink);
+}
+
+/// \a password: ignored unless the entry is encrypted.
+Result
+ZipReader::streamWith(const ZipEntry& entry, const QByteArray& password, const Content::Sink& sink)
+{
     qint64 offset = 0;
     if (Result r = findData(entry, offset); !r)
         return r;
-    const StreamEnd end = streamEntry(m_directory->source(), entry, offset, m_password, sink);
+    const StreamEnd end = streamEntry(m_directory->source(), entry, offset, password, sink);
     if (end.code == ZIP_ER_OK || end.sinkRefused)
         return Result::success();
     if (end.code == ZIP_ER_CRC)
         return wrongCrc(entry);
-    if (end.code == ZIP_ER_WRONGPASSWD)
-        return failed(entry, end.code, u"is encrypted with another password."_s);
     return failed(entry, end.code, u"is damaged: "_s + end.why + u'.');
-}
-
-Result ZipReader::decrypt(const ZipEntry& entry, bool whole, const Content::Sink& sink)
-{
-    if (!whole)
-        return streamPacked(entry, sink);
-    QByteArray bytes;
-    const Result read = streamPacked(entry, [&bytes](QByteArrayView piece) {
-        bytes.append(piece);
-        return true;
-    });
-    if (read && !bytes.isEmpty())
-        (void)sink(bytes);
-    return read;
-}
-
-const ZipEntry* ZipReader::smallestEncrypted() const
-{
-    const ZipEntry* smallest = nullptr;
-    for (const ZipEntry& entry : m_directory->entries())
-        if (entry.kind == EntryKind::File && canDecrypt(entry) &&
-            (!smallest || entry.packed < smallest->packed))
-            smallest = &entry;
-    return smallest;
-}
-
-bool ZipReader::wantsPassword() const
-{
-    return m_password.isEmpty() && smallestEncrypted();
-}
-
-bool ZipReader::tryPassword(const QByteArray& password)
-{
-    const ZipEntry* entry = smallestEncrypted();
-    if (!entry || password.isEmpty())
-        return false;
-    m_password = password;
-    // Of a hundred wrong ones some get past the first check, none past the sum of the bytes.
-    const bool right = bool(streamPacked(*entry, [](QByteArrayView) { return true; }).ok);
-    if (!right)
-        m_password.clear();
-    m_code = ZIP_ER_OK;
-    return right;
 }
 
 } // namespace vt

@@ -6,6 +6,7 @@
 #include "archive/ZipDirectory.h"
 
 #include <QByteArrayView>
+#include <QList>
 
 #include <memory>
 
@@ -50,8 +51,10 @@ public:
     /// refused.
     Result read(int key, const Content::Sink& sink) override;
 
-    [[nodiscard]] bool wantsPassword() const override;
-    bool tryPassword(const QByteArray& password) override;
+    [[nodiscard]] QList<int> locked() const override { return m_locked; }
+
+    bool tryPassword(const QByteArray& password,
+                     const std::function<bool(qint64 done)>& goOn) override;
 
     [[nodiscard]] int lastCode() const override { return m_code; }
 
@@ -71,12 +74,18 @@ private:
     Result inflate(const ZipEntry& entry, QByteArrayView packed, QByteArrayView& data);
     Result streamStored(const ZipEntry& entry, const Content::Sink& sink);
     Result streamPacked(const ZipEntry& entry, const Content::Sink& sink);
+    [[nodiscard]] const ZipEntry& entryOf(int key) const;
+    // ZipReader_Passwords.cpp
     Result decrypt(const ZipEntry& entry, bool whole, const Content::Sink& sink);
-    [[nodiscard]] const ZipEntry* smallestEncrypted() const;
+    [[nodiscard]] int headerCode(const ZipEntry& entry, const QByteArray& password);
+    [[nodiscard]] bool confirmed(QList<int> keys, const QByteArray& password);
+    Result streamWith(const ZipEntry& entry, const QByteArray& password, const Content::Sink& sink);
+    [[nodiscard]] QByteArray passwordOf(const ZipEntry& entry);
 
     std::shared_ptr<const ZipDirectory> m_directory;
     std::shared_ptr<ZipScratch> m_scratch;
-    QByteArray m_password; ///< one that was right; empty: none
+    QList<QByteArray> m_passwords; ///< those that opened entries
+    QList<int> m_locked;           ///< keys, ascending
     int m_code = 0;
 };
 

@@ -207,6 +207,57 @@ StreamEnd pump(zip_file_t* file, const ZipEntry& entry, const Content::Sink& sin
     }
 }
 
+/// Under AES an entry has a seal at its end, and in the second version of it no other check sum.
+/// The library compares it when it reads past the end, which unpacking does not do.
+bool sealedOnly(const ZipEntry& entry)
+{
+    return entry.encrypted() && entry.method == aesMethod && entry.aesVersion == 2 &&
+           entry.aesMethod != 0;
+}
+
+StreamEnd drain(zip_file_t* file)
+{
+    const auto buffer = std::make_unique_for_overwrite<char[]>(streamPiece);
+    zip_int64_t n = 0;
+    do
+        n = zip_fread(file, buffer.get(), streamPiece);
+    while (n > 0);
+    return n < 0 ? endOf(zip_file_get_error(file)) : StreamEnd();
+}
+
+/// What \a use says of the opened entry, or why it does not open.
+template <typename Use>
+StreamEnd opened(const ByteSource& source,
+                 const ZipEntry& entry,
+                 qint64 dataOffset,
+                 const QByteArray& password,
+                 zip_flags_t flags,
+                 const Use& use)
+{
+    MadeUpArchive archive(source, entry, dataOffset);
+    zip_error_t error;
+    zip_error_init(&error);
+    StreamEnd end;
+    zip_source_t* zipSource = zip_source_function_create(&MadeUpArchive::answer, &archive, &error);
+    zip_t* zip = zipSource ? zip_open_from_source(zipSource, ZIP_RDONLY, &error) : nullptr;
+    if (!zip) {
+        end = endOf(&error);
+        if (zipSource)
+            zip_source_free(zipSource);
+    } else if (zip_file_t* file = entry.encrypted() ? zip_fopen_index_encrypted(
+                                                          zip, 0, flags, password.constData())
+                                                    : zip_fopen_index(zip, 0, flags)) {
+        end = use(file);
+        zip_fclose(file);
+        zip_discard(zip);
+    } else {
+        end = endOf(zip_get_error(zip));
+        zip_discard(zip);
+    }
+    zip_error_fini(&error);
+    return end;
+}
+
 } // namespace
 
 bool canStreamMethod(int method)
@@ -235,28 +286,23 @@ StreamEnd streamEntry(const ByteSource& source,
                       const QByteArray& password,
                       const Content::Sink& sink)
 {
-    MadeUpArchive archive(source, entry, dataOffset);
-    zip_error_t error;
-    zip_error_init(&error);
-    StreamEnd end;
-    zip_source_t* zipSource = zip_source_function_create(&MadeUpArchive::answer, &archive, &error);
-    zip_t* zip = zipSource ? zip_open_from_source(zipSource, ZIP_RDONLY, &error) : nullptr;
-    if (!zip) {
-        end = endOf(&error);
-        if (zipSource)
-            zip_source_free(zipSource);
-    } else if (zip_file_t* file = entry.encrypted()
-                                      ? zip_fopen_index_encrypted(zip, 0, 0, password.constData())
-                                      : zip_fopen_index(zip, 0, 0)) {
-        end = pump(file, entry, sink);
-        zip_fclose(file);
-        zip_discard(zip);
-    } else {
-        end = endOf(zip_get_error(zip));
-        zip_discard(zip);
+    if (sealedOnly(entry)) {
+        const StreamEnd sealed =
+            opened(source, entry, dataOffset, password, ZIP_FL_COMPRESSED, drain);
+        if (sealed.code != ZIP_ER_OK)
+            return sealed;
     }
-    zip_error_fini(&error);
-    return end;
+    return opened(source, entry, dataOffset, password, 0, [&](zip_file_t* file) {
+        return pump(file, entry, sink);
+    });
+}
+
+StreamEnd streamBeginning(const ByteSource& source,
+                          const ZipEntry& entry,
+                          qint64 dataOffset,
+                          const QByteArray& password)
+{
+    return opened(source, entry, dataOffset, password, 0, [](zip_file_t*) { return StreamEnd(); });
 }
 
 } // namespace vt

@@ -32,4 +32,11 @@ struct StreamEnd
                                     const QByteArray& password,
                                     const Content::Sink& sink);
 
+/// As streamEntry(), up to where the first byte would come: of an encrypted entry, whether its
+/// header lets \a password pass (ZIP_ER_WRONGPASSWD when not).
+[[nodiscard]] StreamEnd streamBeginning(const ByteSource& source,
+                                        const ZipEntry& entry,
+                                        qint64 dataOffset,
+                                        const QByteArray& password);
+
 } // namespace vt

@@ -1,5 +1,7 @@
 #include "cli/InstallArguments.h"
 
+#include "cli/AddonKey.h"
+
 using namespace Qt::StringLiterals;
 
 namespace vt::cli {
@@ -54,6 +56,28 @@ InstallOptions againOptionsOf(World& world, const Arguments& arguments)
     return out;
 }
 
+Result prepareInstallation(World& world,
+                           CAddonInstallationDetails& details,
+                           const QString& source,
+                           const InstallOptions& options,
+                           const Arguments& arguments)
+{
+    if (!arguments.has(u"--complete"_s))
+        return details.prepare(source, options);
+    const ResultOf<qint64> key = addonKey(arguments.value(u"--complete"_s));
+    if (!key)
+        return key.error();
+    if (Result ready = world.needDatabase(); !ready)
+        return ready;
+    if (!world.database())
+        return unknownAddon(QString::number(*key));
+    const ResultOf<RecordedAddon> recorded = RecordedAddon::load(*world.database(), *key);
+    if (!recorded)
+        return recorded.kind == ErrorKind::Failed ? unknownAddon(QString::number(*key))
+                                                  : recorded.error();
+    return details.prepareRest(*recorded, source, options);
+}
+
 std::vector<Option> installOptionTable()
 {
     return {
@@ -67,6 +91,9 @@ std::vector<Option> installOptionTable()
          "NAME",
          "do not install this file, folder (ending in \\) or *.ext; repeatable",
          true},
+        {"--complete",
+         "KEY",
+         "install only what that add-on lacks of the source, and record it there"},
         {"--method",
          "FAMILY=METHOD",
          "how the aircraft, panel, sound, texture, scenery or mission files find their folders: "

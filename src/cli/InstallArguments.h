@@ -3,6 +3,7 @@
 #pragma once
 
 #include "cli/Command.h"
+#include "install/CAddonInstallationDetails.h"
 #include "install/InstallOptions.h"
 #include "platform/Result.h"
 
@@ -15,6 +16,13 @@ namespace vt::cli {
 /// Wrong values are kind Usage. Folders that are named become roots of this call when \a writes.
 [[nodiscard]] ResultOf<InstallOptions>
 installOptionsOf(World& world, const Arguments& arguments, bool writes);
+
+/// Prepares \a details of the source, as a new add-on or, with --complete, as the rest of one.
+[[nodiscard]] Result prepareInstallation(World& world,
+                                         CAddonInstallationDetails& details,
+                                         const QString& source,
+                                         const InstallOptions& options,
+                                         const Arguments& arguments);
 
 /// What a reinstallation knows of them.
 [[nodiscard]] InstallOptions againOptionsOf(World& world, const Arguments& arguments);

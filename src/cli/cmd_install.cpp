@@ -64,7 +64,8 @@ int runInstall(World& world, const Arguments& arguments)
     if (Result ready = world.needDatabase(); !ready)
         return world.fail(ready);
     CAddonInstallationDetails details(world.context());
-    if (Result prepared = details.prepare(source, *options); !prepared)
+    const Result prepared = prepareInstallation(world, details, source, *options, arguments);
+    if (!prepared)
         return world.fail(prepared);
     CAddonInstaller installer(world.context(), *world.database(), details);
     installer.setProcesses(&world.processes());

@@ -191,7 +191,8 @@ int runPlan(World& world, const Arguments& arguments)
     }
     CAddonInstallationDetails details(world.context());
     const QString source = world.userPath(arguments.one(u"SOURCE"_s));
-    if (Result prepared = details.prepare(source, *options); !prepared)
+    const Result prepared = prepareInstallation(world, details, source, *options, arguments);
+    if (!prepared)
         return world.fail(prepared);
     const PlanFacts facts = details.facts();
     if (world.options().json)

@@ -288,8 +288,10 @@ void Gatherer::gatherRepaints()
         });
         if (!any && !group.recorded)
             continue;
-        for (const VariantDetails& variant : group.variants)
-            gatherVariant(group, variant);
+        for (const VariantDetails& variant : group.variants) {
+            if (!m_details.hasVariation(group, variant))
+                gatherVariant(group, variant);
+        }
     }
 }
 

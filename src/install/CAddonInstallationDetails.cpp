@@ -54,8 +54,16 @@ Result CAddonInstallationDetails::prepare(const QString& sourcePath, const Insta
     m_context.services.status.text(u"Primary"_s, u"Analyzing addon..."_s);
     m_context.services.files.newOperation();
     m_recorded.reset();
+    m_completes = false;
+    m_recordedRows.clear();
     m_missingFiles.clear();
     m_recordedVariations.clear();
+    m_standingVariations.clear();
+    return propose(sourcePath, options);
+}
+
+Result CAddonInstallationDetails::propose(const QString& sourcePath, const InstallOptions& options)
+{
     m_options = options;
     m_options.to = options.to.value_or(Options_AddonInstallationMethod_Default_Get());
     if (Result resolved = resolveOptionFolders(); !resolved)
@@ -94,7 +102,10 @@ std::unique_ptr<CAddonInstallationDetails> CAddonInstallationDetails::Clone() co
     copy->m_remarks = m_remarks;
     copy->m_recorded = m_recorded;
     copy->m_missingFiles = m_missingFiles;
+    copy->m_completes = m_completes;
+    copy->m_recordedRows = m_recordedRows;
     copy->m_recordedVariations = m_recordedVariations;
+    copy->m_standingVariations = m_standingVariations;
     copy->m_leftOut = m_leftOut;
     copy->m_followers = m_followers;
     copy->m_simulatorFolders = m_simulatorFolders;
@@ -216,7 +227,10 @@ void CAddonInstallationDetails::nameAddon()
         settings.flag(SettingKey::DescribeAddonUsingFileIdDiz) ? fileId : QString());
     m_addon->sAuthors = m_options.authors.value_or(QString());
     m_addon->lngRating = m_options.rating.value_or(0);
-    chooseStorageFolder();
+    if (m_completes)
+        recordedStorageFolder();
+    else
+        chooseStorageFolder();
 }
 
 void CAddonInstallationDetails::chooseStorageFolder()

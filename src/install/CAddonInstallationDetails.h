@@ -10,10 +10,12 @@
 #include "install/PartAliases.h"
 #include "install/RecordedAddon.h"
 #include "platform/Result.h"
+#include "platform/Text.h"
 #include "shell/Context.h"
 #include "simconfig/AddonVariations.h"
 #include "simconfig/engine/LineArray.h"
 
+#include <QHash>
 #include <QList>
 #include <QMultiHash>
 #include <QSet>
@@ -155,6 +157,14 @@ public:
                                       const QString& sourcePath,
                                       const InstallOptions& options);
 
+    /// As prepare(), for what a recorded add-on in the simulator lacks of its source: marked is
+    /// what has no record yet, or of it \a onlyFiles (places in the source) when there are some.
+    /// What is installed then comes to that record.
+    [[nodiscard]] Result prepareRest(const RecordedAddon& recorded,
+                                     const QString& sourcePath,
+                                     const InstallOptions& options,
+                                     const QStringList& onlyFiles = {});
+
     /// The details as they are now, sharing the source; for going back in the wizard.
     [[nodiscard]] std::unique_ptr<CAddonInstallationDetails> Clone() const;
 
@@ -193,6 +203,17 @@ public:
 
     /// Set when the add-on is recorded already.
     [[nodiscard]] const RecordedAddon* recorded() const { return m_recorded.get(); }
+
+    /// prepareRest() made them: a recorded add-on gets what it lacks.
+    [[nodiscard]] bool completes() const { return m_completes; }
+
+    /// Row of the file that the completed add-on recorded at the item's target; 0: none.
+    [[nodiscard]] qint64 recordedRow(const CAddon_Item& item) const;
+    /// Gives each item its recordedRow() as its detailKey.
+    void noteRecordedRows();
+    /// Whether the completed add-on has the variation of that group in its aircraft.cfg already.
+    [[nodiscard]] bool hasVariation(const InstallationGroup& repaint,
+                                    const VariantDetails& variant) const;
 
     /// Recorded and in the simulator: its files are replaced in place.
     [[nodiscard]] bool inPlace() const { return m_recorded && !m_recorded->isStored(); }
@@ -366,6 +387,7 @@ private:
     void chooseStorageFolder();
     [[nodiscard]] QString fileIdText() const;
     Result applyOptions();
+    Result propose(const QString& sourcePath, const InstallOptions& options);
     Result resolveOptionFolders();
     Result resolveShared(aliastarget::Kind kind, QString& typed) const;
     [[nodiscard]] QString chosenFolder(const QString& typed) const;
@@ -380,7 +402,13 @@ private:
     Result applyRenamings();
     void applyDefaultMethods();
     void recordedStorageFolder();
+    void readRecordedVariations();
+    [[nodiscard]] bool
+    isStanding(const QString& file, const QString& title, const QString& texture) const;
     void recordedVariants();
+    [[nodiscard]] QString standingAircraft() const;
+    void followRecorded();
+    void markRest(const QStringList& onlyFiles);
     void recordedAreas();
     void recordedTraffic();
     void storedAreas();
@@ -442,9 +470,12 @@ private:
     QMultiHash<qint32, qint32> m_followers; ///< items by the item whose folder they follow
     QStringList m_simulatorFolders;         ///< by item, while the add-on goes to the cabinet
     std::shared_ptr<const RecordedAddon> m_recorded;
+    bool m_completes = false;
+    QHash<NoCase, qint64> m_recordedRows; ///< detail keys by path; of an add-on that is completed
     QList<addonvariations::Variation> m_recordedVariations;
-    QList<DetailRecord> m_missingFiles; ///< recorded ones that the source lacks
-    QList<PlanProblem> m_remarks;       ///< found by the analysis; checks add theirs when asked
+    QList<addonvariations::Variation> m_standingVariations; ///< those that are found in the files
+    QList<DetailRecord> m_missingFiles;                     ///< recorded ones that the source lacks
+    QList<PlanProblem> m_remarks; ///< found by the analysis; checks add theirs when asked
 };
 
 } // namespace vt

@@ -86,8 +86,21 @@ void CAddonInstallationDetails::recordedStorageFolder()
     chooseStorageFolder();
 }
 
-/// One group an aircraft, with those of its variations that its aircraft.cfg lacks.
-void CAddonInstallationDetails::recordedVariants()
+bool CAddonInstallationDetails::isStanding(const QString& file,
+                                           const QString& title,
+                                           const QString& texture) const
+{
+    return std::any_of(m_standingVariations.cbegin(),
+                       m_standingVariations.cend(),
+                       [&](const addonvariations::Variation& one) {
+                           return winpath::same(one.file, file) &&
+                                  (equalNoCase(one.title, title) ||
+                                   equalNoCase(one.texture, texture));
+                       });
+}
+
+/// What the data file tells of the add-on's variations, and which of them are in the files.
+void CAddonInstallationDetails::readRecordedVariations()
 {
     QByteArray bytes;
     for (const DetailRecord& row : m_recorded->files) {
@@ -104,18 +117,18 @@ void CAddonInstallationDetails::recordedVariants()
             bytes = *read;
     }
     const ConfigAccess access(m_context.services);
-    const QList<addonvariations::Variation> present =
-        addonvariations::find(access, m_recorded->record.key, m_recorded->files);
+    m_standingVariations = addonvariations::find(access, m_recorded->record.key, m_recorded->files);
     m_recordedVariations = addonvariations::readDataFile(bytes, m_context.services.ansi);
     if (m_recordedVariations.isEmpty())
-        m_recordedVariations = present; // the data file is lost
+        m_recordedVariations = m_standingVariations; // the data file is lost
+}
+
+/// One group an aircraft, with those of its variations that its aircraft.cfg lacks.
+void CAddonInstallationDetails::recordedVariants()
+{
+    readRecordedVariations();
     for (const addonvariations::Variation& variation : std::as_const(m_recordedVariations)) {
-        const bool there = std::any_of(
-            present.cbegin(), present.cend(), [&](const addonvariations::Variation& one) {
-                return winpath::same(one.file, variation.file) &&
-                       (equalNoCase(one.title, variation.title) ||
-                        equalNoCase(one.texture, variation.texture));
-            });
+        const bool there = isStanding(variation.file, variation.title, variation.texture);
         if (there)
             continue;
         InstallationGroup group;
@@ -201,10 +214,11 @@ bool CAddonInstallationDetails::mergesInto(const CAddon_Item& item) const
 {
     if (typeGroupOf(item.enumAddonFileType) != TypeGroup::AircraftConfiguration)
         return false;
-    if (!inPlace())
+    if (!inPlace() || (m_completes && recordedRow(item) == 0))
         return isMerged(item, m_context);
     // What it had been merged into then is kept.
-    const auto kept = m_recorded->originals.constFind(item.detailKey);
+    const auto kept =
+        m_recorded->originals.constFind(m_completes ? recordedRow(item) : item.detailKey);
     return kept != m_recorded->originals.cend() && !kept->keptFile.isEmpty() &&
            hasAircraftSections(m_context.global.originalsFolder + kept->keptFile, m_context) &&
            isMerged(item, m_context);
@@ -212,6 +226,8 @@ bool CAddonInstallationDetails::mergesInto(const CAddon_Item& item) const
 
 bool CAddonInstallationDetails::replacesOwn(const CAddon_Item& item) const
 {
+    if (m_completes && recordedRow(item) == 0)
+        return false;
     return inPlace() && typeGroupOf(item.enumAddonFileType) == TypeGroup::AircraftConfiguration &&
            item.boolTargetExists && !mergesInto(item);
 }

@@ -155,12 +155,15 @@ bool CAddonInstaller::Install_Begin()
 {
     m_context.global.currentProcedure = u"Public Function Install_Begin"_s;
     using I = CAddonInstaller;
+    using Step = std::pair<QString, Result (I::*)()>;
     const bool reached = runSteps(
         {{u"Private Function Install_Preliminaries"_s, &I::Install_Preliminaries},
          {u"Private Function AddonDatabase_Open"_s, &I::AddonDatabase_Open},
          {u"Private Function AddonMasterTable_OpenTable"_s, &I::AddonMasterTable_OpenTable},
-         {u"Private Function AddonMasterTable_CreateAddonRecord"_s,
-          &I::AddonMasterTable_CreateAddonRecord},
+         m_details.completes() ? Step{u"Private Function AddonMasterTable_OpenAddonRecord"_s,
+                                      &I::AddonMasterTable_OpenAddonRecord}
+                               : Step{u"Private Function AddonMasterTable_CreateAddonRecord"_s,
+                                      &I::AddonMasterTable_CreateAddonRecord},
          {u"Private Sub InstallFiles"_s, &I::InstallFiles}});
     Install_End();
     return reached;
@@ -173,6 +176,10 @@ Result CAddonInstaller::Install_Preliminaries()
     m_log.open(m_context.services.gate, m_context.global.programFolder + u"INSTALL.LOG"_s);
     m_log.line(u"Installing addon ...begin.");
     status(u"Installing addon..."_s);
+    if (m_details.completes() && toCabinet())
+        return Result::failure(
+            u"'"_s + m_details.recorded()->record.name +
+            u"' is in the simulator, and so is what completes it: choose the simulator, not the File Cabinet."_s);
     if (const QString space = m_details.spaceProblem(); !space.isEmpty())
         return Result::failure(space, ErrorKind::Surroundings);
     PlanFacts facts = m_details.facts();
@@ -235,6 +242,19 @@ Result CAddonInstaller::AddonMasterTable_CreateAddonRecord()
     m_record.sourceSize = addon.lngSource_Size;
     m_record.sourceType = vt::SourceType(addon.lngSource_Type);
     m_record.sourceTotalFiles = addon.lngSource_Total_Files;
+    return m_actions->begin(OperationKind::Installation, m_record.name);
+}
+
+/// The record of the add-on that is completed: its key, its history and its source stay.
+Result CAddonInstaller::AddonMasterTable_OpenAddonRecord()
+{
+    const CAddon_ItemGroup& addon = m_details.addon();
+    m_record = m_details.recorded()->record;
+    m_record.name = addon.sGroupName;
+    m_record.description = addon.sGroupDescription;
+    m_record.authors = addon.sAuthors;
+    m_record.rating = addon.lngRating;
+    m_details.noteRecordedRows();
     return m_actions->begin(OperationKind::Installation, m_record.name);
 }
 

@@ -71,7 +71,8 @@ public:
     /// For outside tools; without it none is run. Must outlive this.
     void setProcesses(const Processes* processes) { m_processes = processes; }
 
-    /// Runs every step. True when the source's handling (step 12) was reached: the add-on is
+    /// Runs every step; of details that complete a recorded add-on, what is installed comes to its
+    /// record. True when the source's handling (step 12) was reached: the add-on is
     /// recorded, and results() tells each file. False: nothing was installed, failure() says why.
     bool Install_Begin();
 
@@ -146,6 +147,7 @@ private:
     Result AddonDatabase_Open();
     Result AddonMasterTable_OpenTable();
     Result AddonMasterTable_CreateAddonRecord();
+    Result AddonMasterTable_OpenAddonRecord();
     Result InstallFiles();
     Result PartAliases_Create();
     Result FlightPlans_Incorporate();
@@ -174,6 +176,7 @@ private:
     Result setAsideChanged(const QString& target);
     Result recordAgain();
     Result recordPanelPictures();
+    void prepareSetAside();
     void noteChecksBefore();
     Result recordInPlace();
     Result recordVariantData();
@@ -191,6 +194,9 @@ private:
     void Cabinet_TakeOut();
 
     [[nodiscard]] bool toCabinet() const { return m_details.installTo() == InstallTo::Cabinet; }
+
+    /// The add-on was recorded before and is installed again, not completed.
+    [[nodiscard]] bool isAgain() const { return m_details.recorded() && !m_details.completes(); }
 
     /// In the simulator under a row that it had before.
     [[nodiscard]] bool replacesOwn(const CAddon_Item& item) const

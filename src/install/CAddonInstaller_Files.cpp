@@ -104,6 +104,8 @@ Result CAddonInstaller::InstallFiles()
         return Install_AddToCabinetZip();
     }
     m_aircraftEdits = aircraftEdits(m_details, m_context, m_record.key);
+    if (m_details.completes())
+        prepareSetAside();
     decideAll();
     if (Result made = AddonAndCabinetFolders_Create(); !made)
         return made;

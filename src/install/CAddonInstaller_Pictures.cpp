@@ -12,9 +12,11 @@ namespace vt {
 Result CAddonInstaller::Picture_Store()
 {
     // One that is installed again keeps the pictures that it has.
-    if (!m_details.recorded())
+    if (!isAgain())
         m_details.Pictures_AutoAssign();
     const QString& file = m_details.options().pictureFile;
+    if (m_details.completes() && file.isEmpty() && !m_details.recorded()->pictures.isEmpty())
+        return Result::success();
     const InstallationGroup* first = nullptr;
     for (const MappedGroup family : ruledFamilies()) {
         for (const InstallationGroup& group : m_details.groups(family)) {

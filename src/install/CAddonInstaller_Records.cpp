@@ -85,7 +85,8 @@ bool CAddonInstaller::anySceneryIn(const QString& folder) const
 
 Result CAddonInstaller::SceneryLibrary_Update()
 {
-    if (!m_details.inPlace()) // what is recorded was wanted, whether its files were touched or not
+    if (!m_details.inPlace() ||
+        m_details.completes()) // what is recorded was wanted, whether its files were touched or not
         m_wantedAreas.removeIf(
             [this](const SceneryAreaToAdd& area) { return !anySceneryIn(area.folder); });
     if (m_wantedAreas.isEmpty())
@@ -177,7 +178,7 @@ Result CAddonInstaller::Changes_Apply()
     const bool any = std::any_of(m_files.cbegin(), m_files.cend(), [](const File& file) {
         return file.code == InstallCode::Installed;
     });
-    if (!any && !m_details.inPlace()) {
+    if (!any && (!m_details.inPlace() || m_details.completes())) {
         tellFiles();
         return nothingInstalled();
     }
@@ -449,7 +450,7 @@ QStringList CAddonInstaller::notInstalled() const
 
 void CAddonInstaller::tellFiles()
 {
-    const bool again = m_details.recorded();
+    const bool again = isAgain();
     for (const File& file : m_files) {
         const bool installed = file.code == InstallCode::Installed;
         const QString target = targetOf(*file.item);

@@ -80,6 +80,13 @@ Result CAddonInstaller::Reinstall_OpenRecord()
 Result CAddonInstaller::ReinstallFiles()
 {
     m_aircraftEdits = aircraftEdits(m_details, m_context, m_record.key);
+    prepareSetAside();
+    decideAll();
+    return stageAll();
+}
+
+void CAddonInstaller::prepareSetAside()
+{
     m_release = std::make_unique<originals::ReleaseContext>(originals::ReleaseContext{
         m_context.services.gate,
         *m_actions,
@@ -91,8 +98,6 @@ Result CAddonInstaller::ReinstallFiles()
                 return Result::success();
             return m_actions->announceKept(m_release->setAsideFolder);
         }});
-    decideAll();
-    return stageAll();
 }
 
 /// The file lies where this add-on put it: as long as it is what was recorded, nobody is asked.
@@ -208,6 +213,14 @@ Result CAddonInstaller::recordInPlace()
     }
     if (Result recorded = recordVariantData(); !recorded)
         return recorded;
+    if (m_details.completes()) {
+        if (Result updated = updateAddon(m_database, m_record); !updated)
+            return updated;
+        if (m_record.description != m_details.recorded()->record.description) {
+            if (Result set = setDescription(m_database, m_record.key, m_record.description); !set)
+                return set;
+        }
+    }
     if (Result recorded = recordFiles(); !recorded)
         return recorded;
     return recordAircraft();

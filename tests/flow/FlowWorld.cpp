@@ -107,6 +107,24 @@ ResultOf<qint64> FlowWorld::install(const QString& hostSource, const InstallOpti
     return installer.masterKey();
 }
 
+Result FlowWorld::complete(qint64 key, const QString& hostSource, const QStringList& onlyFiles)
+{
+    files.newOperation();
+    const ResultOf<RecordedAddon> recorded = RecordedAddon::load(*database, key);
+    if (!recorded)
+        return recorded.error();
+    CAddonInstallationDetails details(context);
+    if (Result prepared =
+            details.prepareRest(*recorded, drives.toWindows(hostSource), {}, onlyFiles);
+        !prepared)
+        return prepared;
+    CAddonInstaller installer(context, *database, details);
+    const bool reached = installer.Install_Begin();
+    results = installer.results();
+    anyFailed = installer.failedFiles() > 0;
+    return reached ? Result::success() : installer.failure();
+}
+
 Result FlowWorld::reinstall(qint64 key, const InstallOptions& options, const QString& hostSource)
 {
     files.newOperation();

@@ -60,6 +60,8 @@ public:
 
     /// The key of the new add-on, or why there is none. installed and failure are set as well.
     ResultOf<qint64> install(const QString& hostSource, const InstallOptions& options = {});
+    /// What the add-on lacks of the source; nothing in \a onlyFiles: all of it.
+    Result complete(qint64 key, const QString& hostSource, const QStringList& onlyFiles = {});
     Result remove(qint64 key, const RemovalOptions& options = {});
     /// From the File Cabinet, the recorded source or \a hostSource.
     Result

@@ -32,10 +32,12 @@ void RecordingFrame::command(const QString& controlName)
         toolsOpen = 0;
 }
 
-void RecordingFrame::installAddon(const QString& source, const QStringList& onlyFiles)
+void RecordingFrame::installAddon(const QString& source, const InstallationRest& rest)
 {
     calls.append(u"installAddon "_s + source +
-                 (onlyFiles.isEmpty() ? QString() : u" only "_s + onlyFiles.join(u", "_s)));
+                 (rest.masterKey == 0 ? QString()
+                                      : u" rest of "_s + QString::number(rest.masterKey) + u' ' +
+                                            rest.files.join(u", "_s)));
 }
 
 void RecordingFrame::removeAddons(const QList<qint64>& masterKeys)

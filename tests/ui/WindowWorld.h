@@ -18,15 +18,15 @@
 
 namespace vt::test {
 
-/// Notes each call as one text: "command mnuFileCabinet", "installAddon C:\a.zip" (and what is
-/// marked alone, after " only "),
+/// Notes each call as one text: "command mnuFileCabinet", "installAddon C:\a.zip" (and after
+/// " rest of " the key of an add-on and what it lacks),
 /// "removeAddons 3 4", "workWithAddons 3", "showResults <caption>", "startFlying <file>",
 /// "startFlying <file> after change", "recordsChanged", "showHelp <topic>".
 class RecordingFrame final : public Frame
 {
 public:
     void command(const QString& controlName) override;
-    void installAddon(const QString& source, const QStringList& onlyFiles) override;
+    void installAddon(const QString& source, const InstallationRest& rest) override;
     void removeAddons(const QList<qint64>& masterKeys) override;
     void workWithAddons(const QList<qint64>& masterKeys) override;
     void

@@ -376,7 +376,7 @@ void TestControl::droppedFile_isInstalled()
 {
     Control control;
     QStringList sources;
-    control.window.hooks.installAddon = [&](const QString& source, const QStringList&) {
+    control.window.hooks.installAddon = [&](const QString& source, const InstallationRest&) {
         sources += source;
     };
     QMimeData data;

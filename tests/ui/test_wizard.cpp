@@ -301,21 +301,24 @@ void TestWizard::cancelAtAQuestion_keepsWhatCameBefore()
     QVERIFY(world.status.texts.last().contains(u"was ended early; 1 file is installed"_s));
     QCOMPARE(world.frame.results.count(resultgroup::installed), 1);
 
-    // What was left out can be tried again, and is marked alone then.
+    // What was left out can be tried again; it is marked alone then and comes to the same record.
     QCOMPARE(world.frame.after.addons, QList<qint64>{1});
     world.frame.after.tryAgain();
     const QStringList left{u"Effects\\b.fx"_s};
     QCOMPARE(world.frame.calls.last(),
-             u"installAddon "_s + world.windows(u"more"_s) + u"\\ only "_s + left.first());
+             u"installAddon "_s + world.windows(u"more"_s) + u"\\ rest of 1 "_s + left.first());
     Wizard again(world);
-    QVERIFY(again.window->choose(world.windows(u"more"_s), left));
+    QVERIFY(again.window->choose(world.windows(u"more"_s), {1, left}));
     QCOMPARE(again.text(u"lblNotice"_s),
-             u"Only what was not installed before is marked: 1 file."_s);
+             u"Only what 'more' lacks is marked, and it comes to that addon: 1 file."_s);
     world.prompts.expect(u"b.fx"_s, Button::Yes);
     again.press(u"cmdFinish"_s);
     QCOMPARE(test::readHostFile(world.demo.simulatorHost + u"/Effects/b.fx"_s), "new b");
     QCOMPARE(world.frame.results.count(resultgroup::installed), 1);
     QVERIFY(!world.frame.after.tryAgain);
+    QCOMPARE(world.frame.after.addons, QList<qint64>{1});
+    QCOMPARE(modDatabase_Addon::addons(*world.session.database())->size(), 1);
+    QCOMPARE(modDatabase_Addon::detailsOf(*world.session.database(), 1)->size(), 2);
 }
 
 void TestWizard::closing_leavesTheTreeAlone()

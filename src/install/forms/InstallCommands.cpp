@@ -12,7 +12,7 @@ namespace {
 void openInstallation(frmControl& window,
                       Session& session,
                       const QString& source,
-                      const QStringList& onlyFiles)
+                      const InstallationRest& rest)
 {
     ToolWindow* open =
         window.openTool(u"install"_s, u"Opening Install An Addon..."_s, [&]() -> ToolWindow* {
@@ -21,7 +21,7 @@ void openInstallation(frmControl& window,
     auto* wizard = qobject_cast<frmInstall_Wizard*>(open);
     if (!wizard || source.isEmpty())
         return;
-    (void)wizard->choose(source, onlyFiles); // its first page says what is wrong with the source
+    (void)wizard->choose(source, rest); // its first page says what is wrong with the source
 }
 
 /// Also where a second start's file is picked up.
@@ -39,8 +39,8 @@ void installFromMenu(frmControl& window, Session& session)
 void wireInstallation(frmControl& window, Session& session)
 {
     window.hooks.installAddon = [&window, &session](const QString& source,
-                                                    const QStringList& onlyFiles) {
-        openInstallation(window, session, source, onlyFiles);
+                                                    const InstallationRest& rest) {
+        openInstallation(window, session, source, rest);
     };
     window.setCommand(u"mnuFile_InstallAnAddon"_s,
                       [&window, &session] { installFromMenu(window, session); });

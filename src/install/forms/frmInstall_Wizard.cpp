@@ -11,6 +11,8 @@
 #include "shell/forms/Frame.h"
 #include "shell/forms/ProgressStrip.h"
 
+#include <QScopedValueRollback>
+
 using namespace Qt::StringLiterals;
 
 namespace vt {
@@ -162,32 +164,26 @@ void frmInstall_Wizard::SubForms_Unload()
 
 // The add-on.
 
-Result frmInstall_Wizard::choose(const QString& source, const QStringList& onlyFiles)
+Result frmInstall_Wizard::choose(const QString& source, const InstallationRest& rest)
 {
     if (!SubForm_SelectFiles_Show())
         return Result::failure(u"The page that is open has to be put right first."_s);
-    Result chosen =
-        qobject_cast<frmInstall_SelectFiles*>(page(InstallStep::SelectFiles))->choose(source);
-    if (chosen && !onlyFiles.isEmpty())
-        markOnly(onlyFiles);
-    return chosen;
+    const QScopedValueRollback completing(m_rest, rest);
+    return qobject_cast<frmInstall_SelectFiles*>(page(InstallStep::SelectFiles))->choose(source);
 }
 
-void frmInstall_Wizard::markOnly(const QStringList& files)
+Result frmInstall_Wizard::prepare(CAddonInstallationDetails& details, const QString& source)
 {
-    const QSet<QString> wanted(files.cbegin(), files.cend());
-    QList<qint32> marked;
-    QList<qint32> others;
-    for (const CAddon_Item& item : m_details->addon().colAddonItems())
-        (wanted.contains(item.sFolder_Current + item.sName) ? marked : others).append(item.lngKey);
-    if (marked.isEmpty())
-        return; // the source holds other files now
-    m_details->AddonItems_InstallationStatus_Modify(others, false);
-    m_details->AddonItems_InstallationStatus_Modify(marked, true);
-    refreshSteps();
-    setNotice(u"Only what was not installed before is marked: "_s +
-                  countText(marked.size(), u"file"_s, u"files"_s) + u'.',
-              false);
+    InstallOptions options = installOptionsFromSettings(context(), source);
+    if (m_rest.masterKey != 0) {
+        const ResultOf<RecordedAddon> recorded =
+            RecordedAddon::load(*m_session.database(), m_rest.masterKey);
+        return recorded ? details.prepareRest(*recorded, source, options, m_rest.files)
+                        : recorded.error();
+    }
+    if (const auto key = modDatabase_Addon::nextMasterKey(*m_session.database()))
+        options.masterKey = *key; // so that the summary shows the very lines
+    return details.prepare(source, options);
 }
 
 Result frmInstall_Wizard::SubForm_SelectFiles_IntegrateData(const QString& source)
@@ -195,10 +191,7 @@ Result frmInstall_Wizard::SubForm_SelectFiles_IntegrateData(const QString& sourc
     auto details = std::make_unique<CAddonInstallationDetails>(context());
     {
         const Working working(frame());
-        InstallOptions options = installOptionsFromSettings(context(), source);
-        if (const auto key = modDatabase_Addon::nextMasterKey(*m_session.database()))
-            options.masterKey = *key; // so that the summary shows the very lines
-        const Result prepared = details->prepare(source, options);
+        const Result prepared = prepare(*details, source);
         say({});
         if (!prepared)
             return prepared;
@@ -212,9 +205,23 @@ Result frmInstall_Wizard::SubForm_SelectFiles_IntegrateData(const QString& sourc
     selectionChanged();
     if (another)
         setNotice(u"Another addon was chosen; all other steps begin anew."_s, false);
+    tellRest();
     if (context().settings.flag(SettingKey::AdvanceWizardStepsAutomatically))
         QTimer::singleShot(0, this, [this] { showStep(InstallStep(neighbour(currentStep(), 1))); });
     return Result::success();
+}
+
+void frmInstall_Wizard::tellRest()
+{
+    if (!m_details->completes())
+        return;
+    const auto& items = m_details->addon().colAddonItems();
+    const qint64 marked = std::count_if(
+        items.begin(), items.end(), [](const CAddon_Item& item) { return item.boolProcess; });
+    setNotice(u"Only what '"_s + m_details->recorded()->record.name +
+                  u"' lacks is marked, and it comes to that addon: "_s +
+                  countText(marked, u"file"_s, u"files"_s) + u'.',
+              false);
 }
 
 void frmInstall_Wizard::selectionChanged()

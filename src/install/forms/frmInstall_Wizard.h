@@ -5,6 +5,7 @@
 #include "install/CAddonInstallationDetails.h"
 #include "install/forms/WizardPage.h"
 #include "install/forms/WizardSteps.h"
+#include "shell/forms/Frame.h"
 #include "shell/forms/WizardFrame.h"
 
 #include <QSet>
@@ -31,8 +32,8 @@ public:
     bool mayClose() override;
 
     /// Chooses an archive, a folder or a file in the first step, as if the user had typed it. \a
-    /// onlyFiles: places in it that are marked for installation; empty: all are.
-    Result choose(const QString& source, const QStringList& onlyFiles = {});
+    /// rest: of it, what a recorded add-on still lacks.
+    Result choose(const QString& source, const InstallationRest& rest = {});
 
     /// Null until an add-on was chosen.
     [[nodiscard]] const CAddonInstallationDetails* details() const { return m_details.get(); }
@@ -79,7 +80,8 @@ private:
     Result SubForm_SelectFiles_IntegrateData(const QString& source);
     void SubForms_Unload();
     void selectionChanged();
-    void markOnly(const QStringList& files);
+    void tellRest();
+    [[nodiscard]] Result prepare(CAddonInstallationDetails& details, const QString& source);
     void validate();
     void tellProblem(const QString& problem);
     void refreshSteps();
@@ -103,6 +105,7 @@ private:
     QTimer m_validation;          ///< runs out shortly after the last edit
     bool m_othersChanged = false; ///< since the page was entered
     bool m_installing = false;
+    InstallationRest m_rest; ///< while a source is taken for it
 };
 
 } // namespace vt

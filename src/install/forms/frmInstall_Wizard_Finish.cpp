@@ -80,8 +80,12 @@ void frmInstall_Wizard::showResults(const CAddonInstaller& installer)
     AfterResults after{{installer.masterKey()}};
     const QString& source = m_details->source().path();
     const QStringList left = installer.notInstalled();
-    if (!left.isEmpty() && context().services.files.exists(source))
-        after.tryAgain = [&frame = frame(), source, left] { frame.installAddon(source, left); };
+    const bool completable = installer.record().status == InstallationStatus::Installed;
+    if (completable && !left.isEmpty() && context().services.files.exists(source))
+        after.tryAgain =
+            [&frame = frame(), source, rest = InstallationRest{installer.masterKey(), left}] {
+                frame.installAddon(source, rest);
+            };
     frame().showResults(
         installationResultsCaption(installer.record().name), installer.results(), after);
 }

@@ -19,6 +19,13 @@ struct AfterResults
     std::function<void()> tryAgain = {}; ///< what failed, once more; unset: it cannot be
 };
 
+/// What a recorded add-on lacks of its source.
+struct InstallationRest
+{
+    qint64 masterKey = 0;   ///< of the add-on; 0: a new one is installed
+    QStringList files = {}; ///< places in the source, as CAddonInstaller::notInstalled() gives them
+};
+
 /// Property of a dialog: the topic that F1 shows while it is open.
 inline constexpr const char* helpTopicProperty = "helpTopic";
 
@@ -30,9 +37,8 @@ public:
     /// Does what the menu entry of that control name does ("mnuFileCabinet").
     virtual void command(const QString& controlName) = 0;
     /// Opens the installation wizard; \a source: a Windows path, empty: the user chooses there.
-    /// \a onlyFiles: places in the source, as CAddonInstaller::notInstalled() gives them, that are
-    /// marked alone; empty: all.
-    virtual void installAddon(const QString& source, const QStringList& onlyFiles = {}) = 0;
+    /// \a rest: what a recorded add-on still lacks of it.
+    virtual void installAddon(const QString& source, const InstallationRest& rest = {}) = 0;
     /// Opens the removal wizard with these add-ons ticked.
     virtual void removeAddons(const QList<qint64>& masterKeys) = 0;
     /// Opens the list of all add-ons and selects these.

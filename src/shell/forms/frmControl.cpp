@@ -156,10 +156,10 @@ void frmControl::command(const QString& controlName)
         action->trigger();
 }
 
-void frmControl::installAddon(const QString& source, const QStringList& onlyFiles)
+void frmControl::installAddon(const QString& source, const InstallationRest& rest)
 {
     if (hooks.installAddon)
-        hooks.installAddon(source, onlyFiles);
+        hooks.installAddon(source, rest);
 }
 
 void frmControl::removeAddons(const QList<qint64>& masterKeys)

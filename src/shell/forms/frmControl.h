@@ -28,7 +28,7 @@ class ToolWindow;
 /// What the main window cannot do itself. An unset one does nothing.
 struct FrameHooks
 {
-    std::function<void(const QString& source, const QStringList& onlyFiles)> installAddon;
+    std::function<void(const QString& source, const InstallationRest& rest)> installAddon;
     std::function<void(const QList<qint64>&)> removeAddons;
     std::function<void(const QList<qint64>&)> workWithAddons;
     std::function<const Processes&()> processes; ///< to start the simulator with
@@ -73,7 +73,7 @@ public:
     void applySettings();
 
     void command(const QString& controlName) override;
-    void installAddon(const QString& source, const QStringList& onlyFiles = {}) override;
+    void installAddon(const QString& source, const InstallationRest& rest = {}) override;
     void removeAddons(const QList<qint64>& masterKeys) override;
     void workWithAddons(const QList<qint64>& masterKeys) override;
     void showResults(const QString& caption,

@@ -175,6 +175,7 @@ private:
     [[nodiscard]] bool isCovered(const CAddon_Item& item) const;
     Result setAsideChanged(const QString& target);
     Result recordAgain();
+    Result recordMissing();
     Result recordPanelPictures();
     void prepareSetAside();
     void noteChecksBefore();

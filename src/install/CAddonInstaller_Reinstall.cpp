@@ -164,9 +164,39 @@ Result CAddonInstaller::recordAgain()
         return completed.error();
     if (Result recorded = recordFiles(); !recorded)
         return recorded;
+    if (Result recorded = recordMissing(); !recorded)
+        return recorded;
     if (Result recorded = recordPanelPictures(); !recorded)
         return recorded;
     return recordAircraft();
+}
+
+/// Files that were in the File Cabinet and could not be had from there stay recorded, so that they
+/// are told as missing and can be repaired. Where something else stands it is not ours.
+Result CAddonInstaller::recordMissing()
+{
+    const RecordedAddon& before = *m_details.recorded();
+    QSet<qint64> lost;
+    for (const File& file : m_files) {
+        const bool failed =
+            file.code == InstallCode::NotExtracted || file.code == InstallCode::Error;
+        if (failed && file.item->detailKey != 0)
+            lost.insert(file.item->detailKey);
+    }
+    for (const DetailRecord& row : m_details.missingFiles())
+        lost.insert(row.key);
+    QList<DetailRecord> rows;
+    QList<Fingerprint> checks;
+    for (const DetailRecord& row : before.files) {
+        if (!lost.contains(row.key) || m_context.services.files.entry(row.location + row.name))
+            continue;
+        rows.append(row);
+        checks.append(before.checks.value(row.key));
+    }
+    if (rows.isEmpty())
+        return Result::success();
+    const auto added = modDatabase_Addon::addDetails(m_database, m_record.key, rows, checks);
+    return added ? Result::success() : added.error();
 }
 
 /// Thumbnails that a panel had before it went to the File Cabinet.

@@ -100,6 +100,33 @@ private Q_SLOTS:
 
     void cleanup() { m_world.reset(); }
 
+    /// The record of a file that its archive cannot give stays, and so does the archive.
+    void damagedInTheFileCabinet_isMissingAndComesBack()
+    {
+        RemovalOptions toCabinet;
+        toCabinet.method = RemovalMethod::FileCabinet;
+        QVERIFY(m_world->remove(m_key, toCabinet));
+        const QString cabinet = m_world->global.cabinetFolder;
+        const QString archive = cabinet + m_world->files.names(cabinet).filter(u".zip"_s).value(0);
+        QByteArray bytes = *m_world->files.read(archive, 1 << 20);
+        const QByteArray name = QByteArray(smoke.toLatin1()).replace('\\', '/').split('/').last();
+        const qsizetype header = bytes.lastIndexOf("PK\3\4", bytes.indexOf(name));
+        const qsizetype data = bytes.indexOf(name) + name.size() + bytes.at(header + 28);
+        bytes[data] = char(bytes.at(data) ^ 0x5A);
+        QVERIFY(m_world->actions.replace(archive, bytes));
+
+        const Result again = m_world->reinstall(m_key);
+        QVERIFY2(again, qPrintable(again.text));
+        QVERIFY(m_world->anyFailed);
+        QCOMPARE(damaged(*m_world, m_key), QStringList{smoke});
+        QVERIFY(m_world->files.isFile(archive));
+        const Result fixed = repairAll(*m_world, m_key);
+        QVERIFY2(fixed, qPrintable(fixed.text));
+        QCOMPARE(differences(m_installed, m_world->tree(), Backups::Ignore), QStringList());
+        QVERIFY(m_world->remove(m_key));
+        QCOMPARE(differences(m_beginning, m_world->tree(), Backups::Ignore), QStringList());
+    }
+
     void sourceStillThere_everythingComesBack()
     {
         QVERIFY(damaged(*m_world, m_key).isEmpty());

@@ -30,13 +30,19 @@ Result notBelowSimulator(const QString& path)
     return notSetUp(u"'"_s + path + u"' does not lie in the simulator's folder."_s);
 }
 
+ResultOf<QByteArray> previewOf(const QByteArray& picture, const QString& name, Form form)
+{
+    return form == Form::Preview ? ResultOf<QByteArray>(picture) : preview(picture, name);
+}
+
 Result writeThumbnail(Context& context,
                       const QString& path,
                       const QByteArray& picture,
                       const QString& name,
-                      Chosen chosen)
+                      Chosen chosen,
+                      Form form = Form::Any)
 {
-    const ResultOf<QByteArray> jpeg = preview(picture, name);
+    const ResultOf<QByteArray> jpeg = previewOf(picture, name, form);
     if (!jpeg)
         return notSetUp(jpeg.text);
     const Result written = context.services.actions.replace(
@@ -92,9 +98,10 @@ Result storeAddonPicture(Context& context,
                          Connection& database,
                          qint64 masterKey,
                          const QByteArray& picture,
-                         const QString& name)
+                         const QString& name,
+                         Form form)
 {
-    const ResultOf<QByteArray> jpeg = preview(picture, name);
+    const ResultOf<QByteArray> jpeg = previewOf(picture, name, form);
     if (!jpeg)
         return notSetUp(jpeg.text);
     const QString path = addonPicture(context.global, masterKey);
@@ -163,12 +170,13 @@ Result storeItemThumbnail(Context& context,
                           const QString& section,
                           const QByteArray& picture,
                           const QString& name,
-                          Chosen chosen)
+                          Chosen chosen,
+                          Form form)
 {
     const QString path = itemThumbnail(context.global, configurationFile, section);
     if (path.isEmpty())
         return notBelowSimulator(configurationFile);
-    if (Result written = writeThumbnail(context, path, picture, name, chosen); !written)
+    if (Result written = writeThumbnail(context, path, picture, name, chosen, form); !written)
         return written;
     if (modDatabase_Addon::itemDetail(database, table, configurationFile, section))
         return Result::success();

@@ -27,13 +27,21 @@ preview(const QByteArray& picture, const QString& name, int width = previewWidth
 /// Full path of the add-on's picture, whether it exists or not.
 [[nodiscard]] QString addonPicture(const GlobalRecord& global, qint64 masterKey);
 
+/// What is given as a picture: a file of any kind that is decoded, or what preview() made of one.
+enum class Form : quint8
+{
+    Any,
+    Preview,
+};
+
 /// Makes the preview, writes it and records it as the add-on's primary picture, replacing an older
 /// one. The text of a failure begins with "Could not setup a picture for the addon. ".
 Result storeAddonPicture(Context& context,
                          Connection& database,
                          qint64 masterKey,
                          const QByteArray& picture,
-                         const QString& name);
+                         const QString& name,
+                         Form form = Form::Any);
 /// The same from a file of the user's.
 Result
 storeAddonPicture(Context& context, Connection& database, qint64 masterKey, const QString& file);
@@ -72,7 +80,8 @@ Result storeItemThumbnail(Context& context,
                           const QString& section,
                           const QByteArray& picture,
                           const QString& name,
-                          Chosen chosen = Chosen::ByUser);
+                          Chosen chosen = Chosen::ByUser,
+                          Form form = Form::Any);
 /// Full path of the thumbnail of a folder of scenery; empty for one outside the simulator's folder.
 [[nodiscard]] QString sceneryThumbnail(const GlobalRecord& global, const QString& folder);
 /// Writes it; scenery has no row of its own.

@@ -28,8 +28,12 @@ Result CAddonInstaller::Picture_Store()
     if (!file.isEmpty())
         stored = pictures::storeAddonPicture(m_context, m_database, m_record.key, file);
     else if (first) // what stands for a part stands for the whole as well
-        stored = pictures::storeAddonPicture(
-            m_context, m_database, m_record.key, first->picture.jpeg, first->name);
+        stored = pictures::storeAddonPicture(m_context,
+                                             m_database,
+                                             m_record.key,
+                                             first->picture.jpeg,
+                                             first->name,
+                                             pictures::Form::Preview);
     if (!stored)
         m_results.add(resultgroup::failedSpecialActions, stored.text);
     return stored;
@@ -81,8 +85,15 @@ QStringList CAddonInstaller::sectionsOf(const InstallationGroup& group, QString&
 Result CAddonInstaller::storePicture(const InstallationGroup& group)
 {
     const auto store = [&](ItemTable table, const QString& file, const QString& section) {
-        return pictures::storeItemThumbnail(
-            m_context, m_database, table, file, section, group.picture.jpeg, group.name);
+        return pictures::storeItemThumbnail(m_context,
+                                            m_database,
+                                            table,
+                                            file,
+                                            section,
+                                            group.picture.jpeg,
+                                            group.name,
+                                            pictures::Chosen::ByUser,
+                                            pictures::Form::Preview);
     };
     if (group.family == MappedGroup::Panel) {
         for (const File& file : m_files) {

@@ -40,17 +40,25 @@ int setPart(World& world,
 {
     const QJsonObject refused{{u"ok"_s, false}};
     CAircraft aircraft{ConfigAccess(world.services())};
-    const QString file = world.userPath(arguments.one(u"FILE"_s));
+    const QString file = typedConfiguration(world, arguments.one(u"FILE"_s), u"aircraft.cfg"_s);
     const QString section = modRoutines_INI::INI_Section_NameStrip(arguments.one(u"SECTION"_s));
+    const QString target = arguments.one(u"TARGET"_s);
+    for (const QString& needed : {file, world.userPath(target)}) {
+        // A target as in an alias need not be a place on the disk.
+        const bool typed = needed == file || winpath::isAbsolute(target) || target.startsWith(u'/');
+        if (typed && !world.services().files.exists(needed))
+            return world.fail(
+                Result::failure(u"'"_s + needed + u"' was not found."_s, ErrorKind::Surroundings),
+                refused);
+    }
     if (!aircraft.Load(file, section))
-        return world.fail(Result::failure(u"The section '"_s + section + u"' of '"_s + file +
-                                          u"' is no aircraft. "_s +
-                                          CAircraft::State_GetMessage(aircraft.State_Get())),
+        return world.fail(Result::failure(u"There is no variation '"_s + section + u"' in '"_s +
+                                          file + u"'; 'aircraft show' lists those that are."_s),
                           refused);
     if (!world.services().gate.place(file))
         (void)world.userRoot(winpath::parent(file));
     part.Load(world.services().files.spelled(aircraft.*configuration));
-    const QString alias = typedAlias(world, part, kind, arguments.one(u"TARGET"_s));
+    const QString alias = typedAlias(world, part, kind, target);
     if (const Result set = part.Alias_Set(alias); !set)
         return world.fail(set, refused);
     QString text =

@@ -178,6 +178,13 @@ void TestCliVerify::set_pointsAnAircraftElsewhere()
         sound.object().value(u"error"_s).toObject().value(u"text"_s).toString(),
         u"The sound configuration was not changed. It is a complete sound definition, not simply an alias."_s);
     QCOMPARE(world.vantrel({u"panel"_s, u"set"_s, config, u"fltsim.9"_s, u"x"_s}).status, 1);
+    const QString nowhere = world.airplane(u"Nowhere"_s);
+    for (const QStringList& typed : {QStringList{config, u"fltsim.0"_s, nowhere},
+                                     QStringList{nowhere, u"fltsim.0"_s, u"Kestrel_K2"_s}}) {
+        const Ran missing = world.vantrel(QStringList{u"panel"_s, u"set"_s} + typed);
+        QCOMPARE(missing.status, 3);
+        QVERIFY(missing.err.contains("Nowhere") && missing.err.contains("was not found."));
+    }
 }
 
 VT_TEST_CLASS(TestCliVerify)

@@ -407,7 +407,7 @@ private:
     isStanding(const QString& file, const QString& title, const QString& texture) const;
     void recordedVariants();
     [[nodiscard]] QString standingAircraft() const;
-    void followRecorded();
+    [[nodiscard]] bool followRecorded();
     void markRest(const QStringList& onlyFiles);
     void recordedAreas();
     void recordedTraffic();

@@ -45,9 +45,15 @@ Result CAddonInstallationDetails::prepareRest(const RecordedAddon& recorded,
     if (Result proposed = propose(sourcePath, wanted); !proposed)
         return proposed;
     readRecordedVariations();
-    followRecorded();
+    if (!followRecorded())
+        return Result::failure(
+            u"'"_s + m_source->path() + u"' is not what '"_s + record.name +
+            u"' was installed from: it holds other files. Install it as an addon of its own."_s);
     markRest(onlyFiles);
     AddonItems_UpdateTargetExists();
+    if (!AddonItemGroup_IsAnythingMarkedForInstall())
+        return Result::failure(u"'"_s + record.name + u"' has everything that '"_s +
+                               m_source->path() + u"' holds; nothing is left to install."_s);
     return Result::success();
 }
 
@@ -65,16 +71,24 @@ QString CAddonInstallationDetails::standingAircraft() const
 }
 
 /// What is recorded is told its place, and what lies beside or below it in the source follows it,
-/// whatever would be proposed today.
-void CAddonInstallationDetails::followRecorded()
+/// whatever would be proposed today. False: the source is another one, because it has not even half
+/// of what is recorded.
+bool CAddonInstallationDetails::followRecorded()
 {
     const auto matched = m_addon->Clone();
     (void)matchRecorded(*matched, *m_recorded, nullptr);
     QHash<NoCase, QString> placeOf; // of folders in the source
+    qsizetype same = 0;
     for (const CAddon_Item& item : matched->colAddonItems()) {
-        if (item.detailKey != 0)
-            placeOf.insert(NoCase{item.sFolder_Current}, item.sFolder_Installation);
+        if (item.detailKey == 0)
+            continue;
+        placeOf.insert(NoCase{item.sFolder_Current}, item.sFolder_Installation);
+        // A configuration file may have been brought to another form.
+        same += m_recorded->checks.value(item.detailKey).size == item.size ||
+                equalNoCase(winpath::extension(item.sName), u"cfg");
     }
+    if (2 * same < m_recorded->files.size())
+        return false;
     const auto target = [&](const QString& folder) -> QString {
         for (QString up = folder; !up.isEmpty(); up = winpath::parent(up)) {
             if (const auto found = placeOf.constFind(NoCase{up}); found != placeOf.cend())
@@ -92,6 +106,7 @@ void CAddonInstallationDetails::followRecorded()
         if (!folder.isEmpty() && item.boolProcess)
             item.setInstallation(folder, item.sName_Installation);
     }
+    return true;
 }
 
 void CAddonInstallationDetails::markRest(const QStringList& onlyFiles)

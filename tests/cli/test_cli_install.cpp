@@ -66,6 +66,35 @@ class TestCliInstall : public QObject
 
 private Q_SLOTS:
 
+    void complete_installsWhatTheRecordLacks()
+    {
+        InstallWorld world;
+        (void)world.json({u"install"_s, u"pack.zip"_s, u"--skip"_s, u"*.bgl"_s});
+        const auto shown = [&] {
+            return world.json({u"show"_s, u"1"_s}).object()[u"items"].toArray().size();
+        };
+        const qsizetype before = shown();
+        const QStringList rest = {u"pack.zip"_s, u"--complete"_s, u"1"_s};
+        QStringList planned;
+        const QJsonObject plan = world.json(QStringList{u"plan"_s} + rest).object();
+        for (const QJsonValue& item : plan[u"items"].toArray()) {
+            if (item[u"install"].toBool())
+                planned += item[u"targetName"].toString();
+        }
+        QVERIFY(!planned.isEmpty());
+        QCOMPARE(planned.filter(u".bgl"_s), planned);
+        const QJsonObject done = world.json(QStringList{u"install"_s} + rest).object();
+        QCOMPARE(done[u"key"].toInt(), 1);
+        QCOMPARE(done[u"results"][u"Installed"].toArray().size(), planned.size());
+        QCOMPARE(shown(), before + planned.size());
+        QCOMPARE(world.json({u"list"_s}).array().size(), 1);
+        QCOMPARE(world.json({u"validate"_s, u"1"_s}).object()[u"key"].toInt(), 1);
+        const QJsonObject none = world.json(QStringList{u"install"_s} + rest, 1).object();
+        QVERIFY(none[u"error"][u"text"].toString().contains(u"has everything that"_s));
+        (void)world.json({u"remove"_s, u"1"_s});
+        QCOMPARE(world.changes(), QStringList());
+    }
+
     void wholeLife_isToldInJson()
     {
         InstallWorld world;
@@ -318,6 +347,11 @@ private Q_SLOTS:
             world.write(u"home/Originals/terrain.cfg"_s, "kept");
         });
         row("an unknown key", {u"remove"_s, u"77"_s}, 1, u"77"_s, {});
+        row("the rest of an unknown key",
+            install + QStringList{u"--complete"_s, u"77"_s},
+            1,
+            u"77"_s,
+            {});
         for (const QString& command : {u"remove"_s, u"show"_s, u"validate"_s})
             row("a key that is none", {command, u"many"_s}, 2, u"many"_s, {});
         for (const QString& command : {u"plan"_s, u"install"_s}) {

@@ -178,7 +178,7 @@ void TestCliVerify::set_pointsAnAircraftElsewhere()
         sound.object().value(u"error"_s).toObject().value(u"text"_s).toString(),
         u"The sound configuration was not changed. It is a complete sound definition, not simply an alias."_s);
     QCOMPARE(world.vantrel({u"panel"_s, u"set"_s, config, u"fltsim.9"_s, u"x"_s}).status, 1);
-    const QString nowhere = world.airplane(u"Nowhere"_s);
+    const QString nowhere = world.dir.filePath(world.airplane(u"Nowhere"_s));
     for (const QStringList& typed : {QStringList{config, u"fltsim.0"_s, nowhere},
                                      QStringList{nowhere, u"fltsim.0"_s, u"Kestrel_K2"_s}}) {
         const Ran missing = world.vantrel(QStringList{u"panel"_s, u"set"_s} + typed);

@@ -103,6 +103,13 @@ private Q_SLOTS:
         QCOMPARE(QString::fromLatin1(*m_world->files.read(m_world->global.sceneryCfgFile, 1 << 20)),
                  areas);
 
+        // Nothing is left, and another source is not taken for this one.
+        done = m_world->complete(*key, whole);
+        QVERIFY2(!done && done.text.contains(u"has everything that"_s), qPrintable(done.text));
+        done = m_world->complete(
+            *key, pack({{"Effects/fx_a.fx", "another"}, {"Effects/fx_new.fx", "new"}}));
+        QVERIFY2(!done && done.text.contains(u"holds other files"_s), qPrintable(done.text));
+
         // One add-on, as it was named, installed and dated, in one place below Addons.
         QCOMPARE(recorded().size(), 1);
         QCOMPARE(recorded().first().name, first.name);

@@ -317,8 +317,8 @@ void TestWizard::cancelAtAQuestion_keepsWhatCameBefore()
     QCOMPARE(world.frame.results.count(resultgroup::installed), 1);
     QVERIFY(!world.frame.after.tryAgain);
     QCOMPARE(world.frame.after.addons, QList<qint64>{1});
-    QCOMPARE(modDatabase_Addon::addons(*world.session.database())->size(), 1);
-    QCOMPARE(modDatabase_Addon::detailsOf(*world.session.database(), 1)->size(), 2);
+    QCOMPARE(modDatabase_Addon::addons(*world.session->database())->size(), 1);
+    QCOMPARE(modDatabase_Addon::detailsOf(*world.session->database(), 1)->size(), 2);
 }
 
 void TestWizard::closing_leavesTheTreeAlone()

@@ -1,11 +1,15 @@
-// Every icon is drawn, and in colours that fit the ground it lies on.
+// Every icon is drawn, and in colours that fit the ground it lies on; so are boxes to tick.
+#include "shell/forms/DarkMarks.h"
 #include "shell/forms/Icons.h"
 #include "support/TestMain.h"
 #include "ui/Screenshot.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QListWidget>
+#include <QRadioButton>
 #include <QSet>
 #include <QToolButton>
 
@@ -20,6 +24,7 @@ private Q_SLOTS:
     void all_areDrawnOnBothGrounds();
     void tint_followsThePalette();
     void marks_staySeenWhenSelected();
+    void emptyBoxes_areSeenOnDarkGround();
 };
 
 namespace {
@@ -124,6 +129,30 @@ void TestIcons::marks_staySeenWhenSelected()
             QVERIFY2(colours.size() > 1, qPrintable(QString::number(int(mode))));
         }
     }
+}
+
+void TestIcons::emptyBoxes_areSeenOnDarkGround()
+{
+    DarkMarks::install();
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(test::darkPalette());
+    QListWidget list;
+    list.setFrameShape(QFrame::NoFrame);
+    QListWidgetItem item(QString(), &list);
+    item.setCheckState(Qt::Unchecked);
+    QCheckBox box;
+    QRadioButton circle;
+    for (QWidget* widget : {static_cast<QWidget*>(&list),
+                            static_cast<QWidget*>(&box),
+                            static_cast<QWidget*>(&circle)}) {
+        const QImage image = widget->grab(QRect(0, 0, 20, 20)).toImage();
+        int light = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                light += image.pixelColor(x, y).lightness() > 0x60 ? 1 : 0;
+        QVERIFY2(light > 20, widget->metaObject()->className());
+    }
+    QApplication::setPalette(before);
 }
 
 VT_TEST_CLASS(TestIcons)

@@ -11,6 +11,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFileInfo>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPointer>
@@ -107,6 +108,7 @@ private Q_SLOTS:
     void heldFolder_isToldAndLeftAlone();
     void missingDatabase_stops();
     void damagedDatabase_isRepairedOrLeft();
+    void largeDatabase_isMadeSmallerInALivingWindow();
     void firstWindow_isTheSettings();
     void importAtStartup_asksAndRecords();
     void smallScreen_isWarnedOf();
@@ -198,6 +200,29 @@ void TestStartUp::damagedDatabase_isRepairedOrLeft()
     const Answers answers(QMessageBox::Yes);
     QVERIFY2(started.start(), qPrintable(answers.texts.join(u'\n')));
     QVERIFY(started.program->window()->isVisible());
+}
+
+void TestStartUp::largeDatabase_isMadeSmallerInALivingWindow()
+{
+    Started started;
+    const QString file = started.world.host(u"home/Vantrel.mdb"_s);
+    const qint64 before = QFileInfo(file).size();
+    constexpr qint64 large = 950'000'001;
+    QVERIFY(QFile::resize(file, large)); // sparse
+    Answers answers(QMessageBox::Yes);
+    int beats = 0; // once it is small again, and before the start is over
+    QTimer heart;
+    QObject::connect(&heart, &QTimer::timeout, &heart, [&] {
+        beats += QFileInfo(file).size() < large && started.program->window()->isVisible() ? 1 : 0;
+    });
+    heart.start(20);
+    QVERIFY(started.start());
+    QCOMPARE(answers.texts.size(), 1);
+    QVERIFY2(answers.texts.constFirst().startsWith(u"Database Warning|"_s),
+             qPrintable(answers.texts.constFirst()));
+    QVERIFY(QFileInfo(file).size() <= 2 * before);
+    QVERIFY2(beats > 10, qPrintable(QString::number(beats)));
+    QVERIFY(started.program->window()->close());
 }
 
 void TestStartUp::firstWindow_isTheSettings()

@@ -79,9 +79,10 @@ Result deleteDetailsOf(Connection& database, qint64 masterKey);
 /// the File Cabinet.
 [[nodiscard]] ResultOf<QList<DetailRecord>>
 ownersOf(Connection& database, const QString& location, const QString& name);
-/// The rows of other add-ons at any of the places that this one recorded, oldest first; one look
-/// for a whole removal.
-[[nodiscard]] ResultOf<QList<DetailRecord>> sharersOf(Connection& database, qint64 masterKey);
+/// The rows of other add-ons at any of the places that this one recorded (\a details, all of them),
+/// oldest first; one look for a whole removal.
+[[nodiscard]] ResultOf<QList<DetailRecord>> sharersOf(Connection& database,
+                                                      const QList<DetailRecord>& details);
 [[nodiscard]] ResultOf<QList<DetailRecord>>
 byPreferredPlace(Connection& database, const QString& location, const QString& name);
 [[nodiscard]] ResultOf<QList<DetailRecord>> byInstalledName(Connection& database,
@@ -89,8 +90,9 @@ byPreferredPlace(Connection& database, const QString& location, const QString& n
 
 Result setCheck(Connection& database, qint64 detailKey, const Fingerprint& check);
 [[nodiscard]] std::optional<Fingerprint> checkOf(Connection& database, qint64 detailKey);
-/// Every check of the add-on's files, by detail key.
-[[nodiscard]] ResultOf<QHash<qint64, Fingerprint>> checksOf(Connection& database, qint64 masterKey);
+/// The checks of these files, by detail key. As detailsOf() gives them, at the least cost.
+[[nodiscard]] ResultOf<QHash<qint64, Fingerprint>> checksOf(Connection& database,
+                                                            const QList<DetailRecord>& details);
 
 // --- what was kept ---
 

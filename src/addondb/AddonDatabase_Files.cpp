@@ -2,6 +2,8 @@
 #include "addondb/AddonDatabase.h"
 #include "addondb/DatabaseSteps.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace vt::modDatabase_Addon {
@@ -42,16 +44,37 @@ void writeDetail(Recordset& rows, const DetailRecord& detail)
 }
 
 /// The rows from the present one on, as far as the walk goes.
+Result collect(QList<DetailRecord>& details, Recordset& rows, bool any)
+{
+    for (bool more = any; more; more = rows.moveNext()) {
+        details.push_back(
+            readDetail(rows, details.isEmpty() ? QString() : details.constLast().location));
+    }
+    return rows.error() ? Result::success()
+                        : databaseFailure(u"Could not open the addon details table."_s);
+}
+
 ResultOf<QList<DetailRecord>> collected(Recordset& rows, bool any)
 {
     QList<DetailRecord> details;
-    for (bool more = any; more; more = rows.moveNext()) {
-        details.push_back(
-            readDetail(rows, details.isEmpty() ? QString() : details.back().location));
-    }
-    if (!rows.error())
-        return databaseFailure(u"Could not open the addon details table."_s);
+    if (Result done = collect(details, rows, any); !done)
+        return done;
     return details;
+}
+
+ResultOf<QList<RowRun>> runsOf(Connection& database, qint64 masterKey)
+{
+    Recordset rows(database, Table::Addon_Details);
+    rows.setIndex(Index::Addon_Details_Addon_Master_Key);
+    return rows.runsMatching({masterKey});
+}
+
+QList<RowRun> runsOf(const QList<DetailRecord>& details)
+{
+    QList<RowRun> runs;
+    for (const DetailRecord& detail : details)
+        addToRuns(runs, detail.key);
+    return runs;
 }
 
 ResultOf<QList<DetailRecord>>
@@ -180,7 +203,18 @@ std::optional<DetailRecord> detail(Connection& database, qint64 detailKey)
 
 ResultOf<QList<DetailRecord>> detailsOf(Connection& database, qint64 masterKey)
 {
-    return detailsBy(database, Index::Addon_Details_Addon_Master_Key, {masterKey});
+    const ResultOf<QList<RowRun>> runs = runsOf(database, masterKey);
+    if (!runs)
+        return databaseFailure(u"Could not open the addon details table."_s);
+    QList<DetailRecord> details;
+    Recordset rows(database, Table::Addon_Details);
+    for (const RowRun& run : *runs) {
+        details.reserve(details.size() + run.size());
+        const bool any = rows.seekRun(run);
+        if (Result done = collect(details, rows, any); !done)
+            return done;
+    }
+    return details;
 }
 
 ResultOf<QList<DetailRecord>>
@@ -197,10 +231,15 @@ ownersOf(Connection& database, const QString& location, const QString& name)
     return rows;
 }
 
-ResultOf<QList<DetailRecord>> sharersOf(Connection& database, qint64 masterKey)
+ResultOf<QList<DetailRecord>> sharersOf(Connection& database, const QList<DetailRecord>& details)
 {
+    if (details.isEmpty())
+        return QList<DetailRecord>();
+    const QList<RowRun> runs = runsOf(details);
+    const RowRun longest = *std::max_element(
+        runs.cbegin(), runs.cend(), [](RowRun a, RowRun b) { return a.size() < b.size(); });
     Recordset rows(database, Table::Addon_Details);
-    const bool any = rows.seekAtSamePlaces(masterKey);
+    const bool any = rows.seekAtSamePlaces(details.constFirst().masterKey, longest);
     return collected(rows, any);
 }
 
@@ -246,8 +285,7 @@ Result deleteDetailsOf(Connection& database, qint64 masterKey)
     return database.together([&]() -> Result {
         Recordset checks(database, Table::Vantrel_Checks);
         Recordset rows(database, Table::Addon_Details);
-        rows.setIndex(Index::Addon_Details_Addon_Master_Key);
-        const ResultOf<QList<RowRun>> runs = rows.runsMatching({masterKey});
+        const ResultOf<QList<RowRun>> runs = runsOf(database, masterKey);
         bool deleted = runs.ok();
         for (const RowRun& run : deleted ? *runs : QList<RowRun>())
             deleted = deleted && checks.deleteRun(run) && rows.deleteRun(run);
@@ -285,16 +323,13 @@ std::optional<Fingerprint> checkOf(Connection& database, qint64 detailKey)
     return readCheck(rows);
 }
 
-ResultOf<QHash<qint64, Fingerprint>> checksOf(Connection& database, qint64 masterKey)
+ResultOf<QHash<qint64, Fingerprint>> checksOf(Connection& database,
+                                              const QList<DetailRecord>& details)
 {
     QHash<qint64, Fingerprint> checks;
-    Recordset details(database, Table::Addon_Details);
-    details.setIndex(Index::Addon_Details_Addon_Master_Key);
-    const ResultOf<QList<RowRun>> runs = details.runsMatching({masterKey});
-    if (!runs)
-        return databaseFailure(u"Could not open the addon details table."_s);
+    checks.reserve(details.size());
     Recordset rows(database, Table::Vantrel_Checks);
-    for (const RowRun& run : *runs) {
+    for (const RowRun& run : runsOf(details)) {
         for (bool more = rows.seekRun(run); more; more = rows.moveNext())
             checks.insert(rows.number(Field::Addon_Details_Key), readCheck(rows));
         if (!rows.error())

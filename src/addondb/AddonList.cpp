@@ -183,7 +183,8 @@ ResultOf<AddonItems> AddonItems::load(Connection& database, qint64 masterKey)
     if (!details)
         return details.error();
     items.m_details = std::move(*details);
-    ResultOf<QHash<qint64, Fingerprint>> checks = modDatabase_Addon::checksOf(database, masterKey);
+    ResultOf<QHash<qint64, Fingerprint>> checks =
+        modDatabase_Addon::checksOf(database, items.m_details);
     if (!checks)
         return checks.error();
     items.m_checks = std::move(*checks);
@@ -193,7 +194,7 @@ ResultOf<AddonItems> AddonItems::load(Connection& database, qint64 masterKey)
     for (const OriginalRecord& original : *originals)
         items.m_replaced.insert(original.detailKey);
 
-    const auto sharers = modDatabase_Addon::sharersOf(database, masterKey);
+    const auto sharers = modDatabase_Addon::sharersOf(database, items.m_details);
     if (!sharers)
         return sharers.error();
     if (sharers->isEmpty())

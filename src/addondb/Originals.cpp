@@ -92,10 +92,10 @@ QString keptName(const Gate& gate, const QString& keptFolder, const QString& pat
     return keptFolder + relative;
 }
 
-ResultOf<Sharers> Sharers::load(Connection& database, qint64 masterKey)
+ResultOf<Sharers> Sharers::load(Connection& database, const QList<DetailRecord>& details)
 {
     Sharers out;
-    const ResultOf<QList<DetailRecord>> rows = modDatabase_Addon::sharersOf(database, masterKey);
+    const ResultOf<QList<DetailRecord>> rows = modDatabase_Addon::sharersOf(database, details);
     if (!rows)
         return rows.error();
     QHash<qint64, bool> standing;

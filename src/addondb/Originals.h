@@ -29,7 +29,8 @@ namespace vt::originals {
 class Sharers
 {
 public:
-    [[nodiscard]] static ResultOf<Sharers> load(Connection& database, qint64 masterKey);
+    [[nodiscard]] static ResultOf<Sharers> load(Connection& database,
+                                                const QList<DetailRecord>& details);
 
     /// Oldest first; empty for a file of this add-on alone.
     [[nodiscard]] QList<DetailRecord> at(const QString& path) const;

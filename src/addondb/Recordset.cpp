@@ -156,11 +156,11 @@ bool Recordset::seekRun(RowRun run)
     });
 }
 
-bool Recordset::seekAtSamePlaces(qint64 masterKey)
+bool Recordset::seekAtSamePlaces(qint64 masterKey, RowRun own)
 {
     Q_ASSERT(m_table == Table::Addon_Details);
     m_index = primaryKeyOf(m_table);
-    return start(Kind::SamePlaces, {masterKey}, [] { return QByteArray(); });
+    return start(Kind::SamePlaces, {masterKey, own.first, own.last}, [] { return QByteArray(); });
 }
 
 bool Recordset::moveFirst()
@@ -469,6 +469,14 @@ Result Recordset::deleteAllMatching(std::initializer_list<FieldValue> keys)
         Kind::DeleteMatching, keys, [&] { return schema::equalTo(m_index, keys.size()); });
 }
 
+void addToRuns(QList<RowRun>& runs, qint64 key)
+{
+    if (!runs.isEmpty() && runs.constLast().last + 1 == key)
+        runs.last().last = key;
+    else
+        runs.push_back({key, key});
+}
+
 ResultOf<QList<RowRun>> Recordset::runsMatching(std::initializer_list<FieldValue> keys)
 {
     m_error = {};
@@ -485,11 +493,7 @@ ResultOf<QList<RowRun>> Recordset::runsMatching(std::initializer_list<FieldValue
         code = sqlite3_step(rows.get());
     }
     for (; code == SQLITE_ROW; code = sqlite3_step(rows.get())) {
-        const qint64 row = sqlite3_column_int64(rows.get(), 0);
-        if (!runs.isEmpty() && runs.last().last + 1 == row)
-            runs.last().last = row;
-        else
-            runs.push_back({row, row});
+        addToRuns(runs, sqlite3_column_int64(rows.get(), 0));
     }
     if (code == SQLITE_DONE)
         return runs;

@@ -51,7 +51,12 @@ struct RowRun
 {
     qint64 first = 0;
     qint64 last = 0;
+
+    [[nodiscard]] qint64 size() const { return last - first + 1; }
 };
+
+/// Takes up one more key, which lies above those of the \a runs.
+void addToRuns(QList<RowRun>& runs, qint64 key);
 
 class Recordset
 {
@@ -73,8 +78,8 @@ public:
     /// The first row of the run; moveNext() stays in it.
     bool seekRun(RowRun run);
     /// Addon_Details only: the rows of other add-ons at the places of this one's rows, oldest
-    /// first.
-    bool seekAtSamePlaces(qint64 masterKey);
+    /// first. What lies in \a own is this one's alone, which saves looking at it again.
+    bool seekAtSamePlaces(qint64 masterKey, RowRun own);
     bool moveFirst();
     /// The last row; moveNext() after it ends the walk.
     bool moveLast();

@@ -187,6 +187,7 @@ QByteArray atSamePlaces()
            " = vt_place(mine.\"Installed_To_Location\", mine.\"Installed_To_FileName\")"
            " AND other.\"Installed_To_Location\" = mine.\"Installed_To_Location\""
            " AND other.\"Installed_To_FileName\" = mine.\"Installed_To_FileName\""
+           " AND other.rowid NOT BETWEEN ?2 AND ?3"
            " WHERE mine.\"Addon_Master_Key\" = ?1 AND other.\"Addon_Master_Key\" <> ?1"
            " ORDER BY other.rowid";
 }

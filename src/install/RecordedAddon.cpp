@@ -55,13 +55,17 @@ ResultOf<RecordedAddon> RecordedAddon::load(Connection& database, qint64 masterK
     if (!record)
         return record.error();
     const ResultOf<QList<DetailRecord>> files = detailsOf(database, masterKey);
-    const ResultOf<QHash<qint64, Fingerprint>> checks = checksOf(database, masterKey);
     const ResultOf<QList<OriginalRecord>> kept = originalsOf(database, masterKey);
     const ResultOf<QList<SceneryAreaRecord>> areas = sceneryAreasOf(database, masterKey);
     const ResultOf<QList<PictureRecord>> pictures = picturesOf(database, masterKey);
-    ResultOf<originals::Sharers> sharers = originals::Sharers::load(database, masterKey);
-    if (!files || !checks || !kept || !areas || !pictures || !sharers)
+    if (!files || !kept || !areas || !pictures)
         return Result::failure(u"Could not open the addon details table."_s);
+    const ResultOf<QHash<qint64, Fingerprint>> checks = checksOf(database, *files);
+    if (!checks)
+        return checks.error();
+    const ResultOf<originals::Sharers> sharers = originals::Sharers::load(database, *files);
+    if (!sharers)
+        return sharers.error();
     out.record = *record;
     out.files = *files;
     out.checks = *checks;

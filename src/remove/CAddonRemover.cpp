@@ -14,6 +14,7 @@
 #include "simconfig/CSceneryCfgMgr.h"
 
 #include <algorithm>
+#include <chrono>
 #include <numeric>
 
 using namespace Qt::StringLiterals;
@@ -23,6 +24,8 @@ namespace vt {
 namespace {
 
 constexpr qint64 libraryLimit = 64LL * 1024 * 1024;
+/// A removal of some thousand files is over before; a question in its middle takes longer.
+constexpr std::chrono::seconds lookIsGoodFor{1};
 
 QString areaSubject(const SceneryAreaRecord& area)
 {
@@ -157,13 +160,15 @@ Result CAddonRemover::loadRecords()
 {
     const ResultOf<QList<DetailRecord>> details =
         modDatabase_Addon::detailsOf(m_database, m_masterKey);
-    const ResultOf<QHash<qint64, Fingerprint>> checks =
-        modDatabase_Addon::checksOf(m_database, m_masterKey);
     const ResultOf<QList<OriginalRecord>> kept =
         modDatabase_Addon::originalsOf(m_database, m_masterKey);
-    if (!details || !checks || !kept)
+    if (!details || !kept)
         return Result::failure(u"Could not open the addon details table."_s);
-    const ResultOf<originals::Sharers> sharers = originals::Sharers::load(m_database, m_masterKey);
+    const ResultOf<QHash<qint64, Fingerprint>> checks =
+        modDatabase_Addon::checksOf(m_database, *details);
+    if (!checks)
+        return checks.error();
+    const ResultOf<originals::Sharers> sharers = originals::Sharers::load(m_database, *details);
     if (!sharers)
         return sharers.error();
     m_sharers = *sharers;
@@ -218,6 +223,7 @@ Result CAddonRemover::AddonDatabase_Open()
         return Result::failure(u"Could not open the addon database."_s, ErrorKind::Surroundings);
     m_journal = std::make_unique<JournalTable>(m_database, m_context.services.gate);
     m_actions = std::make_unique<FileTransaction>(m_context.services.gate, *m_journal);
+    m_actions->believeLooks(lookIsGoodFor);
     return Result::success();
 }
 

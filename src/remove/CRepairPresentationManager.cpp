@@ -63,7 +63,7 @@ Result CRepairPresentationManager::Setup(qint64 masterKey)
     if (!recorded)
         return recorded.error();
     const ResultOf<QHash<qint64, Fingerprint>> checks =
-        modDatabase_Addon::checksOf(m_database, masterKey);
+        modDatabase_Addon::checksOf(m_database, recorded->details());
     if (!checks)
         return checks.error();
     Services& services = m_context.services;

@@ -49,9 +49,11 @@ Result Foresight::load(const Catalogue& catalogue)
 {
     const auto details = modDatabase_Addon::detailsOf(m_database, m_addon.key);
     const auto kept = modDatabase_Addon::originalsOf(m_database, m_addon.key);
-    const auto sharers = originals::Sharers::load(m_database, m_addon.key);
-    if (!details || !kept || !sharers)
+    if (!details || !kept)
         return Result::failure(u"Could not open the addon details table."_s);
+    const auto sharers = originals::Sharers::load(m_database, *details);
+    if (!sharers)
+        return sharers.error();
     m_sharers = *sharers;
     for (const OriginalRecord& original : *kept)
         m_originals.insert(original.detailKey, original);

@@ -232,7 +232,7 @@ private Q_SLOTS:
         const auto read = detailsOf(*m_database, addon.key);
         QCOMPARE(read->size(), 3);
         QCOMPARE(read->at(2).location + read->at(2).filename, u"C:\\b\\ 3"_s);
-        const auto stored = checksOf(*m_database, addon.key);
+        const auto stored = checksOf(*m_database, *read);
         QCOMPARE(stored->size(), 2);
         QCOMPARE(stored->value(6), checks.at(2));
         QCOMPARE(checkOf(*m_database, 5), std::nullopt);
@@ -267,7 +267,7 @@ private Q_SLOTS:
         QCOMPARE(byInstalledName(*m_database, u"SMOKE.FX"_s)->size(), 3);
         QCOMPARE(byPreferredPlace(*m_database, effects, u"only2.fx"_s)->size(), 1);
 
-        const auto sharers = sharersOf(*m_database, two.key);
+        const auto sharers = sharersOf(*m_database, *detailsOf(*m_database, two.key));
         QCOMPARE(sharers->size(), 2);
         QCOMPARE(sharers->at(0).masterKey, one.key);
         QCOMPARE(sharers->at(1).masterKey, three.key);

@@ -2,6 +2,7 @@
 
 #include "cli/Command.h"
 #include "cli/Console.h"
+#include "platform/Utf8.h"
 #include "shell/Results.h"
 
 using namespace Qt::StringLiterals;
@@ -91,7 +92,14 @@ void World::say(const QString& line)
 {
     if (m_options.json)
         return;
-    m_said += line.toUtf8() + '\n';
+    sayPieces({line});
+}
+
+void World::sayPieces(std::initializer_list<QStringView> pieces)
+{
+    for (const QStringView piece : pieces)
+        appendUtf8(m_said, piece);
+    m_said += '\n';
     if (m_said.size() >= sayPiece)
         beforeOutput();
 }
@@ -105,7 +113,7 @@ void World::say(const Results& results)
             continue;
         say(group.name + u':');
         for (const Results::Entry& entry : group.entries)
-            say(u"  "_s + entry.text());
+            sayPieces({u"  ", entry.subject, entry.phrase});
     }
 }
 

@@ -8,6 +8,9 @@
 
 #include <QJsonObject>
 #include <QString>
+#include <QStringView>
+
+#include <initializer_list>
 
 namespace vt {
 class Results;
@@ -64,6 +67,10 @@ public:
     int failElement(const Result& failed);
     /// After the command: completes the JSON document, clears the progress bar.
     void finish();
+
+private:
+    /// One line.
+    void sayPieces(std::initializer_list<QStringView> pieces);
 };
 
 } // namespace vt::cli

@@ -97,7 +97,9 @@ ResultOf<QList<StepFailure>> FileTransaction::apply(const QByteArray& closing,
     m_folders.clear();
     m_last = {};
     m_pending.clear();
-    const StepRunner::Completion done = StepRunner(m_gate, operation).complete(m_journal, steps);
+    StepRunner runner(m_gate, operation);
+    runner.believeUntil(m_believedUntil.value_or(QDeadlineTimer()));
+    const StepRunner::Completion done = runner.complete(m_journal, steps);
     m_gate.files().newOperation();
     if (!done.unfinished.isEmpty())
         m_closingFailure = u"The files were changed, but the work could not be ended: "_s +

@@ -10,10 +10,13 @@
 #include "platform/Journal.h"
 #include "platform/PendingFiles.h"
 
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QSet>
 
+#include <chrono>
 #include <memory>
+#include <optional>
 
 namespace vt {
 
@@ -60,8 +63,14 @@ public:
     Result keepReplaced(const QString& from, const QString& to);
     Result copy(const QString& from, const QString& to) override;
     Result remove(const QString& path) override;
-    /// As remove(), when the caller knows what the file is to be; another one is left alone.
+    /// As remove(), when the caller has just looked at the file (\a before); another one is left
+    /// alone.
     Result removeKnown(const QString& path, const Fingerprint& before);
+
+    /// For so long apply() believes what removeKnown() was told; after that it looks at each file
+    /// again before it deletes it. Not at all unless said.
+    void believeLooks(std::chrono::milliseconds time) { m_believed = time; }
+
     Result makeFolder(const QString& folder) override;
     Result removeEmptyFolder(const QString& folder) override;
     /// \a from becomes \a to, which may exist (\a before: what lies there now), with its times and
@@ -147,6 +156,8 @@ private:
     PendingFiles m_pending;
     QString m_lastFolder; ///< as folderFor() was last asked, and its answer
     Folder m_last;
+    std::chrono::milliseconds m_believed{0};
+    std::optional<QDeadlineTimer> m_believedUntil; ///< counted from the first removeKnown()
     QSet<NoCase> m_told;
     Result m_syncFailure; ///< nothing is applied any more
     QStringList m_keptFolders;

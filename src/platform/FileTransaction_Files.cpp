@@ -251,6 +251,8 @@ Result FileTransaction::removeKnown(const QString& path, const Fingerprint& befo
     step.kind = StepKind::RemoveFile;
     step.target = *target;
     step.before = before;
+    if (!m_believedUntil)
+        m_believedUntil = QDeadlineTimer(m_believed);
     PendingFile pending;
     pending.fate = PendingFate::Removed;
     pending.step = m_steps.size();

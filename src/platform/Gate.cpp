@@ -63,6 +63,7 @@ void Gate::setRoot(RootId id, const QString& folder)
     m_realRoots.clear();
     m_placedFolders.clear();
     m_lastFolder.clear();
+    m_lastPath.clear();
     if (id != RootId::Chosen) {
         for (Root& root : m_roots) {
             if (root.id == id) {
@@ -104,6 +105,9 @@ const Gate::Root* Gate::covering(QStringView path) const
 
 ResultOf<Place> Gate::place(QStringView path) const
 {
+    // One file is asked about several times in a row.
+    if (path == m_lastPath && !m_lastPath.isEmpty())
+        return m_lastFound;
     // Of a second file in one folder only the name is new.
     const qsizetype cut = path.lastIndexOf(u'\\');
     const QStringView folder = path.first(cut + 1);
@@ -115,10 +119,11 @@ ResultOf<Place> Gate::place(QStringView path) const
     if (!name.isEmpty() && m_lastPlace.root != RootId::None) {
         if (Result checked = winpath::checkComponent(name); !checked)
             return refusedName(path, checked);
-        Place place = m_lastPlace;
-        place.relative.reserve(place.relative.size() + name.size());
-        place.relative += name;
-        return place;
+        m_lastPath = path.toString();
+        m_lastFound = m_lastPlace;
+        m_lastFound.relative.reserve(m_lastPlace.relative.size() + name.size());
+        m_lastFound.relative += name;
+        return m_lastFound;
     }
     ResultOf<Place> found = placeAnew(path);
     const auto liesBelowFolder = [&folder](const Root& root) {

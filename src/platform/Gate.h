@@ -13,6 +13,7 @@
 #include <QSet>
 #include <QString>
 
+#include <concepts>
 #include <functional>
 #include <optional>
 
@@ -104,6 +105,13 @@ public:
         return faultHook ? faultHook(action, host) : 0;
     }
 
+    /// \a host makes the path when it is wanted.
+    template <std::invocable Host>
+    [[nodiscard]] int fault(const char* action, const Host& host) const
+    {
+        return faultHook ? faultHook(action, host()) : 0;
+    }
+
 private:
     struct Root
     {
@@ -122,6 +130,8 @@ private:
     mutable QHash<QString, Place> m_placedFolders;
     mutable QString m_lastFolder; ///< as place() was last asked, with what is known of it
     mutable Place m_lastPlace;
+    mutable QString m_lastPath; ///< the last file in a known folder, and where it lies
+    mutable Place m_lastFound;
     mutable QSet<QByteArray> m_insideFolders;       ///< host folders already seen to lie inside
     mutable QHash<QString, QByteArray> m_realRoots; ///< where the roots lie, all links resolved
     mutable quint64 m_insideEpoch = 0;              ///< of the files, when both were seen

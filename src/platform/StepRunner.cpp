@@ -51,9 +51,8 @@ template <typename Take> int eachEntry(const QByteArray& folder, const Take& tak
 
 /// Whether the file is the one described. Size and time decide; a hash decides where they differ
 /// in time alone.
-bool isTheFile(const std::optional<struct stat>& st,
-               const QByteArray& host,
-               const Fingerprint& print)
+template <std::invocable Host>
+bool isTheFile(const std::optional<struct stat>& st, const Host& host, const Fingerprint& print)
 {
     if (!st)
         return print.size < 0;
@@ -63,7 +62,7 @@ bool isTheFile(const std::optional<struct stat>& st,
         return true;
     if (print.xxh3.isEmpty())
         return false;
-    const ResultOf<Fingerprint> now = hostfile::fingerprint(host);
+    const ResultOf<Fingerprint> now = hostfile::fingerprint(host());
     return now && now->xxh3 == print.xxh3;
 }
 
@@ -99,7 +98,8 @@ Result removeStaged(const QByteArray& folder, const QByteArray& prefix)
 
 bool StepRunner::Target::is(const Fingerprint& print) const
 {
-    return isTheFile(now, host(), print);
+    return isTheFile(
+        now, [this] { return host(); }, print);
 }
 
 QByteArray stagedPrefix(qint64 operation)
@@ -188,14 +188,19 @@ ResultOf<StepRunner::Target> StepRunner::locate(const Place& place)
 {
     const qsizetype cut = place.relative.lastIndexOf(u'\\');
     const QStringView name = QStringView(place.relative).sliced(cut + 1);
-    const QString key = QChar(char16_t(place.root)) + place.relative.first(qMax<qsizetype>(cut, 0));
+    const QStringView above = QStringView(place.relative).first(qMax<qsizetype>(cut, 0));
     Target target;
     target.name = name.toUtf8();
-    if (const auto known = m_folders.constFind(key); known != m_folders.cend()) {
+    if (!m_last || place.root != m_lastRoot || above != m_lastFolder) {
+        m_lastRoot = place.root;
+        m_lastFolder = above.toString();
+        m_last = m_folders.value(QChar(char16_t(place.root)) + m_lastFolder);
+    }
+    if (m_last) {
         // The gate looks at the whole path once a folder, at the name alone for its neighbours.
         if (Result checked = winpath::checkComponent(name); !checked)
             return checked;
-        target.in = *known;
+        target.in = m_last;
     } else {
         const ResultOf<QByteArray> host = m_gate.hostPath(place);
         if (!host)
@@ -205,17 +210,23 @@ ResultOf<StepRunner::Target> StepRunner::locate(const Place& place)
         target.in->fd = hostfile::openFolder(target.in->host);
         if (m_folders.size() >= maxOpenFolders)
             m_folders.clear();
-        if (target.in->fd.valid())
-            m_folders.insert(key, target.in);
+        if (target.in->fd.valid()) {
+            m_last = target.in;
+            m_folders.insert(QChar(char16_t(place.root)) + m_lastFolder, m_last);
+        }
     }
     target.folder = target.in->fd.get();
+    return target;
+}
+
+void StepRunner::look(Target& target, const Place& place) const
+{
     target.now = entryAt(target.folder, target.name);
     if (target.folder >= 0 && !target.now) {
         const QByteArray own = m_gate.files().hostPath(m_gate.path(place));
         target.name = own.sliced(own.lastIndexOf('/') + 1);
         target.now = entryAt(target.folder, target.name);
     }
-    return target;
 }
 
 void StepRunner::noteChanged(const Target& target)
@@ -228,11 +239,21 @@ Result StepRunner::carryOut(const JournalStep& step)
 {
     if (step.kind == StepKind::StagingFolder || step.kind == StepKind::KeptFolder)
         return Result::success();
-    const ResultOf<Target> target = locate(step.target);
+    ResultOf<Target> target = locate(step.target);
     if (!target)
         return target.error();
-    if (const int error = m_gate.fault("carry out", target->host()))
+    const bool believed = step.kind == StepKind::RemoveFile && !m_believed.hasExpired();
+    if (!believed)
+        look(*target, step.target);
+    if (const int error = m_gate.fault("carry out", [&] { return target->host(); }))
         return systemFailure(error);
+    if (believed) {
+        if (unlinkat(target->folder, target->name.constData(), 0) == 0) {
+            noteChanged(*target);
+            return Result::success();
+        }
+        look(*target, step.target);
+    }
     switch (step.kind) {
     case StepKind::PlaceFile:
     case StepKind::PlaceFirst:
@@ -284,9 +305,11 @@ Result StepRunner::placeFolder(const JournalStep& step, const Target& target)
     if (!entryAt(at, staged))
         return target.now ? Result::success() : changedMeanwhile();
     const int error =
-        target.now ? EEXIST
-                   : hostfile::renameNew(
-                         at, staged, at, target.name, m_gate.fault("rename new", target.host()));
+        target.now
+            ? EEXIST
+            : hostfile::renameNew(at, staged, at, target.name, m_gate.fault("rename new", [&] {
+                  return target.host();
+              }));
     if (error != EEXIST && error != ENOTEMPTY)
         return error == 0 ? Result::success() : systemFailure(error);
     // The folder came to life meanwhile: its files keep their place, ours join them.
@@ -385,7 +408,8 @@ Result StepRunner::removeSource(const JournalStep& step, const Target& target)
     const auto now = entryAt(AT_FDCWD, *source);
     if (!now)
         return Result::success();
-    if (!target.is(step.after) || !isTheFile(now, *source, step.before))
+    if (!target.is(step.after) || !isTheFile(
+                                      now, [&] { return *source; }, step.before))
         return Result::failure(
             u"what was kept for it stays, because the file is not in its place."_s);
     if (unlink(source->constData()) != 0 && errno != ENOENT)

@@ -7,6 +7,7 @@
 #include "platform/Journal.h"
 
 #include <QByteArray>
+#include <QDeadlineTimer>
 #include <QList>
 #include <QSet>
 
@@ -20,6 +21,9 @@ class StepRunner
 {
 public:
     StepRunner(Gate& gate, qint64 operation) : m_gate(gate), m_operation(operation) {}
+
+    /// Until then files that are to go are taken for what their steps expect.
+    void believeUntil(QDeadlineTimer time) { m_believed = time; }
 
     /// What became of an operation that was committed.
     struct Completion
@@ -49,8 +53,8 @@ private:
         bool changed = false;
     };
 
-    /// A step's target: its folder, the name of the entry as spelled on the disk, and what lies
-    /// there.
+    /// A step's target: its folder, and once it was looked at the name of the entry as spelled on
+    /// the disk, and what lies there.
     struct Target
     {
         std::shared_ptr<Folder> in;
@@ -63,7 +67,9 @@ private:
         [[nodiscard]] bool is(const Fingerprint& print) const;
     };
 
+    /// Where the target lies, as its place spells it, not looked at yet.
     ResultOf<Target> locate(const Place& place);
+    void look(Target& target, const Place& place) const;
     Result carryOut(const JournalStep& step);
     void leaveOthers(const QList<JournalStep>& steps, const JournalStep& first);
     Result placeFile(const JournalStep& step, const Target& target);
@@ -82,9 +88,13 @@ private:
 
     Gate& m_gate;
     qint64 m_operation;
+    QDeadlineTimer m_believed; ///< over from the beginning
     QList<StepFailure> m_failures;
     bool m_merged = false; ///< a staged folder was emptied instead of renamed
     QHash<QString, std::shared_ptr<Folder>> m_folders; ///< by root and relative path
+    RootId m_lastRoot = RootId::None; ///< as locate() was last asked, and what it had open
+    QString m_lastFolder;
+    std::shared_ptr<Folder> m_last;
     QSet<QByteArray> m_changedFolders;
 };
 

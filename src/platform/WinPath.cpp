@@ -26,6 +26,8 @@ bool isDeviceName(QStringView component)
         stem = component.first(dot);
     while (stem.endsWith(u' '))
         stem.chop(1);
+    if (stem.size() != 3 && stem.size() != 4)
+        return false;
     for (const QStringView device : {u"con"_s, u"prn"_s, u"aux"_s, u"nul"_s})
         if (equalNoCase(stem, device))
             return true;

@@ -96,6 +96,7 @@ private:
         DetailRecord detail;
         QString path; ///< full
         RemovalOutcome outcome = RemovalOutcome::Removed;
+        bool mayBeUsed = false;     ///< by something else, going by its type and place
         bool editedInPlace = false; ///< our part went out of it, the file itself stays
     };
 
@@ -183,7 +184,7 @@ private:
     Result recordVariants();
     void tellVariants(const QList<StepFailure>& failures);
     void findUsers();
-    [[nodiscard]] bool isUsedByOthers(const QString& path) const;
+    [[nodiscard]] bool isUsedByOthers(const File& file) const;
     Result RemoveFile(File& file);
     void prepareRelease();
     Result releaseFile(File& file, const std::optional<FileInfo>& now);

@@ -146,10 +146,12 @@ void CAddonRemover::findUsers()
 {
     QStringList asked;
     m_going.masterKey = m_masterKey;
-    for (const File& file : m_files) {
+    m_going.files.reserve(qsizetype(m_files.size()));
+    for (File& file : m_files) {
         const QString& path = file.path;
         m_going.files.insert(NoCase{path});
-        if (mayBeUsed(m_context.global, path))
+        file.mayBeUsed = mayBeUsed(m_context.global, path);
+        if (file.mayBeUsed)
             asked.append(path);
         const TypeGroup type = typeGroupOf(classify(file.detail.name, m_context.global.generation));
         const bool part =
@@ -169,9 +171,9 @@ void CAddonRemover::findUsers()
     m_used = std::make_unique<UsedFiles>(*m_catalogue, m_going.files, asked);
 }
 
-bool CAddonRemover::isUsedByOthers(const QString& path) const
+bool CAddonRemover::isUsedByOthers(const File& file) const
 {
-    return m_used && mayBeUsed(m_context.global, path) && m_used->isUsed(path);
+    return m_used && file.mayBeUsed && m_used->isUsed(file.path);
 }
 
 Result CAddonRemover::RemoveFile(File& file)
@@ -227,7 +229,7 @@ Result CAddonRemover::releaseFile(File& file, const std::optional<FileInfo>& now
     const auto logDependence = [&] {
         m_log.line({u"   ", path, u" has another addon(s) that depend on it"});
     };
-    if (now && kept == m_originals.cend() && isUsedByOthers(path)) {
+    if (now && kept == m_originals.cend() && isUsedByOthers(file)) {
         logDependence();
         file.outcome = RemovalOutcome::KeptForOthers;
         return Result::success();

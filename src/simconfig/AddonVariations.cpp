@@ -83,7 +83,6 @@ QStringList files(const ConfigAccess& access, const QList<DetailRecord>& details
     });
     QString lastFolder;
     for (const DetailRecord& detail : details) {
-        const QString path = detail.location + detail.name;
         if (any && detail.location != lastFolder) {
             // Should the data file be lost: textures lie in their aircraft's folder.
             lastFolder = detail.location;
@@ -96,11 +95,11 @@ QStringList files(const ConfigAccess& access, const QList<DetailRecord>& details
             }
         }
         if (equalNoCase(detail.name, u"aircraft.cfg") || equalNoCase(detail.name, u"sim.cfg"))
-            add(path);
+            add(detail.location + detail.name);
         if (!equalNoCase(detail.filename, dataFilename()))
             continue;
         const profile::ProfileFile data =
-            modRoutines_INI::profileOf(access.actions, access.ansi, path);
+            modRoutines_INI::profileOf(access.actions, access.ansi, detail.location + detail.name);
         for (const QString& section : data.sections())
             add(data.value(section, u"file", u"").text);
     }

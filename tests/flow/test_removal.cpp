@@ -346,6 +346,37 @@ private Q_SLOTS:
         QCOMPARE(changes(), QStringList());
     }
 
+    /// Between the plan and its steps: what went is gone, what became something else stays.
+    void filesThatTurnMeanwhile_areLeftAlone()
+    {
+        const qint64 key = install(u"turning.zip"_s,
+                                   {{u"Effects/fx_a.fx"_s, "a"},
+                                    {u"Effects/fx_b.fx"_s, "b"},
+                                    {u"Effects/fx_c.fx"_s, "c"}});
+        const QString folder = m_world->hostPath(u"Effects/fx_b.fx"_s);
+        m_world->gate.faultHook = [&](const char*, const QByteArray& host) {
+            if (host == "apply") {
+                QFile::remove(m_world->hostPath(u"Effects/fx_a.fx"_s));
+                QFile::remove(folder);
+                QDir().mkdir(folder);
+                QFile::rename(m_world->hostPath(u"Effects/fx_c.fx"_s),
+                              m_world->hostPath(u"Effects/FX_C.fx"_s));
+            }
+            return 0;
+        };
+        QVERIFY(m_world->remove(key));
+        m_world->gate.faultHook = {};
+        QVERIFY(m_world->anyFailed);
+        QVERIFY(m_world->results.texts(resultgroup::failedSpecialActions)
+                    .join(u'\n')
+                    .contains(u"was changed by another program meanwhile, so it was left alone."));
+        QVERIFY(m_world->results.texts(resultgroup::notProcessed)
+                    .join(u'\n')
+                    .contains(u"fx_b.fx was NOT removed due to an error."));
+        QVERIFY(QDir().rmdir(folder));
+        QCOMPARE(changes(), QStringList());
+    }
+
     void recreated_withItsPictureWhereTheSettingSaysSo()
     {
         for (const auto& [zip, wanted] : {std::pair{false, true}, {true, true}, {true, false}}) {

@@ -178,6 +178,8 @@ private:
     Result
     place(const EntryRef& ref, const QString& target, FileActions& actions, bool& unreadable);
 
+    [[nodiscard]] QStringList comment() const; // CZIP_Summary.cpp
+
     // CZIP_Updating.cpp
     Result add(FileActions& actions);
     Result deleteEntries(FileActions& actions);

@@ -1,4 +1,5 @@
 // The archive summary, and entries extracted to be looked at.
+#include "archive/CUnRAR.h"
 #include "archive/CZIP.h"
 #include "platform/TempFolder.h"
 #include "platform/WinPath.h"
@@ -8,6 +9,19 @@
 using namespace Qt::StringLiterals;
 
 namespace vt {
+
+/// What a RAR archive says of itself, or why that cannot be read; empty when it says nothing.
+QStringList CZIP::comment() const
+{
+    if (!m_unrar)
+        return {};
+    CTKUnrar& unrar = m_unrar->unrar();
+    QString text;
+    if (!unrar.Comment(text))
+        text = unrar.strLastErrorMsg;
+    return text.isEmpty() ? QStringList()
+                          : (u"Comment:  "_s + text.trimmed().remove(u'\r')).split(u'\n');
+}
 
 QStringList CZIP::ZIP_Summary() const
 {
@@ -34,6 +48,8 @@ QStringList CZIP::ZIP_Summary() const
         lines += u"Total Savings:  "_s +
                  bytes(file.lngTotal_SizeUncompressed - file.lngTotal_SizeCompressed);
         lines += u"Imbedded Zips?  "_s + (file.boolHasImbeddedZIPs ? u"Yes"_s : u"No"_s);
+        if (&file == &colZIPContents.front())
+            lines += comment();
         lines += QString();
         entries += file.lngTotal_Items;
         packed += file.lngTotal_SizeCompressed;

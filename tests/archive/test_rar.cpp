@@ -99,6 +99,8 @@ private Q_SLOTS:
             const auto secret = zip.entryBytes({0, 3}, 400);
             QVERIFY(!secret && secret.text.contains(u"is encrypted"_s));
 
+            QVERIFY(zip.ZIP_Summary().contains(u"Comment:  said of it"_s));
+
             CUnRAR rar(w.services);
             rar.sRARFile = u"C:\\a.rar"_s;
             QVERIFY(rar.List());

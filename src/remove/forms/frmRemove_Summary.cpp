@@ -72,8 +72,8 @@ frmRemove_Summary::frmRemove_Summary(Session& session,
     auto* right = new QWidget;
     auto* column = new QVBoxLayout(right);
     column->setContentsMargins({});
-    column->addWidget(m_about);
     column->addWidget(m_files, 1);
+    column->addWidget(m_about); // below, so that both lists begin at one height
     m_splitter = new QSplitter;
     m_splitter->setChildrenCollapsible(false);
     m_splitter->addWidget(m_addons);

@@ -5,7 +5,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
@@ -25,6 +25,23 @@ namespace {
 constexpr int comfortableLines = 36;
 /// Size in which a wizard opens where there is room, in average characters and lines.
 constexpr QSize roomySize(160, 46);
+
+/// What scrolls: lists on a page may become as low as they can before that.
+class Body final : public QWidget
+{
+public:
+    [[nodiscard]] int heightForWidth(int width) const override
+    {
+        return layout()->minimumHeightForWidth(width);
+    }
+};
+
+/// Else the page with the longest texts would say how high all of them want to be.
+class Pages final : public QStackedWidget
+{
+public:
+    [[nodiscard]] bool hasHeightForWidth() const override { return false; }
+};
 
 } // namespace
 
@@ -49,11 +66,11 @@ WizardFrame::withCaption(const QString& before, const QString& caption, const QS
 /// Steps and page; a window that is too small for them gets scroll bars, and keeps its buttons.
 void WizardFrame::buildBody()
 {
-    auto* body = new QWidget;
-    m_grid = new QGridLayout(body);
-    m_grid->setContentsMargins({});
-    m_grid->setColumnStretch(1, 1);
-    m_grid->setRowStretch(0, 1);
+    auto* body = new Body;
+    m_below = new QVBoxLayout(body); // no grid: that one never gets lower than it wants to be
+    m_below->setContentsMargins({});
+    m_beside = new QHBoxLayout;
+    m_below->addLayout(m_beside, 1);
     auto* scroll = new QScrollArea;
     scroll->setObjectName(u"WizardBody"_s);
     scroll->setWidget(body);
@@ -77,7 +94,7 @@ void WizardFrame::buildColumn()
     m_column->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_column->setFocusPolicy(Qt::NoFocus);
     m_column->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
-    m_grid->addWidget(m_column, 0, 0);
+    m_beside->addWidget(m_column);
 }
 
 void WizardFrame::buildPageArea()
@@ -92,7 +109,7 @@ void WizardFrame::buildPageArea()
     m_header->setFont(large);
     area->addWidget(m_header);
 
-    m_pages = new QStackedWidget;
+    m_pages = new Pages;
     area->addWidget(m_pages, 1);
 
     m_notice = new QWidget;
@@ -107,7 +124,7 @@ void WizardFrame::buildPageArea()
     row->addWidget(m_noticeText, 1);
     m_notice->hide();
     area->addWidget(m_notice);
-    m_grid->addLayout(area, 0, 1);
+    m_beside->addLayout(area, 1);
 
     m_hint = new QLabel;
     m_hint->setObjectName(u"lblHint"_s);
@@ -116,7 +133,7 @@ void WizardFrame::buildPageArea()
     // Two lines always, so that the page keeps its height from step to step; below the column too,
     // so that two lines are enough in a small window.
     m_hint->setMinimumHeight(2 * m_hint->fontMetrics().lineSpacing());
-    m_grid->addWidget(m_hint, 1, 0, 1, 2);
+    m_below->addWidget(m_hint);
 }
 
 void WizardFrame::buildButtons()

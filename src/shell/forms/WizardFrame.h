@@ -10,7 +10,6 @@
 #include <QString>
 
 class QBoxLayout;
-class QGridLayout;
 class QLabel;
 class QPushButton;
 class QScrollArea;
@@ -99,8 +98,9 @@ private:
 
     Frame& m_frame;
     QBoxLayout* m_whole = nullptr;
-    QGridLayout* m_grid = nullptr; ///< column and pages
-    QPointer<QWidget> m_keyTarget; ///< whose next key goes to a step
+    QBoxLayout* m_beside = nullptr; ///< column and page
+    QBoxLayout* m_below = nullptr;  ///< those, and the hint
+    QPointer<QWidget> m_keyTarget;  ///< whose next key goes to a step
     QList<StepButton*> m_steps;
     QList<QString> m_hints;
     int m_current = -1;

@@ -2,7 +2,6 @@
 
 #ifdef VT_TEST_WINDOWS
 #include <QApplication>
-#include <QStyleFactory>
 #else
 #include <QCoreApplication>
 #endif
@@ -50,8 +49,8 @@ int main(int argc, char** argv)
 #ifdef VT_TEST_WINDOWS
     // The same look on every machine.
     QApplication::setDesktopSettingsAware(false);
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication app(argc, argv);
+    QApplication::setStyle(QStringLiteral("Fusion"));
 #else
     QCoreApplication app(argc, argv);
 #endif

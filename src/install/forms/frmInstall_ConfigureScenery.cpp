@@ -43,6 +43,11 @@ frmInstall_ConfigureScenery::frmInstall_ConfigureScenery(WizardState& state, QWi
     build(nullptr, [this] { return library(); });
 }
 
+frmInstall_ConfigureScenery::~frmInstall_ConfigureScenery()
+{
+    m_title->disconnect(this); // with the focus in it, it ends its editing when it goes
+}
+
 QWidget* frmInstall_ConfigureScenery::library()
 {
     const DisplayNames& names = state().session.context().global.names;

@@ -15,6 +15,7 @@ class frmInstall_ConfigureScenery : public ConfigurePage
 
 public:
     explicit frmInstall_ConfigureScenery(WizardState& state, QWidget* parent = nullptr);
+    ~frmInstall_ConfigureScenery() override;
 
     Result leave() override;
     bool advance(bool forward) override;

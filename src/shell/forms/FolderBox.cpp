@@ -38,6 +38,11 @@ FolderBox::FolderBox(Context& context, const QString& label, QWidget* parent)
     setFocusProxy(m_line);
 }
 
+FolderBox::~FolderBox()
+{
+    m_line->disconnect(this); // with the focus in it, it ends its editing when it goes
+}
+
 void FolderBox::makeLine(const QString& label, QGridLayout* grid)
 {
     auto* caption = new QLabel(label, this);

@@ -28,6 +28,7 @@ class FolderBox : public QWidget
 public:
     /// \a context must outlive this. \a label with its access key.
     FolderBox(Context& context, const QString& label, QWidget* parent = nullptr);
+    ~FolderBox() override;
 
     /// Asked to take a folder (ends in "\", spelled as on the disk) that the user gave; the text of
     /// a refusal is shown at the line. Without it every folder is taken.

@@ -2,6 +2,9 @@
 #include "addondb/AddonDatabase.h"
 #include "addondb/DatabaseSteps.h"
 
+#include <QHash>
+#include <QSet>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -10,16 +13,16 @@ namespace vt::modDatabase_Addon {
 
 namespace {
 
-/// \a before: the folder of the row before.
-DetailRecord readDetail(const Recordset& rows, const QString& before = {})
+/// With fewer files in a folder each is looked up by itself: others may have thousands there.
+constexpr qsizetype oneByOne = 16;
+
+DetailRecord readDetail(Recordset& rows)
 {
     DetailRecord detail;
     detail.key = rows.number(Field::Addon_Details_Key);
     detail.masterKey = rows.number(Field::Addon_Master_Key);
     detail.filename = rows.text(Field::Filename);
-    detail.location = rows.text(Field::Installed_To_Location);
-    if (detail.location == before)
-        detail.location = before;
+    detail.location = rows.sharedText(Field::Installed_To_Location);
     const auto textOf = [&rows](Field field, Field other, const QString& otherText) {
         return rows.sameText(field, other) ? otherText : rows.text(field);
     };
@@ -46,10 +49,8 @@ void writeDetail(Recordset& rows, const DetailRecord& detail)
 /// The rows from the present one on, as far as the walk goes.
 Result collect(QList<DetailRecord>& details, Recordset& rows, bool any)
 {
-    for (bool more = any; more; more = rows.moveNext()) {
-        details.push_back(
-            readDetail(rows, details.isEmpty() ? QString() : details.constLast().location));
-    }
+    for (bool more = any; more; more = rows.moveNext())
+        details.push_back(readDetail(rows));
     return rows.error() ? Result::success()
                         : databaseFailure(u"Could not open the addon details table."_s);
 }
@@ -156,6 +157,54 @@ Result addAllChecks(Connection& database, qint64 first, const QList<Fingerprint>
     return Result::success();
 }
 
+QHash<NoCase, QList<const DetailRecord*>> byFolder(const QList<DetailRecord>& details)
+{
+    QHash<NoCase, QList<const DetailRecord*>> folders;
+    QList<const DetailRecord*>* neighbours = nullptr;
+    QString last;
+    for (const DetailRecord& detail : details) {
+        if (!neighbours || detail.location != last) {
+            last = detail.location;
+            neighbours = &folders[NoCase{last}];
+        }
+        neighbours->append(&detail);
+    }
+    return folders;
+}
+
+/// The rows of whatever add-on at the places of these.
+Result collectAtPlaces(QList<DetailRecord>& found,
+                       Recordset& rows,
+                       const QList<const DetailRecord*>& neighbours)
+{
+    rows.setIndex(Index::Addon_Details_Installed_To);
+    for (const DetailRecord* detail : neighbours) {
+        const bool any = rows.seek({detail->location, detail->name});
+        if (Result done = collect(found, rows, any); !done)
+            return done;
+    }
+    return Result::success();
+}
+
+/// The same for many files of one folder, in one walk over its part of the index; the rows of
+/// \a own are not looked at, as they are this add-on's.
+Result collectInFolder(QList<DetailRecord>& found,
+                       Recordset& rows,
+                       const QList<const DetailRecord*>& neighbours,
+                       RowRun own)
+{
+    QList<DetailRecord> others;
+    const bool any = rows.seekInFolder(neighbours.constFirst()->location, own);
+    if (Result done = collect(others, rows, any); !done || others.isEmpty())
+        return done;
+    QSet<NoCase> names;
+    for (const DetailRecord* detail : neighbours)
+        names.insert(NoCase{detail->name});
+    others.removeIf([&](const DetailRecord& row) { return !names.contains(NoCase{row.name}); });
+    found += others;
+    return Result::success();
+}
+
 /// One above every key that a detail row ever had.
 ResultOf<qint64> nextDetailKey(Connection& database)
 {
@@ -238,9 +287,22 @@ ResultOf<QList<DetailRecord>> sharersOf(Connection& database, const QList<Detail
     const QList<RowRun> runs = runsOf(details);
     const RowRun longest = *std::max_element(
         runs.cbegin(), runs.cend(), [](RowRun a, RowRun b) { return a.size() < b.size(); });
+    QList<DetailRecord> sharers;
     Recordset rows(database, Table::Addon_Details);
-    const bool any = rows.seekAtSamePlaces(details.constFirst().masterKey, longest);
-    return collected(rows, any);
+    for (const QList<const DetailRecord*>& neighbours : byFolder(details)) {
+        const Result found = neighbours.size() < oneByOne
+                                 ? collectAtPlaces(sharers, rows, neighbours)
+                                 : collectInFolder(sharers, rows, neighbours, longest);
+        if (!found)
+            return found;
+    }
+    sharers.removeIf([own = details.constFirst().masterKey](const DetailRecord& row) {
+        return row.masterKey == own;
+    });
+    std::sort(sharers.begin(), sharers.end(), [](const DetailRecord& a, const DetailRecord& b) {
+        return a.key < b.key;
+    });
+    return sharers;
 }
 
 ResultOf<QList<DetailRecord>>

@@ -102,9 +102,7 @@ bool Recordset::start(Kind kind,
     m_error = {};
     m_present = false;
     m_walk = {};
-    m_walk = prepared(kind, keys.size(), [&] {
-        return kind == Kind::SamePlaces ? schema::atSamePlaces() : selection() + rest();
-    });
+    m_walk = prepared(kind, keys.size(), [&] { return selection() + rest(); });
     if (!m_walk)
         return failed(m_connection.lastError().number);
     int number = 0;
@@ -156,11 +154,13 @@ bool Recordset::seekRun(RowRun run)
     });
 }
 
-bool Recordset::seekAtSamePlaces(qint64 masterKey, RowRun own)
+bool Recordset::seekInFolder(const QString& location, RowRun without)
 {
-    Q_ASSERT(m_table == Table::Addon_Details);
-    m_index = primaryKeyOf(m_table);
-    return start(Kind::SamePlaces, {masterKey, own.first, own.last}, [] { return QByteArray(); });
+    setIndex(Index::Addon_Details_Installed_To);
+    return start(Kind::Folder, {location, without.first, without.last}, [&] {
+        return " WHERE " + schema::equalTo(m_index, 1) +
+               " AND rowid NOT BETWEEN ?2 AND ?3 ORDER BY rowid";
+    });
 }
 
 bool Recordset::moveFirst()
@@ -212,6 +212,18 @@ QString Recordset::text(Field field) const
     const unsigned char* utf8 = sqlite3_column_text(m_walk.get(), column(field));
     return QString::fromUtf8(reinterpret_cast<const char*>(utf8),
                              sqlite3_column_bytes(m_walk.get(), column(field)));
+}
+
+QString Recordset::sharedText(Field field)
+{
+    Q_ASSERT(m_present);
+    const int number = column(field);
+    const auto* utf8 = reinterpret_cast<const char*>(sqlite3_column_text(m_walk.get(), number));
+    const QByteArray key =
+        QByteArray::fromRawData(utf8, sqlite3_column_bytes(m_walk.get(), number));
+    if (const auto known = m_shared.constFind(key); known != m_shared.cend())
+        return *known;
+    return *m_shared.insert(QByteArray(key.constData(), key.size()), QString::fromUtf8(key));
 }
 
 bool Recordset::sameText(Field first, Field second) const

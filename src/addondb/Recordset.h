@@ -6,6 +6,7 @@
 #include "addondb/Connection.h"
 #include "addondb/Tables.h"
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QHash>
 #include <QList>
@@ -77,9 +78,8 @@ public:
     bool seekFrom(std::initializer_list<FieldValue> keys);
     /// The first row of the run; moveNext() stays in it.
     bool seekRun(RowRun run);
-    /// Addon_Details only: the rows of other add-ons at the places of this one's rows, oldest
-    /// first. What lies in \a own is this one's alone, which saves looking at it again.
-    bool seekAtSamePlaces(qint64 masterKey, RowRun own);
+    /// Addon_Details only: the rows of files installed to a folder, but for those of the run.
+    bool seekInFolder(const QString& location, RowRun without);
     bool moveFirst();
     /// The last row; moveNext() after it ends the walk.
     bool moveLast();
@@ -91,6 +91,8 @@ public:
     [[nodiscard]] qint64 number(Field field) const;
     [[nodiscard]] bool flag(Field field) const;
     [[nodiscard]] QString text(Field field) const;
+    /// As text(), one object for all rows of equal text: for what repeats, such as folders.
+    [[nodiscard]] QString sharedText(Field field);
     /// Whether two fields of the row hold the same text, of which one object then does for both.
     [[nodiscard]] bool sameText(Field first, Field second) const;
     [[nodiscard]] QDateTime date(Field field) const;
@@ -151,7 +153,7 @@ private:
     {
         Seek,
         SeekFrom,
-        SamePlaces,
+        Folder,
         First,
         Last,
         Insert,
@@ -189,7 +191,8 @@ private:
     Table m_table;
     Index m_index;
     Statement m_walk;
-    std::vector<Slot> m_slots; ///< outlives the statement that points into it
+    QHash<QByteArray, QString> m_shared; ///< by their UTF-8
+    std::vector<Slot> m_slots;           ///< outlives the statement that points into it
     Statement m_insert;
     bool m_present = false;
     Writing m_writing = Writing::No;

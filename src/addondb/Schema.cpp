@@ -178,20 +178,6 @@ QByteArray equalTo(Index index, std::size_t keys)
     return {};
 }
 
-QByteArray atSamePlaces()
-{
-    // The comparison of texts follows the hashes, so that equal hashes of other places do no harm.
-    return "SELECT other.rowid, " + fieldList(info(Table::Addon_Details).fields, "other.") +
-           " FROM \"Addon_Details\" AS mine CROSS JOIN \"Addon_Details\" AS other"
-           " ON vt_place(other.\"Installed_To_Location\", other.\"Installed_To_FileName\")"
-           " = vt_place(mine.\"Installed_To_Location\", mine.\"Installed_To_FileName\")"
-           " AND other.\"Installed_To_Location\" = mine.\"Installed_To_Location\""
-           " AND other.\"Installed_To_FileName\" = mine.\"Installed_To_FileName\""
-           " AND other.rowid NOT BETWEEN ?2 AND ?3"
-           " WHERE mine.\"Addon_Master_Key\" = ?1 AND other.\"Addon_Master_Key\" <> ?1"
-           " ORDER BY other.rowid";
-}
-
 QByteArray atOrAfter(Index index, std::size_t keys)
 {
     const IndexInfo& about = info(index);

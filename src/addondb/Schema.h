@@ -34,9 +34,6 @@ inline constexpr int pageSize = 16384;
 [[nodiscard]] QByteArray columns(Table table);
 /// Condition: the first \a keys fields of the index equal ?1, ?2, ...
 [[nodiscard]] QByteArray equalTo(Index index, std::size_t keys);
-/// The rows of Addon_Details of other add-ons than ?1 at the places of its rows, oldest first; ?2
-/// to ?3 are rows of its own.
-[[nodiscard]] QByteArray atSamePlaces();
 /// Condition: at or after ?1, ?2, ...; not for the indexes by hash.
 [[nodiscard]] QByteArray atOrAfter(Index index, std::size_t keys);
 /// The order of the index, rows that are equal by their number. \a direction: "" or " DESC".

@@ -212,6 +212,15 @@ Gate::linkOut(const Root& root, QStringView folder, const QByteArray& host) cons
     }
     if (m_insideFolders.contains(host))
         return std::nullopt;
+    if (m_insideFolders.contains(host.first(qMax<qsizetype>(host.lastIndexOf('/'), 0)))) {
+        struct stat st
+        {};
+
+        if (lstat(host.constData(), &st) == 0 && S_ISDIR(st.st_mode)) {
+            m_insideFolders.insert(host);
+            return std::nullopt;
+        }
+    }
     QByteArray& realRoot = m_realRoots[root.folder];
     if (realRoot.isNull())
         realRoot = canonicalFolder(m_files.hostPath(root.folder));

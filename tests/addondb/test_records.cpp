@@ -272,6 +272,22 @@ private Q_SLOTS:
         QCOMPARE(sharers->at(0).masterKey, one.key);
         QCOMPARE(sharers->at(1).masterKey, three.key);
         QCOMPARE(sharers->at(1).name, u"Smoke.FX"_s);
+
+        // Many files of one folder, recorded before and after those of another add-on.
+        const QString gauges = u"C:\\FSX\\Gauges\\"_s;
+        QList<DetailRecord> first = {file(gauges.toLower(), u"G7.GAU"_s)};
+        QList<DetailRecord> rest;
+        for (int i = 0; i < 40; ++i)
+            rest += file(gauges, u'g' + QString::number(i) + u".gau"_s);
+        QVERIFY(addDetails(*m_database, two.key, first).ok());
+        const AddonRecord four = addAddon(u"Four"_s, {file(gauges, u"other.gau"_s)});
+        QVERIFY(addDetails(*m_database, two.key, rest).ok());
+        QList<DetailRecord> last = {file(gauges.toUpper(), u"G39.gau"_s)};
+        QVERIFY(addDetails(*m_database, four.key, last).ok());
+        const auto now = sharersOf(*m_database, *detailsOf(*m_database, two.key));
+        QCOMPARE(now->size(), 3);
+        QCOMPARE(now->at(2).key, last.front().key);
+        QCOMPARE(sharersOf(*m_database, *detailsOf(*m_database, four.key))->size(), 1);
     }
 
     void originals_belongToRows()

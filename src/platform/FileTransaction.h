@@ -78,6 +78,9 @@ public:
     /// on one file system, by a staged copy otherwise.
     Result move(const QString& from, const QString& to, const Fingerprint& before);
 
+    /// How many files of the folder were removed.
+    [[nodiscard]] qsizetype removedIn(const QString& folder) const;
+
     /// \a path goes once \a target, which was staged before, is in its place; else it stays.
     Result removeOnce(const QString& path, const QString& target);
 

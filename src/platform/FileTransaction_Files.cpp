@@ -223,6 +223,11 @@ Result FileTransaction::remove(const QString& path)
     return removeKnown(path, printOf(now));
 }
 
+qsizetype FileTransaction::removedIn(const QString& folder) const
+{
+    return m_pending.removedIn(winpath::withoutTrailing(folder));
+}
+
 Result FileTransaction::removeKnown(const QString& path, const Fingerprint& before)
 {
     if (PendingFile* const earlier = m_pending.find(path)) {

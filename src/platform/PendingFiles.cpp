@@ -72,6 +72,16 @@ void PendingFiles::clear()
     m_last = nullptr;
 }
 
+qsizetype PendingFiles::removedIn(QStringView folder) const
+{
+    const Names* const neighbours = names(folder);
+    if (!neighbours)
+        return 0;
+    return std::count_if(neighbours->cbegin(), neighbours->cend(), [](const PendingFile& file) {
+        return file.fate == PendingFate::Removed;
+    });
+}
+
 QStringList PendingFiles::stagedFolders() const
 {
     QStringList out;

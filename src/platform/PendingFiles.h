@@ -34,6 +34,8 @@ public:
     void set(QStringView path, const PendingFile& file);
     void remove(QStringView path);
     void clear();
+    /// How many files of the folder are to go.
+    [[nodiscard]] qsizetype removedIn(QStringView folder) const;
     /// Folders in which files are staged.
     [[nodiscard]] QStringList stagedFolders() const;
 

@@ -354,8 +354,11 @@ void CAddonRemover::tellLibraryFailure(const QString& why)
 bool CAddonRemover::otherSceneryFilesIn(const SceneryAreaRecord& area)
 {
     const QString folder = winpath::asFolder(area.path) + u"Scenery\\"_s;
+    const QStringList names = m_context.services.files.names(folder);
+    if (names.size() == m_actions->removedIn(folder))
+        return false; // each of those was seen there
     bool any = false;
-    for (const QString& name : m_context.services.files.names(folder)) {
+    for (const QString& name : names) {
         if (!endsWithNoCase(name, u".bgl") || !m_actions->info(folder + name))
             continue;
         any = true;

@@ -157,8 +157,11 @@ QStringList CAddonRemover::emptiedFolders()
 
 bool CAddonRemover::willBeEmpty(const QString& folder, const QSet<NoCase>& going)
 {
+    const QStringList names = m_context.services.files.names(folder);
+    if (names.size() == m_actions->removedIn(folder))
+        return true; // each of those was seen there
     QStringList backups;
-    for (const QString& name : m_context.services.files.names(folder)) {
+    for (const QString& name : names) {
         const QString path = folder + name;
         if (isBackup(name) && m_context.services.files.isFile(path))
             backups.push_back(path);
